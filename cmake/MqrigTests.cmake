@@ -1,0 +1,24 @@
+# mqrig_add_gtest(NAME target SOURCES files... [LIBRARIES targets...] [LABELS labels...] [ENVIRONMENT NAME=value...])
+#
+# Builds one GoogleTest executable under tests/bin and registers every test in it with ctest. LABELS says which
+# runs take it: unit, client, qmgr, end_to_end, threads, long.
+#
+# GoogleTest comes from Debian's package; where that has no library for the target (the 32-bit build) or was built
+# without the sanitizer in use, it is built here from the package's sources.
+
+if(MQRIG_TESTS)
+  enable_testing()
+  set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+  add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+  include(GoogleTest)
+endif()
+
+function(mqrig_add_gtest)
+  cmake_parse_arguments(arg "" "NAME" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
+  add_executable(${arg_NAME} ${arg_SOURCES})
+  target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBRARIES} mqrig_warnings GTest::gtest GTest::gmock GTest::gtest_main
+    Threads::Threads)
+  set_target_properties(${arg_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests/bin)
+  gtest_discover_tests(${arg_NAME} DISCOVERY_MODE PRE_TEST
+    PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 120 ENVIRONMENT "${arg_ENVIRONMENT}")
+endfunction()
