@@ -11,6 +11,8 @@ if(MQRIG_TESTS)
   set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
   add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
   include(GoogleTest)
+  # The programs of the tests labelled threads, which the thread sanitizer runs.
+  add_custom_target(thread_tests)
 endif()
 
 function(mqrig_add_gtest)
@@ -19,6 +21,9 @@ function(mqrig_add_gtest)
   target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBRARIES} mqrig_warnings GTest::gtest GTest::gmock GTest::gtest_main
     Threads::Threads)
   set_target_properties(${arg_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests/bin)
+  if("threads" IN_LIST arg_LABELS)
+    add_dependencies(thread_tests ${arg_NAME})
+  endif()
   gtest_discover_tests(${arg_NAME} DISCOVERY_MODE PRE_TEST
     PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 120 ENVIRONMENT "${arg_ENVIRONMENT}")
 endfunction()
