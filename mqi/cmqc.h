@@ -10,7 +10,14 @@
  * - A structure is initialised with its default: MQMD md = {MQMD_DEFAULT};
  * - NAME_ARRAY is the same text as NAME, as the list of its characters.
  * - Structures have the natural alignment of the platform, without packing.
+ * - The level is MQCMDL_CURRENT_LEVEL. Constants that later levels added are here too;
+ *   the CURRENT and LAST_USED values do not count them.
  * - cmqcfc.h declares the command messages (PCF), cmqxc.h channels and exits.
+ *
+ * In this order: types; handles; completion codes and reasons; lengths of fields; values
+ * that structures share; structures (connection, objects, message, put, get, callbacks,
+ * properties, publish/subscribe, headers in message data), each with its constants;
+ * selectors and values of attributes; calls.
  */
 /* clang-format off */
 #ifndef CMQC_H
@@ -763,7 +770,7 @@ typedef struct tagMQXQH   MQXQH;   typedef MQXQH   *PMQXQH;   typedef PMQXQH   *
 #define MQRC_REFERENCE_ERROR           6129
 #define MQRC_XR_NOT_AVAILABLE          6130
 
-/* Reasons of later calls */
+/* Reason of MQSUB */
 #define MQRC_SUB_JOIN_NOT_ALTERABLE 29440
 
 /* -------------------------------------------------------------------------- */
@@ -1016,13 +1023,14 @@ typedef struct tagMQXQH   MQXQH;   typedef MQXQH   *PMQXQH;   typedef PMQXQH   *
 #define MQFMT_XMIT_Q_HEADER            "MQXMIT  "
 #define MQFMT_XMIT_Q_HEADER_ARRAY      'M','Q','X','M','I','T',' ',' '
 
-/* Security identifiers */
-#define MQSID_NONE             "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0" \
-                               "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0" \
-                               "\0\0\0\0\0\0\0\0"
-#define MQSID_NONE_ARRAY       '\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0', \
-                               '\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0', \
-                               '\0','\0','\0','\0','\0','\0','\0','\0'
+/* Security identifier, and the type in its second byte */
+#define MQSID_NONE       "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0" \
+                         "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0" \
+                         "\0\0\0\0\0\0\0\0"
+#define MQSID_NONE_ARRAY '\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0', \
+                         '\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0', \
+                         '\0','\0','\0','\0','\0','\0','\0','\0'
+
 #define MQSIDT_NONE            '\x00'
 #define MQSIDT_NT_SECURITY_ID  '\x01'
 #define MQSIDT_WAS_SECURITY_ID '\x02'
@@ -1112,22 +1120,23 @@ typedef struct tagMQXQH   MQXQH;   typedef MQXQH   *PMQXQH;   typedef PMQXQH   *
 /* MQCHARV: string of variable length                                         */
 /* -------------------------------------------------------------------------- */
 
+/* Length of a string that ends with a null character (VSLength) */
 #define MQVS_NULL_TERMINATED (-1)
 
 struct tagMQCHARV {
-    MQPTR  VSPtr;
-    MQLONG VSOffset;
-    MQLONG VSBufSize;
-    MQLONG VSLength;
+    MQPTR  VSPtr;                            /* the string, or null: then VSOffset counts */
+    MQLONG VSOffset;                         /* from the start of the structure that holds this one */
+    MQLONG VSBufSize;                        /* for output; 0: no more than VSLength */
+    MQLONG VSLength;                         /* in bytes */
     MQLONG VSCCSID;
 };
 
-#define MQCHARV_DEFAULT \
-    NULL,         \
-    0,            \
-    0,            \
-    0,            \
-    MQCCSI_APPL
+#define MQCHARV_DEFAULT          \
+    NULL,        /* VSPtr */     \
+    0,           /* VSOffset */  \
+    0,           /* VSBufSize */ \
+    0,           /* VSLength */  \
+    MQCCSI_APPL  /* VSCCSID */
 
 /* -------------------------------------------------------------------------- */
 /* MQBNO: balancing of applications over queue managers                       */
@@ -1140,36 +1149,40 @@ struct tagMQCHARV {
 #define MQBNO_LENGTH_1        20
 #define MQBNO_CURRENT_LENGTH  20
 
+/* Balancing types (ApplType) */
 #define MQBNO_BALTYPE_SIMPLE     0
 #define MQBNO_BALTYPE_REQREP     1
 #define MQBNO_BALTYPE_RA_MANAGED 65536
 
+/* Time-out, in seconds */
 #define MQBNO_TIMEOUT_AS_DEFAULT (-1)
 #define MQBNO_TIMEOUT_IMMEDIATE  0
 #define MQBNO_TIMEOUT_NEVER      (-2)
 
+/* Options */
 #define MQBNO_OPTIONS_NONE         0x00000000
 #define MQBNO_OPTIONS_IGNORE_TRANS 0x00000001
 
 struct tagMQBNO {
     MQCHAR4 StrucId;
     MQLONG  Version;
-    MQLONG  ApplType;
-    MQLONG  Timeout;
+    MQLONG  ApplType;                        /* MQBNO_BALTYPE_ */
+    MQLONG  Timeout;                         /* in seconds, or MQBNO_TIMEOUT_ */
     MQLONG  Options;
 };
 
-#define MQBNO_DEFAULT \
-    {MQBNO_STRUC_ID_ARRAY},    \
-    MQBNO_VERSION_1,           \
-    MQBNO_BALTYPE_SIMPLE,      \
-    MQBNO_TIMEOUT_AS_DEFAULT,  \
-    MQBNO_OPTIONS_NONE
+#define MQBNO_DEFAULT                        \
+    {MQBNO_STRUC_ID_ARRAY},   /* StrucId */  \
+    MQBNO_VERSION_1,          /* Version */  \
+    MQBNO_BALTYPE_SIMPLE,     /* ApplType */ \
+    MQBNO_TIMEOUT_AS_DEFAULT, /* Timeout */  \
+    MQBNO_OPTIONS_NONE        /* Options */
 
 /* -------------------------------------------------------------------------- */
 /* MQCSP: user identifier and password of a connection                        */
-/* Versions 2 and 3 came with later levels; the fields they add are not declared. */
 /* -------------------------------------------------------------------------- */
+
+/* Versions 2 and 3 came with later levels; the fields that they add are not declared. */
 
 #define MQCSP_STRUC_ID        "CSP "
 #define MQCSP_STRUC_ID_ARRAY  'C','S','P',' '
@@ -1193,7 +1206,7 @@ struct tagMQCSP {
     MQLONG  AuthenticationType;
     MQBYTE4 Reserved1;
     MQPTR   CSPUserIdPtr;
-    MQLONG  CSPUserIdOffset;
+    MQLONG  CSPUserIdOffset;                 /* from the start of the structure, when the pointer is null */
     MQLONG  CSPUserIdLength;
     MQBYTE8 Reserved2;
     MQPTR   CSPPasswordPtr;
@@ -1201,18 +1214,18 @@ struct tagMQCSP {
     MQLONG  CSPPasswordLength;
 };
 
-#define MQCSP_DEFAULT \
-    {MQCSP_STRUC_ID_ARRAY},  \
-    MQCSP_VERSION_1,         \
-    MQCSP_AUTH_NONE,         \
-    {0},                     \
-    NULL,                    \
-    0,                       \
-    0,                       \
-    {0},                     \
-    NULL,                    \
-    0,                       \
-    0
+#define MQCSP_DEFAULT                                \
+    {MQCSP_STRUC_ID_ARRAY}, /* StrucId */            \
+    MQCSP_VERSION_1,        /* Version */            \
+    MQCSP_AUTH_NONE,        /* AuthenticationType */ \
+    {0},                    /* Reserved1 */          \
+    NULL,                   /* CSPUserIdPtr */       \
+    0,                      /* CSPUserIdOffset */    \
+    0,                      /* CSPUserIdLength */    \
+    {0},                    /* Reserved2 */          \
+    NULL,                   /* CSPPasswordPtr */     \
+    0,                      /* CSPPasswordOffset */  \
+    0                       /* CSPPasswordLength */
 
 /* -------------------------------------------------------------------------- */
 /* MQAIR: where to ask about revoked certificates                             */
@@ -1237,31 +1250,32 @@ struct tagMQCSP {
 struct tagMQAIR {
     MQCHAR4   StrucId;
     MQLONG    Version;
-    MQLONG    AuthInfoType;
-    MQCHAR264 AuthInfoConnName;
+    MQLONG    AuthInfoType;                  /* MQAIT_ */
+    MQCHAR264 AuthInfoConnName;              /* LDAP server: host(port) */
     PMQCHAR   LDAPUserNamePtr;
     MQLONG    LDAPUserNameOffset;
     MQLONG    LDAPUserNameLength;
     MQCHAR32  LDAPPassword;
     /* version 2 */
-    MQCHAR256 OCSPResponderURL;
+    MQCHAR256 OCSPResponderURL;              /* URL of the OCSP responder */
 };
 
-#define MQAIR_DEFAULT \
-    {MQAIR_STRUC_ID_ARRAY},  \
-    MQAIR_VERSION_1,         \
-    MQAIT_CRL_LDAP,          \
-    {""},                    \
-    NULL,                    \
-    0,                       \
-    0,                       \
-    {""},                    \
-    {""}
+#define MQAIR_DEFAULT                                \
+    {MQAIR_STRUC_ID_ARRAY}, /* StrucId */            \
+    MQAIR_VERSION_1,        /* Version */            \
+    MQAIT_CRL_LDAP,         /* AuthInfoType */       \
+    {""},                   /* AuthInfoConnName */   \
+    NULL,                   /* LDAPUserNamePtr */    \
+    0,                      /* LDAPUserNameOffset */ \
+    0,                      /* LDAPUserNameLength */ \
+    {""},                   /* LDAPPassword */       \
+    {""}                    /* OCSPResponderURL */
 
 /* -------------------------------------------------------------------------- */
 /* MQSCO: TLS configuration of a client connection                            */
-/* Versions 6 and 7 came with later levels; the fields they add are not declared. */
 /* -------------------------------------------------------------------------- */
+
+/* Versions 6 and 7 came with later levels; the fields that they add are not declared. */
 
 #define MQSCO_STRUC_ID        "SCO "
 #define MQSCO_STRUC_ID_ARRAY  'S','C','O',' '
@@ -1282,6 +1296,7 @@ struct tagMQAIR {
 #define MQSCO_LENGTH_7        MQ_BY_WIDTH(656, 672)
 #define MQSCO_CURRENT_LENGTH  MQ_BY_WIDTH(624, 632)
 
+/* Bytes between two negotiations of the secret key */
 #define MQSCO_RESET_COUNT_DEFAULT 0
 
 /* Suite B strengths */
@@ -1313,35 +1328,36 @@ struct tagMQAIR {
 struct tagMQSCO {
     MQCHAR4   StrucId;
     MQLONG    Version;
-    MQCHAR256 KeyRepository;
+    MQCHAR256 KeyRepository;                 /* path without the file ending */
     MQCHAR256 CryptoHardware;
     MQLONG    AuthInfoRecCount;
     MQLONG    AuthInfoRecOffset;
-    PMQAIR    AuthInfoRecPtr;
+    PMQAIR    AuthInfoRecPtr;                /* array of AuthInfoRecCount records */
     /* version 2 */
-    MQLONG    KeyResetCount;
+    MQLONG    KeyResetCount;                 /* in bytes; 0: never */
     MQLONG    FipsRequired;
     /* version 3 */
     MQLONG    EncryptionPolicySuiteB[4];
     /* version 4 */
-    MQLONG    CertificateValPolicy;
+    MQLONG    CertificateValPolicy;          /* MQ_CERT_VAL_POLICY_ */
     /* version 5 */
     MQCHAR64  CertificateLabel;
 };
 
-#define MQSCO_DEFAULT \
-    {MQSCO_STRUC_ID_ARRAY},                  \
-    MQSCO_VERSION_1,                         \
-    {""},                                    \
-    {""},                                    \
-    0,                                       \
-    0,                                       \
-    NULL,                                    \
-    MQSCO_RESET_COUNT_DEFAULT,               \
-    MQSSL_FIPS_NO,                           \
-    {MQ_SUITE_B_NONE, MQ_SUITE_B_NOT_AVAILABLE, MQ_SUITE_B_NOT_AVAILABLE, MQ_SUITE_B_NOT_AVAILABLE}, \
-    MQ_CERT_VAL_POLICY_DEFAULT,              \
-    {""}
+#define MQSCO_DEFAULT                                                        \
+    {MQSCO_STRUC_ID_ARRAY},                     /* StrucId */                \
+    MQSCO_VERSION_1,                            /* Version */                \
+    {""},                                       /* KeyRepository */          \
+    {""},                                       /* CryptoHardware */         \
+    0,                                          /* AuthInfoRecCount */       \
+    0,                                          /* AuthInfoRecOffset */      \
+    NULL,                                       /* AuthInfoRecPtr */         \
+    MQSCO_RESET_COUNT_DEFAULT,                  /* KeyResetCount */          \
+    MQSSL_FIPS_NO,                              /* FipsRequired */           \
+    {MQ_SUITE_B_NONE, MQ_SUITE_B_NOT_AVAILABLE, /* EncryptionPolicySuiteB */ \
+     MQ_SUITE_B_NOT_AVAILABLE, MQ_SUITE_B_NOT_AVAILABLE},                    \
+    MQ_CERT_VAL_POLICY_DEFAULT,                 /* CertificateValPolicy */   \
+    {""}                                        /* CertificateLabel */
 
 /* -------------------------------------------------------------------------- */
 /* MQCNO: options of MQCONNX                                                  */
@@ -1399,6 +1415,7 @@ struct tagMQSCO {
 #define MQCNO_ACTIVITY_TRACE_DISABLED  0x10000000
 #define MQCNO_NONE                     0x00000000
 
+/* Connection tag, connection identifier and application name */
 #define MQCT_NONE       "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0" \
                         "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0" \
                         "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0" \
@@ -1431,23 +1448,23 @@ struct tagMQCNO {
     MQLONG    Options;
     /* version 2 */
     MQLONG    ClientConnOffset;
-    MQPTR     ClientConnPtr;
+    MQPTR     ClientConnPtr;                 /* to an MQCD */
     /* version 3 */
-    MQBYTE128 ConnTag;
+    MQBYTE128 ConnTag;                       /* chosen by the application, or returned */
     /* version 4 */
     PMQSCO    SSLConfigPtr;
     MQLONG    SSLConfigOffset;
     /* version 5 */
-    MQBYTE24  ConnectionId;
+    MQBYTE24  ConnectionId;                  /* returned */
     MQLONG    SecurityParmsOffset;
     PMQCSP    SecurityParmsPtr;
     /* version 6 */
     PMQCHAR   CCDTUrlPtr;
     MQLONG    CCDTUrlOffset;
-    MQLONG    CCDTUrlLength;
+    MQLONG    CCDTUrlLength;                 /* in bytes */
     MQBYTE8   Reserved;
     /* version 7 */
-    MQCHAR28  ApplName;
+    MQCHAR28  ApplName;                      /* blank: the name of the program */
     MQBYTE4   Reserved2;
     /* version 8 */
     PMQBNO    BalanceParmsPtr;
@@ -1455,27 +1472,27 @@ struct tagMQCNO {
     MQBYTE4   Reserved3;
 };
 
-#define MQCNO_DEFAULT \
-    {MQCNO_STRUC_ID_ARRAY},  \
-    MQCNO_VERSION_1,         \
-    MQCNO_NONE,              \
-    0,                       \
-    NULL,                    \
-    {MQCT_NONE_ARRAY},       \
-    NULL,                    \
-    0,                       \
-    {MQCONNID_NONE_ARRAY},   \
-    0,                       \
-    NULL,                    \
-    NULL,                    \
-    0,                       \
-    0,                       \
-    {0},                     \
-    {MQAN_NONE_ARRAY},       \
-    {0},                     \
-    NULL,                    \
-    0,                       \
-    {0}
+#define MQCNO_DEFAULT                                 \
+    {MQCNO_STRUC_ID_ARRAY}, /* StrucId */             \
+    MQCNO_VERSION_1,        /* Version */             \
+    MQCNO_NONE,             /* Options */             \
+    0,                      /* ClientConnOffset */    \
+    NULL,                   /* ClientConnPtr */       \
+    {MQCT_NONE_ARRAY},      /* ConnTag */             \
+    NULL,                   /* SSLConfigPtr */        \
+    0,                      /* SSLConfigOffset */     \
+    {MQCONNID_NONE_ARRAY},  /* ConnectionId */        \
+    0,                      /* SecurityParmsOffset */ \
+    NULL,                   /* SecurityParmsPtr */    \
+    NULL,                   /* CCDTUrlPtr */          \
+    0,                      /* CCDTUrlOffset */       \
+    0,                      /* CCDTUrlLength */       \
+    {0},                    /* Reserved */            \
+    {MQAN_NONE_ARRAY},      /* ApplName */            \
+    {0},                    /* Reserved2 */           \
+    NULL,                   /* BalanceParmsPtr */     \
+    0,                      /* BalanceParmsOffset */  \
+    {0}                     /* Reserved3 */
 
 /* -------------------------------------------------------------------------- */
 /* MQOPEN and MQCLOSE                                                         */
@@ -1538,54 +1555,54 @@ struct tagMQCNO {
 struct tagMQOD {
     MQCHAR4  StrucId;
     MQLONG   Version;
-    MQLONG   ObjectType;
+    MQLONG   ObjectType;                     /* MQOT_ */
     MQCHAR48 ObjectName;
     MQCHAR48 ObjectQMgrName;
-    MQCHAR48 DynamicQName;
+    MQCHAR48 DynamicQName;                   /* pattern, for a model queue */
     MQCHAR12 AlternateUserId;
     /* version 2 */
-    MQLONG   RecsPresent;
+    MQLONG   RecsPresent;                    /* above 0: a distribution list */
     MQLONG   KnownDestCount;
     MQLONG   UnknownDestCount;
     MQLONG   InvalidDestCount;
     MQLONG   ObjectRecOffset;
     MQLONG   ResponseRecOffset;
-    MQPTR    ObjectRecPtr;
-    MQPTR    ResponseRecPtr;
+    MQPTR    ObjectRecPtr;                   /* array of MQOR */
+    MQPTR    ResponseRecPtr;                 /* array of MQRR */
     /* version 3 */
     MQBYTE40 AlternateSecurityId;
-    MQCHAR48 ResolvedQName;
-    MQCHAR48 ResolvedQMgrName;
+    MQCHAR48 ResolvedQName;                  /* returned */
+    MQCHAR48 ResolvedQMgrName;               /* returned */
     /* version 4 */
     MQCHARV  ObjectString;
     MQCHARV  SelectionString;
-    MQCHARV  ResObjectString;
-    MQLONG   ResolvedType;
+    MQCHARV  ResObjectString;                /* returned */
+    MQLONG   ResolvedType;                   /* returned, MQOT_ */
 };
 
-#define MQOD_DEFAULT \
-    {MQOD_STRUC_ID_ARRAY},  \
-    MQOD_VERSION_1,         \
-    MQOT_Q,                 \
-    {""},                   \
-    {""},                   \
-    {"AMQ.*"},              \
-    {""},                   \
-    0,                      \
-    0,                      \
-    0,                      \
-    0,                      \
-    0,                      \
-    0,                      \
-    NULL,                   \
-    NULL,                   \
-    {MQSID_NONE_ARRAY},     \
-    {""},                   \
-    {""},                   \
-    {MQCHARV_DEFAULT},      \
-    {MQCHARV_DEFAULT},      \
-    {MQCHARV_DEFAULT},      \
-    MQOT_NONE
+#define MQOD_DEFAULT                                 \
+    {MQOD_STRUC_ID_ARRAY}, /* StrucId */             \
+    MQOD_VERSION_1,        /* Version */             \
+    MQOT_Q,                /* ObjectType */          \
+    {""},                  /* ObjectName */          \
+    {""},                  /* ObjectQMgrName */      \
+    {"AMQ.*"},             /* DynamicQName */        \
+    {""},                  /* AlternateUserId */     \
+    0,                     /* RecsPresent */         \
+    0,                     /* KnownDestCount */      \
+    0,                     /* UnknownDestCount */    \
+    0,                     /* InvalidDestCount */    \
+    0,                     /* ObjectRecOffset */     \
+    0,                     /* ResponseRecOffset */   \
+    NULL,                  /* ObjectRecPtr */        \
+    NULL,                  /* ResponseRecPtr */      \
+    {MQSID_NONE_ARRAY},    /* AlternateSecurityId */ \
+    {""},                  /* ResolvedQName */       \
+    {""},                  /* ResolvedQMgrName */    \
+    {MQCHARV_DEFAULT},     /* ObjectString */        \
+    {MQCHARV_DEFAULT},     /* SelectionString */     \
+    {MQCHARV_DEFAULT},     /* ResObjectString */     \
+    MQOT_NONE              /* ResolvedType */
 
 /* -------------------------------------------------------------------------- */
 /* MQOR: object record, one for each queue of a distribution list             */
@@ -1596,9 +1613,9 @@ struct tagMQOR {
     MQCHAR48 ObjectQMgrName;
 };
 
-#define MQOR_DEFAULT \
-    {""},  \
-    {""}
+#define MQOR_DEFAULT                  \
+    {""},        /* ObjectName */     \
+    {""}         /* ObjectQMgrName */
 
 /* -------------------------------------------------------------------------- */
 /* MQRR: response record, what became of one queue of a distribution list     */
@@ -1609,9 +1626,9 @@ struct tagMQRR {
     MQLONG Reason;
 };
 
-#define MQRR_DEFAULT \
-    MQCC_OK,    \
-    MQRC_NONE
+#define MQRR_DEFAULT            \
+    MQCC_OK,     /* CompCode */ \
+    MQRC_NONE    /* Reason */
 
 /* -------------------------------------------------------------------------- */
 /* MQMD: message descriptor                                                   */
@@ -1755,13 +1772,16 @@ struct tagMQRR {
 #define MQMI_NONE_ARRAY '\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0', \
                         '\0','\0','\0','\0','\0','\0','\0','\0'
 
-#define MQCI_NONE              "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0" \
-                               "\0\0\0\0\0\0\0\0"
-#define MQCI_NONE_ARRAY        '\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0', \
-                               '\0','\0','\0','\0','\0','\0','\0','\0'
-#define MQCI_NEW_SESSION       "\x41\x4D\x51\x21\x4E\x45\x57\x5F\x53\x45\x53\x53\x49\x4F\x4E\x5F" \
+#define MQCI_NONE       "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0" \
+                        "\0\0\0\0\0\0\0\0"
+#define MQCI_NONE_ARRAY '\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0', \
+                        '\0','\0','\0','\0','\0','\0','\0','\0'
+
+#define MQCI_NEW_SESSION       "\x41\x4D\x51\x21\x4E\x45\x57\x5F" \
+                               "\x53\x45\x53\x53\x49\x4F\x4E\x5F" \
                                "\x43\x4F\x52\x52\x45\x4C\x49\x44"
-#define MQCI_NEW_SESSION_ARRAY '\x41','\x4D','\x51','\x21','\x4E','\x45','\x57','\x5F','\x53','\x45','\x53','\x53','\x49','\x4F','\x4E','\x5F', \
+#define MQCI_NEW_SESSION_ARRAY '\x41','\x4D','\x51','\x21','\x4E','\x45','\x57','\x5F', \
+                               '\x53','\x45','\x53','\x53','\x49','\x4F','\x4E','\x5F', \
                                '\x43','\x4F','\x52','\x52','\x45','\x4C','\x49','\x44'
 
 #define MQGI_NONE       "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0" \
@@ -1789,12 +1809,12 @@ struct tagMQRR {
 
 /* Message flags */
 #define MQMF_SEGMENTATION_INHIBITED    0x00000000
+#define MQMF_NONE                      0x00000000
 #define MQMF_SEGMENTATION_ALLOWED      0x00000001
-#define MQMF_MSG_IN_GROUP              0x00000008
-#define MQMF_LAST_MSG_IN_GROUP         0x00000010
 #define MQMF_SEGMENT                   0x00000002
 #define MQMF_LAST_SEGMENT              0x00000004
-#define MQMF_NONE                      0x00000000
+#define MQMF_MSG_IN_GROUP              0x00000008
+#define MQMF_LAST_MSG_IN_GROUP         0x00000010
 #define MQMF_REJECT_UNSUP_MASK         0x00000FFF
 #define MQMF_ACCEPT_UNSUP_MASK         (-1048576) /* 0xFFF00000 */
 #define MQMF_ACCEPT_UNSUP_IF_XMIT_MASK 0x000FF000
@@ -1805,10 +1825,10 @@ struct tagMQRR {
 struct tagMQMD {
     MQCHAR4  StrucId;
     MQLONG   Version;
-    MQLONG   Report;
-    MQLONG   MsgType;
-    MQLONG   Expiry;
-    MQLONG   Feedback;
+    MQLONG   Report;                         /* MQRO_ */
+    MQLONG   MsgType;                        /* MQMT_ */
+    MQLONG   Expiry;                         /* in tenths of a second */
+    MQLONG   Feedback;                       /* MQFB_ or a reason, in reports */
     MQLONG   Encoding;
     MQLONG   CodedCharSetId;
     MQCHAR8  Format;
@@ -1816,7 +1836,7 @@ struct tagMQMD {
     MQLONG   Persistence;
     MQBYTE24 MsgId;
     MQBYTE24 CorrelId;
-    MQLONG   BackoutCount;
+    MQLONG   BackoutCount;                   /* returned by MQGET */
     MQCHAR48 ReplyToQ;
     MQCHAR48 ReplyToQMgr;
     MQCHAR12 UserIdentifier;
@@ -1824,47 +1844,47 @@ struct tagMQMD {
     MQCHAR32 ApplIdentityData;
     MQLONG   PutApplType;
     MQCHAR28 PutApplName;
-    MQCHAR8  PutDate;
-    MQCHAR8  PutTime;
+    MQCHAR8  PutDate;                        /* YYYYMMDD */
+    MQCHAR8  PutTime;                        /* HHMMSSTH, Greenwich mean time */
     MQCHAR4  ApplOriginData;
     /* version 2 */
     MQBYTE24 GroupId;
-    MQLONG   MsgSeqNumber;
-    MQLONG   Offset;
-    MQLONG   MsgFlags;
-    MQLONG   OriginalLength;
+    MQLONG   MsgSeqNumber;                   /* of the logical message in its group, from 1 */
+    MQLONG   Offset;                         /* of the segment in its logical message */
+    MQLONG   MsgFlags;                       /* MQMF_ */
+    MQLONG   OriginalLength;                 /* of the message that a segment report is about */
 };
 
-#define MQMD_DEFAULT \
-    {MQMD_STRUC_ID_ARRAY},       \
-    MQMD_VERSION_1,              \
-    MQRO_NONE,                   \
-    MQMT_DATAGRAM,               \
-    MQEI_UNLIMITED,              \
-    MQFB_NONE,                   \
-    MQENC_NATIVE,                \
-    MQCCSI_Q_MGR,                \
-    {MQFMT_NONE_ARRAY},          \
-    MQPRI_PRIORITY_AS_Q_DEF,     \
-    MQPER_PERSISTENCE_AS_Q_DEF,  \
-    {MQMI_NONE_ARRAY},           \
-    {MQCI_NONE_ARRAY},           \
-    0,                           \
-    {""},                        \
-    {""},                        \
-    {""},                        \
-    {MQACT_NONE_ARRAY},          \
-    {""},                        \
-    MQAT_NO_CONTEXT,             \
-    {""},                        \
-    {""},                        \
-    {""},                        \
-    {""},                        \
-    {MQGI_NONE_ARRAY},           \
-    1,                           \
-    0,                           \
-    MQMF_NONE,                   \
-    MQOL_UNDEFINED
+#define MQMD_DEFAULT                                   \
+    {MQMD_STRUC_ID_ARRAY},      /* StrucId */          \
+    MQMD_VERSION_1,             /* Version */          \
+    MQRO_NONE,                  /* Report */           \
+    MQMT_DATAGRAM,              /* MsgType */          \
+    MQEI_UNLIMITED,             /* Expiry */           \
+    MQFB_NONE,                  /* Feedback */         \
+    MQENC_NATIVE,               /* Encoding */         \
+    MQCCSI_Q_MGR,               /* CodedCharSetId */   \
+    {MQFMT_NONE_ARRAY},         /* Format */           \
+    MQPRI_PRIORITY_AS_Q_DEF,    /* Priority */         \
+    MQPER_PERSISTENCE_AS_Q_DEF, /* Persistence */      \
+    {MQMI_NONE_ARRAY},          /* MsgId */            \
+    {MQCI_NONE_ARRAY},          /* CorrelId */         \
+    0,                          /* BackoutCount */     \
+    {""},                       /* ReplyToQ */         \
+    {""},                       /* ReplyToQMgr */      \
+    {""},                       /* UserIdentifier */   \
+    {MQACT_NONE_ARRAY},         /* AccountingToken */  \
+    {""},                       /* ApplIdentityData */ \
+    MQAT_NO_CONTEXT,            /* PutApplType */      \
+    {""},                       /* PutApplName */      \
+    {""},                       /* PutDate */          \
+    {""},                       /* PutTime */          \
+    {""},                       /* ApplOriginData */   \
+    {MQGI_NONE_ARRAY},          /* GroupId */          \
+    1,                          /* MsgSeqNumber */     \
+    0,                          /* Offset */           \
+    MQMF_NONE,                  /* MsgFlags */         \
+    MQOL_UNDEFINED              /* OriginalLength */
 
 /* -------------------------------------------------------------------------- */
 /* MQMD1: message descriptor as it stood in version 1, embedded in MQXQH      */
@@ -1873,6 +1893,7 @@ struct tagMQMD {
 #define MQMD1_LENGTH_1       324
 #define MQMD1_CURRENT_LENGTH 324
 
+/* Lengths of the later layout, which is MQMD */
 #define MQMD2_LENGTH_1       324
 #define MQMD2_LENGTH_2       364
 #define MQMD2_CURRENT_LENGTH 364
@@ -1880,10 +1901,10 @@ struct tagMQMD {
 struct tagMQMD1 {
     MQCHAR4  StrucId;
     MQLONG   Version;
-    MQLONG   Report;
-    MQLONG   MsgType;
-    MQLONG   Expiry;
-    MQLONG   Feedback;
+    MQLONG   Report;                         /* MQRO_ */
+    MQLONG   MsgType;                        /* MQMT_ */
+    MQLONG   Expiry;                         /* in tenths of a second */
+    MQLONG   Feedback;                       /* MQFB_ or a reason, in reports */
     MQLONG   Encoding;
     MQLONG   CodedCharSetId;
     MQCHAR8  Format;
@@ -1891,7 +1912,7 @@ struct tagMQMD1 {
     MQLONG   Persistence;
     MQBYTE24 MsgId;
     MQBYTE24 CorrelId;
-    MQLONG   BackoutCount;
+    MQLONG   BackoutCount;                   /* returned by MQGET */
     MQCHAR48 ReplyToQ;
     MQCHAR48 ReplyToQMgr;
     MQCHAR12 UserIdentifier;
@@ -1899,39 +1920,39 @@ struct tagMQMD1 {
     MQCHAR32 ApplIdentityData;
     MQLONG   PutApplType;
     MQCHAR28 PutApplName;
-    MQCHAR8  PutDate;
-    MQCHAR8  PutTime;
+    MQCHAR8  PutDate;                        /* YYYYMMDD */
+    MQCHAR8  PutTime;                        /* HHMMSSTH, Greenwich mean time */
     MQCHAR4  ApplOriginData;
 };
 
-#define MQMD1_DEFAULT \
-    {MQMD_STRUC_ID_ARRAY},       \
-    MQMD_VERSION_1,              \
-    MQRO_NONE,                   \
-    MQMT_DATAGRAM,               \
-    MQEI_UNLIMITED,              \
-    MQFB_NONE,                   \
-    MQENC_NATIVE,                \
-    MQCCSI_Q_MGR,                \
-    {MQFMT_NONE_ARRAY},          \
-    MQPRI_PRIORITY_AS_Q_DEF,     \
-    MQPER_PERSISTENCE_AS_Q_DEF,  \
-    {MQMI_NONE_ARRAY},           \
-    {MQCI_NONE_ARRAY},           \
-    0,                           \
-    {""},                        \
-    {""},                        \
-    {""},                        \
-    {MQACT_NONE_ARRAY},          \
-    {""},                        \
-    MQAT_NO_CONTEXT,             \
-    {""},                        \
-    {""},                        \
-    {""},                        \
-    {""}
+#define MQMD1_DEFAULT                                  \
+    {MQMD_STRUC_ID_ARRAY},      /* StrucId */          \
+    MQMD_VERSION_1,             /* Version */          \
+    MQRO_NONE,                  /* Report */           \
+    MQMT_DATAGRAM,              /* MsgType */          \
+    MQEI_UNLIMITED,             /* Expiry */           \
+    MQFB_NONE,                  /* Feedback */         \
+    MQENC_NATIVE,               /* Encoding */         \
+    MQCCSI_Q_MGR,               /* CodedCharSetId */   \
+    {MQFMT_NONE_ARRAY},         /* Format */           \
+    MQPRI_PRIORITY_AS_Q_DEF,    /* Priority */         \
+    MQPER_PERSISTENCE_AS_Q_DEF, /* Persistence */      \
+    {MQMI_NONE_ARRAY},          /* MsgId */            \
+    {MQCI_NONE_ARRAY},          /* CorrelId */         \
+    0,                          /* BackoutCount */     \
+    {""},                       /* ReplyToQ */         \
+    {""},                       /* ReplyToQMgr */      \
+    {""},                       /* UserIdentifier */   \
+    {MQACT_NONE_ARRAY},         /* AccountingToken */  \
+    {""},                       /* ApplIdentityData */ \
+    MQAT_NO_CONTEXT,            /* PutApplType */      \
+    {""},                       /* PutApplName */      \
+    {""},                       /* PutDate */          \
+    {""},                       /* PutTime */          \
+    {""}                        /* ApplOriginData */
 
 /* -------------------------------------------------------------------------- */
-/* MQMDE: version 2 fields of a message descriptor, in front of the message data */
+/* MQMDE: version 2 part of a message descriptor, before the message data     */
 /* -------------------------------------------------------------------------- */
 
 #define MQMDE_STRUC_ID        "MDE "
@@ -1941,6 +1962,7 @@ struct tagMQMD1 {
 #define MQMDE_LENGTH_2        72
 #define MQMDE_CURRENT_LENGTH  72
 
+/* Flags */
 #define MQMDEF_NONE 0
 
 struct tagMQMDE {
@@ -1952,33 +1974,34 @@ struct tagMQMDE {
     MQCHAR8  Format;
     MQLONG   Flags;
     MQBYTE24 GroupId;
-    MQLONG   MsgSeqNumber;
-    MQLONG   Offset;
-    MQLONG   MsgFlags;
-    MQLONG   OriginalLength;
+    MQLONG   MsgSeqNumber;                   /* of the logical message in its group, from 1 */
+    MQLONG   Offset;                         /* of the segment in its logical message */
+    MQLONG   MsgFlags;                       /* MQMF_ */
+    MQLONG   OriginalLength;                 /* of the message that a segment report is about */
 };
 
-#define MQMDE_DEFAULT \
-    {MQMDE_STRUC_ID_ARRAY},  \
-    MQMDE_VERSION_2,         \
-    MQMDE_LENGTH_2,          \
-    MQENC_NATIVE,            \
-    MQCCSI_UNDEFINED,        \
-    {MQFMT_NONE_ARRAY},      \
-    MQMDEF_NONE,             \
-    {MQGI_NONE_ARRAY},       \
-    1,                       \
-    0,                       \
-    MQMF_NONE,               \
-    MQOL_UNDEFINED
+#define MQMDE_DEFAULT                            \
+    {MQMDE_STRUC_ID_ARRAY}, /* StrucId */        \
+    MQMDE_VERSION_2,        /* Version */        \
+    MQMDE_LENGTH_2,         /* StrucLength */    \
+    MQENC_NATIVE,           /* Encoding */       \
+    MQCCSI_UNDEFINED,       /* CodedCharSetId */ \
+    {MQFMT_NONE_ARRAY},     /* Format */         \
+    MQMDEF_NONE,            /* Flags */          \
+    {MQGI_NONE_ARRAY},      /* GroupId */        \
+    1,                      /* MsgSeqNumber */   \
+    0,                      /* Offset */         \
+    MQMF_NONE,              /* MsgFlags */       \
+    MQOL_UNDEFINED          /* OriginalLength */
 
 /* -------------------------------------------------------------------------- */
 /* MQPMO: options of MQPUT and MQPUT1                                         */
-/* A put-message record (MQPMR) has no fixed layout: an application declares the */
-/* fields that PutMsgRecFields names, without gaps and in the order of the MQPMRF_ */
-/* values: MQBYTE24 MsgId, MQBYTE24 CorrelId, MQBYTE24 GroupId, MQLONG Feedback, */
-/* MQBYTE32 AccountingToken.                                                  */
 /* -------------------------------------------------------------------------- */
+
+/* A put-message record (MQPMR) has no fixed layout: an application declares the
+ * fields that PutMsgRecFields names, without gaps and in the order of the MQPMRF_
+ * values: MQBYTE24 MsgId, MQBYTE24 CorrelId, MQBYTE24 GroupId, MQLONG Feedback,
+ * MQBYTE32 AccountingToken. */
 
 #define MQPMO_STRUC_ID        "PMO "
 #define MQPMO_STRUC_ID_ARRAY  'P','M','O',' '
@@ -1992,6 +2015,9 @@ struct tagMQMDE {
 #define MQPMO_CURRENT_LENGTH  MQ_BY_WIDTH(176, 184)
 
 /* Put options */
+#define MQPMO_RESPONSE_AS_Q_DEF        0x00000000
+#define MQPMO_RESPONSE_AS_TOPIC_DEF    0x00000000
+#define MQPMO_NONE                     0x00000000
 #define MQPMO_SYNCPOINT                0x00000002
 #define MQPMO_NO_SYNCPOINT             0x00000004
 #define MQPMO_DEFAULT_CONTEXT          0x00000020
@@ -2014,9 +2040,6 @@ struct tagMQMDE {
 #define MQPMO_SCOPE_QMGR               0x04000000
 #define MQPMO_SUPPRESS_REPLYTO         0x08000000
 #define MQPMO_NOT_OWN_SUBS             0x10000000
-#define MQPMO_RESPONSE_AS_Q_DEF        0x00000000
-#define MQPMO_RESPONSE_AS_TOPIC_DEF    0x00000000
-#define MQPMO_NONE                     0x00000000
 #define MQPMO_PUB_OPTIONS_MASK         0x00200000
 
 /* Fields of a put-message record */
@@ -2038,19 +2061,19 @@ struct tagMQPMO {
     MQLONG   Version;
     MQLONG   Options;
     MQLONG   Timeout;
-    MQHOBJ   Context;
+    MQHOBJ   Context;                        /* queue opened with MQOO_SAVE_ALL_CONTEXT */
     MQLONG   KnownDestCount;
     MQLONG   UnknownDestCount;
     MQLONG   InvalidDestCount;
-    MQCHAR48 ResolvedQName;
-    MQCHAR48 ResolvedQMgrName;
+    MQCHAR48 ResolvedQName;                  /* returned */
+    MQCHAR48 ResolvedQMgrName;               /* returned */
     /* version 2 */
     MQLONG   RecsPresent;
-    MQLONG   PutMsgRecFields;
+    MQLONG   PutMsgRecFields;                /* MQPMRF_ */
     MQLONG   PutMsgRecOffset;
     MQLONG   ResponseRecOffset;
-    MQPTR    PutMsgRecPtr;
-    MQPTR    ResponseRecPtr;
+    MQPTR    PutMsgRecPtr;                   /* array of RecsPresent records */
+    MQPTR    ResponseRecPtr;                 /* array of MQRR */
     /* version 3 */
     MQHMSG   OriginalMsgHandle;
     MQHMSG   NewMsgHandle;
@@ -2058,27 +2081,27 @@ struct tagMQPMO {
     MQLONG   PubLevel;
 };
 
-#define MQPMO_DEFAULT \
-    {MQPMO_STRUC_ID_ARRAY},  \
-    MQPMO_VERSION_1,         \
-    MQPMO_NONE,              \
-    (-1),                    \
-    0,                       \
-    0,                       \
-    0,                       \
-    0,                       \
-    {""},                    \
-    {""},                    \
-    0,                       \
-    MQPMRF_NONE,             \
-    0,                       \
-    0,                       \
-    NULL,                    \
-    NULL,                    \
-    MQHM_NONE,               \
-    MQHM_NONE,               \
-    MQACTP_NEW,              \
-    9
+#define MQPMO_DEFAULT                               \
+    {MQPMO_STRUC_ID_ARRAY}, /* StrucId */           \
+    MQPMO_VERSION_1,        /* Version */           \
+    MQPMO_NONE,             /* Options */           \
+    (-1),                   /* Timeout */           \
+    0,                      /* Context */           \
+    0,                      /* KnownDestCount */    \
+    0,                      /* UnknownDestCount */  \
+    0,                      /* InvalidDestCount */  \
+    {""},                   /* ResolvedQName */     \
+    {""},                   /* ResolvedQMgrName */  \
+    0,                      /* RecsPresent */       \
+    MQPMRF_NONE,            /* PutMsgRecFields */   \
+    0,                      /* PutMsgRecOffset */   \
+    0,                      /* ResponseRecOffset */ \
+    NULL,                   /* PutMsgRecPtr */      \
+    NULL,                   /* ResponseRecPtr */    \
+    MQHM_NONE,              /* OriginalMsgHandle */ \
+    MQHM_NONE,              /* NewMsgHandle */      \
+    MQACTP_NEW,             /* Action */            \
+    9                       /* PubLevel */
 
 /* -------------------------------------------------------------------------- */
 /* MQGMO: options of MQGET                                                    */
@@ -2098,21 +2121,23 @@ struct tagMQPMO {
 #define MQGMO_CURRENT_LENGTH  112
 
 /* Get options */
-#define MQGMO_WAIT                     0x00000001
 #define MQGMO_NO_WAIT                  0x00000000
-#define MQGMO_SET_SIGNAL               0x00000008
-#define MQGMO_FAIL_IF_QUIESCING        0x00002000
+#define MQGMO_PROPERTIES_AS_Q_DEF      0x00000000
+#define MQGMO_NONE                     0x00000000
+#define MQGMO_WAIT                     0x00000001
 #define MQGMO_SYNCPOINT                0x00000002
-#define MQGMO_SYNCPOINT_IF_PERSISTENT  0x00001000
 #define MQGMO_NO_SYNCPOINT             0x00000004
-#define MQGMO_MARK_SKIP_BACKOUT        0x00000080
+#define MQGMO_SET_SIGNAL               0x00000008
 #define MQGMO_BROWSE_FIRST             0x00000010
 #define MQGMO_BROWSE_NEXT              0x00000020
-#define MQGMO_BROWSE_MSG_UNDER_CURSOR  0x00000800
+#define MQGMO_ACCEPT_TRUNCATED_MSG     0x00000040
+#define MQGMO_MARK_SKIP_BACKOUT        0x00000080
 #define MQGMO_MSG_UNDER_CURSOR         0x00000100
 #define MQGMO_LOCK                     0x00000200
 #define MQGMO_UNLOCK                   0x00000400
-#define MQGMO_ACCEPT_TRUNCATED_MSG     0x00000040
+#define MQGMO_BROWSE_MSG_UNDER_CURSOR  0x00000800
+#define MQGMO_SYNCPOINT_IF_PERSISTENT  0x00001000
+#define MQGMO_FAIL_IF_QUIESCING        0x00002000
 #define MQGMO_CONVERT                  0x00004000
 #define MQGMO_LOGICAL_ORDER            0x00008000
 #define MQGMO_COMPLETE_MSG             0x00010000
@@ -2127,8 +2152,6 @@ struct tagMQPMO {
 #define MQGMO_NO_PROPERTIES            0x04000000
 #define MQGMO_PROPERTIES_IN_HANDLE     0x08000000
 #define MQGMO_PROPERTIES_COMPATIBILITY 0x10000000
-#define MQGMO_PROPERTIES_AS_Q_DEF      0x00000000
-#define MQGMO_NONE                     0x00000000
 #define MQGMO_BROWSE_HANDLE            0x01100010
 #define MQGMO_BROWSE_CO_OP             0x01200010
 
@@ -2173,41 +2196,41 @@ struct tagMQGMO {
     MQCHAR4  StrucId;
     MQLONG   Version;
     MQLONG   Options;
-    MQLONG   WaitInterval;
+    MQLONG   WaitInterval;                   /* in milliseconds, or MQWI_UNLIMITED */
     MQLONG   Signal1;
     MQLONG   Signal2;
-    MQCHAR48 ResolvedQName;
+    MQCHAR48 ResolvedQName;                  /* returned */
     /* version 2 */
-    MQLONG   MatchOptions;
-    MQCHAR   GroupStatus;
-    MQCHAR   SegmentStatus;
-    MQCHAR   Segmentation;
+    MQLONG   MatchOptions;                   /* MQMO_ */
+    MQCHAR   GroupStatus;                    /* returned, MQGS_ */
+    MQCHAR   SegmentStatus;                  /* returned, MQSS_ */
+    MQCHAR   Segmentation;                   /* returned, MQSEG_ */
     MQCHAR   Reserved1;
     /* version 3 */
     MQBYTE16 MsgToken;
-    MQLONG   ReturnedLength;
+    MQLONG   ReturnedLength;                 /* bytes of the message in the buffer */
     /* version 4 */
     MQLONG   Reserved2;
     MQHMSG   MsgHandle;
 };
 
-#define MQGMO_DEFAULT \
-    {MQGMO_STRUC_ID_ARRAY},                  \
-    MQGMO_VERSION_1,                         \
-    MQGMO_NO_WAIT,                           \
-    0,                                       \
-    0,                                       \
-    0,                                       \
-    {""},                                    \
-    (MQMO_MATCH_MSG_ID + MQMO_MATCH_CORREL_ID), \
-    MQGS_NOT_IN_GROUP,                       \
-    MQSS_NOT_A_SEGMENT,                      \
-    MQSEG_INHIBITED,                         \
-    ' ',                                     \
-    {MQMTOK_NONE_ARRAY},                     \
-    MQRL_UNDEFINED,                          \
-    0,                                       \
-    MQHM_NONE
+#define MQGMO_DEFAULT                                                \
+    {MQGMO_STRUC_ID_ARRAY},                     /* StrucId */        \
+    MQGMO_VERSION_1,                            /* Version */        \
+    MQGMO_NO_WAIT,                              /* Options */        \
+    0,                                          /* WaitInterval */   \
+    0,                                          /* Signal1 */        \
+    0,                                          /* Signal2 */        \
+    {""},                                       /* ResolvedQName */  \
+    (MQMO_MATCH_MSG_ID + MQMO_MATCH_CORREL_ID), /* MatchOptions */   \
+    MQGS_NOT_IN_GROUP,                          /* GroupStatus */    \
+    MQSS_NOT_A_SEGMENT,                         /* SegmentStatus */  \
+    MQSEG_INHIBITED,                            /* Segmentation */   \
+    ' ',                                        /* Reserved1 */      \
+    {MQMTOK_NONE_ARRAY},                        /* MsgToken */       \
+    MQRL_UNDEFINED,                             /* ReturnedLength */ \
+    0,                                          /* Reserved2 */      \
+    MQHM_NONE                                   /* MsgHandle */
 
 /* -------------------------------------------------------------------------- */
 /* MQBO: options of MQBEGIN                                                   */
@@ -2220,6 +2243,7 @@ struct tagMQGMO {
 #define MQBO_LENGTH_1        12
 #define MQBO_CURRENT_LENGTH  12
 
+/* Options */
 #define MQBO_NONE 0x00000000
 
 struct tagMQBO {
@@ -2228,10 +2252,10 @@ struct tagMQBO {
     MQLONG  Options;
 };
 
-#define MQBO_DEFAULT \
-    {MQBO_STRUC_ID_ARRAY},  \
-    MQBO_VERSION_1,         \
-    MQBO_NONE
+#define MQBO_DEFAULT                     \
+    {MQBO_STRUC_ID_ARRAY}, /* StrucId */ \
+    MQBO_VERSION_1,        /* Version */ \
+    MQBO_NONE              /* Options */
 
 /* -------------------------------------------------------------------------- */
 /* MQCB and MQCTL                                                             */
@@ -2257,6 +2281,7 @@ struct tagMQBO {
 #define MQCBD_LENGTH_1        MQ_BY_WIDTH(156, 168)
 #define MQCBD_CURRENT_LENGTH  MQ_BY_WIDTH(156, 168)
 
+/* Longest message */
 #define MQCBD_FULL_MSG_LENGTH (-1)
 
 /* Callback types */
@@ -2276,28 +2301,29 @@ struct tagMQBO {
 struct tagMQCBD {
     MQCHAR4   StrucId;
     MQLONG    Version;
-    MQLONG    CallbackType;
-    MQLONG    Options;
-    MQPTR     CallbackArea;
-    MQPTR     CallbackFunction;
+    MQLONG    CallbackType;                  /* MQCBT_ */
+    MQLONG    Options;                       /* MQCBDO_ */
+    MQPTR     CallbackArea;                  /* handed to the callback in MQCBC */
+    MQPTR     CallbackFunction;              /* an MQCB_FUNCTION */
     MQCHAR128 CallbackName;
     MQLONG    MaxMsgLength;
 };
 
-#define MQCBD_DEFAULT \
-    {MQCBD_STRUC_ID_ARRAY},  \
-    MQCBD_VERSION_1,         \
-    MQCBT_MESSAGE_CONSUMER,  \
-    MQCBDO_NONE,             \
-    NULL,                    \
-    NULL,                    \
-    {""},                    \
-    MQCBD_FULL_MSG_LENGTH
+#define MQCBD_DEFAULT                              \
+    {MQCBD_STRUC_ID_ARRAY}, /* StrucId */          \
+    MQCBD_VERSION_1,        /* Version */          \
+    MQCBT_MESSAGE_CONSUMER, /* CallbackType */     \
+    MQCBDO_NONE,            /* Options */          \
+    NULL,                   /* CallbackArea */     \
+    NULL,                   /* CallbackFunction */ \
+    {""},                   /* CallbackName */     \
+    MQCBD_FULL_MSG_LENGTH   /* MaxMsgLength */
 
 /* -------------------------------------------------------------------------- */
 /* MQCBC: context handed to a callback                                        */
-/* Filled by the queue manager; it has no default initialiser.                */
 /* -------------------------------------------------------------------------- */
+
+/* Filled by the queue manager; it has no default initialiser. */
 
 #define MQCBC_STRUC_ID        "CBC "
 #define MQCBC_STRUC_ID_ARRAY  'C','B','C',' '
@@ -2336,18 +2362,18 @@ struct tagMQCBD {
 struct tagMQCBC {
     MQCHAR4 StrucId;
     MQLONG  Version;
-    MQLONG  CallType;
+    MQLONG  CallType;                        /* MQCBCT_ */
     MQHOBJ  Hobj;
-    MQPTR   CallbackArea;
-    MQPTR   ConnectionArea;
+    MQPTR   CallbackArea;                    /* from MQCBD */
+    MQPTR   ConnectionArea;                  /* from MQCTLO */
     MQLONG  CompCode;
     MQLONG  Reason;
-    MQLONG  State;
+    MQLONG  State;                           /* MQCS_ */
     MQLONG  DataLength;
     MQLONG  BufferLength;
-    MQLONG  Flags;
+    MQLONG  Flags;                           /* MQCBCF_ */
     /* version 2 */
-    MQLONG  ReconnectDelay;
+    MQLONG  ReconnectDelay;                  /* in milliseconds */
 };
 
 /* What MQCBD.CallbackFunction points to. An event handler may rely on Hconn and pContext only. */
@@ -2366,6 +2392,7 @@ typedef MQCB_FUNCTION MQPOINTER PMQCB_FUNCTION;
 #define MQCTLO_LENGTH_1        MQ_BY_WIDTH(20, 24)
 #define MQCTLO_CURRENT_LENGTH  MQ_BY_WIDTH(20, 24)
 
+/* Options */
 #define MQCTLO_NONE              0x00000000
 #define MQCTLO_THREAD_AFFINITY   0x00000001
 #define MQCTLO_FAIL_IF_QUIESCING 0x00002000
@@ -2375,15 +2402,15 @@ struct tagMQCTLO {
     MQLONG  Version;
     MQLONG  Options;
     MQLONG  Reserved;
-    MQPTR   ConnectionArea;
+    MQPTR   ConnectionArea;                  /* handed to the callback in MQCBC */
 };
 
-#define MQCTLO_DEFAULT \
-    {MQCTLO_STRUC_ID_ARRAY},  \
-    MQCTLO_VERSION_1,         \
-    MQCTLO_NONE,              \
-    (-1),                     \
-    NULL
+#define MQCTLO_DEFAULT                            \
+    {MQCTLO_STRUC_ID_ARRAY}, /* StrucId */        \
+    MQCTLO_VERSION_1,        /* Version */        \
+    MQCTLO_NONE,             /* Options */        \
+    (-1),                    /* Reserved */       \
+    NULL                     /* ConnectionArea */
 
 /* -------------------------------------------------------------------------- */
 /* Message handles and properties                                             */
@@ -2418,6 +2445,7 @@ struct tagMQCTLO {
 #define MQCMHO_LENGTH_1        12
 #define MQCMHO_CURRENT_LENGTH  12
 
+/* Options */
 #define MQCMHO_DEFAULT_VALIDATION 0x00000000
 #define MQCMHO_NO_VALIDATION      0x00000001
 #define MQCMHO_VALIDATE           0x00000002
@@ -2429,10 +2457,10 @@ struct tagMQCMHO {
     MQLONG  Options;
 };
 
-#define MQCMHO_DEFAULT \
-    {MQCMHO_STRUC_ID_ARRAY},    \
-    MQCMHO_VERSION_1,           \
-    MQCMHO_DEFAULT_VALIDATION
+#define MQCMHO_DEFAULT                      \
+    {MQCMHO_STRUC_ID_ARRAY},  /* StrucId */ \
+    MQCMHO_VERSION_1,         /* Version */ \
+    MQCMHO_DEFAULT_VALIDATION /* Options */
 
 /* -------------------------------------------------------------------------- */
 /* MQDMHO: options of MQDLTMH                                                 */
@@ -2445,6 +2473,7 @@ struct tagMQCMHO {
 #define MQDMHO_LENGTH_1        12
 #define MQDMHO_CURRENT_LENGTH  12
 
+/* Options */
 #define MQDMHO_NONE 0x00000000
 
 struct tagMQDMHO {
@@ -2453,10 +2482,10 @@ struct tagMQDMHO {
     MQLONG  Options;
 };
 
-#define MQDMHO_DEFAULT \
-    {MQDMHO_STRUC_ID_ARRAY},  \
-    MQDMHO_VERSION_1,         \
-    MQDMHO_NONE
+#define MQDMHO_DEFAULT                     \
+    {MQDMHO_STRUC_ID_ARRAY}, /* StrucId */ \
+    MQDMHO_VERSION_1,        /* Version */ \
+    MQDMHO_NONE              /* Options */
 
 /* -------------------------------------------------------------------------- */
 /* MQSMPO: options of MQSETMP                                                 */
@@ -2469,12 +2498,13 @@ struct tagMQDMHO {
 #define MQSMPO_LENGTH_1        20
 #define MQSMPO_CURRENT_LENGTH  20
 
+/* Options */
 #define MQSMPO_SET_FIRST              0x00000000
+#define MQSMPO_NONE                   0x00000000
 #define MQSMPO_SET_PROP_UNDER_CURSOR  0x00000001
 #define MQSMPO_SET_PROP_AFTER_CURSOR  0x00000002
 #define MQSMPO_APPEND_PROPERTY        0x00000004
 #define MQSMPO_SET_PROP_BEFORE_CURSOR 0x00000008
-#define MQSMPO_NONE                   0x00000000
 
 struct tagMQSMPO {
     MQCHAR4 StrucId;
@@ -2484,12 +2514,12 @@ struct tagMQSMPO {
     MQLONG  ValueCCSID;
 };
 
-#define MQSMPO_DEFAULT \
-    {MQSMPO_STRUC_ID_ARRAY},  \
-    MQSMPO_VERSION_1,         \
-    MQSMPO_NONE,              \
-    MQENC_NATIVE,             \
-    MQCCSI_APPL
+#define MQSMPO_DEFAULT                           \
+    {MQSMPO_STRUC_ID_ARRAY}, /* StrucId */       \
+    MQSMPO_VERSION_1,        /* Version */       \
+    MQSMPO_NONE,             /* Options */       \
+    MQENC_NATIVE,            /* ValueEncoding */ \
+    MQCCSI_APPL              /* ValueCCSID */
 
 /* -------------------------------------------------------------------------- */
 /* MQIMPO: options of MQINQMP                                                 */
@@ -2502,13 +2532,14 @@ struct tagMQSMPO {
 #define MQIMPO_LENGTH_1        MQ_BY_WIDTH(60, 64)
 #define MQIMPO_CURRENT_LENGTH  MQ_BY_WIDTH(60, 64)
 
+/* Options */
+#define MQIMPO_INQ_FIRST             0x00000000
+#define MQIMPO_NONE                  0x00000000
 #define MQIMPO_CONVERT_TYPE          0x00000002
 #define MQIMPO_QUERY_LENGTH          4
-#define MQIMPO_INQ_FIRST             0x00000000
 #define MQIMPO_INQ_NEXT              0x00000008
 #define MQIMPO_INQ_PROP_UNDER_CURSOR 0x00000010
 #define MQIMPO_CONVERT_VALUE         0x00000020
-#define MQIMPO_NONE                  0x00000000
 
 struct tagMQIMPO {
     MQCHAR4 StrucId;
@@ -2519,21 +2550,21 @@ struct tagMQIMPO {
     MQLONG  ReturnedEncoding;
     MQLONG  ReturnedCCSID;
     MQLONG  Reserved1;
-    MQCHARV ReturnedName;
-    MQCHAR8 TypeString;
+    MQCHARV ReturnedName;                    /* returned, if it has a buffer */
+    MQCHAR8 TypeString;                      /* returned: type as an RFH2 names it */
 };
 
-#define MQIMPO_DEFAULT \
-    {MQIMPO_STRUC_ID_ARRAY},  \
-    MQIMPO_VERSION_1,         \
-    MQIMPO_NONE,              \
-    MQENC_NATIVE,             \
-    MQCCSI_APPL,              \
-    MQENC_NATIVE,             \
-    0,                        \
-    0,                        \
-    {MQCHARV_DEFAULT},        \
-    {""}
+#define MQIMPO_DEFAULT                               \
+    {MQIMPO_STRUC_ID_ARRAY}, /* StrucId */           \
+    MQIMPO_VERSION_1,        /* Version */           \
+    MQIMPO_NONE,             /* Options */           \
+    MQENC_NATIVE,            /* RequestedEncoding */ \
+    MQCCSI_APPL,             /* RequestedCCSID */    \
+    MQENC_NATIVE,            /* ReturnedEncoding */  \
+    0,                       /* ReturnedCCSID */     \
+    0,                       /* Reserved1 */         \
+    {MQCHARV_DEFAULT},       /* ReturnedName */      \
+    {""}                     /* TypeString */
 
 /* -------------------------------------------------------------------------- */
 /* MQDMPO: options of MQDLTMP                                                 */
@@ -2546,6 +2577,7 @@ struct tagMQIMPO {
 #define MQDMPO_LENGTH_1        12
 #define MQDMPO_CURRENT_LENGTH  12
 
+/* Options */
 #define MQDMPO_DEL_FIRST             0x00000000
 #define MQDMPO_DEL_PROP_UNDER_CURSOR 0x00000001
 #define MQDMPO_NONE                  0x00000000
@@ -2556,10 +2588,10 @@ struct tagMQDMPO {
     MQLONG  Options;
 };
 
-#define MQDMPO_DEFAULT \
-    {MQDMPO_STRUC_ID_ARRAY},  \
-    MQDMPO_VERSION_1,         \
-    MQDMPO_DEL_FIRST
+#define MQDMPO_DEFAULT                     \
+    {MQDMPO_STRUC_ID_ARRAY}, /* StrucId */ \
+    MQDMPO_VERSION_1,        /* Version */ \
+    MQDMPO_DEL_FIRST         /* Options */
 
 /* -------------------------------------------------------------------------- */
 /* MQPD: property descriptor                                                  */
@@ -2598,18 +2630,18 @@ struct tagMQPD {
     MQCHAR4 StrucId;
     MQLONG  Version;
     MQLONG  Options;
-    MQLONG  Support;
-    MQLONG  Context;
-    MQLONG  CopyOptions;
+    MQLONG  Support;                         /* MQPD_SUPPORT_ */
+    MQLONG  Context;                         /* MQPD_NO_CONTEXT or MQPD_USER_CONTEXT */
+    MQLONG  CopyOptions;                     /* MQCOPY_ */
 };
 
-#define MQPD_DEFAULT \
-    {MQPD_STRUC_ID_ARRAY},  \
-    MQPD_VERSION_1,         \
-    MQPD_NONE,              \
-    MQPD_SUPPORT_OPTIONAL,  \
-    MQPD_NO_CONTEXT,        \
-    MQCOPY_DEFAULT
+#define MQPD_DEFAULT                         \
+    {MQPD_STRUC_ID_ARRAY}, /* StrucId */     \
+    MQPD_VERSION_1,        /* Version */     \
+    MQPD_NONE,             /* Options */     \
+    MQPD_SUPPORT_OPTIONAL, /* Support */     \
+    MQPD_NO_CONTEXT,       /* Context */     \
+    MQCOPY_DEFAULT         /* CopyOptions */
 
 /* -------------------------------------------------------------------------- */
 /* MQBMHO: options of MQBUFMH                                                 */
@@ -2622,6 +2654,7 @@ struct tagMQPD {
 #define MQBMHO_LENGTH_1        12
 #define MQBMHO_CURRENT_LENGTH  12
 
+/* Options */
 #define MQBMHO_NONE              0x00000000
 #define MQBMHO_DELETE_PROPERTIES 0x00000001
 
@@ -2631,10 +2664,10 @@ struct tagMQBMHO {
     MQLONG  Options;
 };
 
-#define MQBMHO_DEFAULT \
-    {MQBMHO_STRUC_ID_ARRAY},   \
-    MQBMHO_VERSION_1,          \
-    MQBMHO_DELETE_PROPERTIES
+#define MQBMHO_DEFAULT                     \
+    {MQBMHO_STRUC_ID_ARRAY}, /* StrucId */ \
+    MQBMHO_VERSION_1,        /* Version */ \
+    MQBMHO_DELETE_PROPERTIES /* Options */
 
 /* -------------------------------------------------------------------------- */
 /* MQMHBO: options of MQMHBUF                                                 */
@@ -2647,6 +2680,7 @@ struct tagMQBMHO {
 #define MQMHBO_LENGTH_1        12
 #define MQMHBO_CURRENT_LENGTH  12
 
+/* Options */
 #define MQMHBO_PROPERTIES_IN_MQRFH2 0x00000001
 #define MQMHBO_DELETE_PROPERTIES    0x00000002
 #define MQMHBO_NONE                 0x00000000
@@ -2657,10 +2691,10 @@ struct tagMQMHBO {
     MQLONG  Options;
 };
 
-#define MQMHBO_DEFAULT \
-    {MQMHBO_STRUC_ID_ARRAY},      \
-    MQMHBO_VERSION_1,             \
-    MQMHBO_PROPERTIES_IN_MQRFH2
+#define MQMHBO_DEFAULT                        \
+    {MQMHBO_STRUC_ID_ARRAY},    /* StrucId */ \
+    MQMHBO_VERSION_1,           /* Version */ \
+    MQMHBO_PROPERTIES_IN_MQRFH2 /* Options */
 
 /* -------------------------------------------------------------------------- */
 /* MQSD: subscription descriptor                                              */
@@ -2705,7 +2739,7 @@ struct tagMQSD {
     MQCHAR48 ObjectName;
     MQCHAR12 AlternateUserId;
     MQBYTE40 AlternateSecurityId;
-    MQLONG   SubExpiry;
+    MQLONG   SubExpiry;                      /* in tenths of a second */
     MQCHARV  ObjectString;
     MQCHARV  SubName;
     MQCHARV  SubUserData;
@@ -2715,27 +2749,27 @@ struct tagMQSD {
     MQCHAR32 PubApplIdentityData;
     MQCHARV  SelectionString;
     MQLONG   SubLevel;
-    MQCHARV  ResObjectString;
+    MQCHARV  ResObjectString;                /* returned */
 };
 
-#define MQSD_DEFAULT \
-    {MQSD_STRUC_ID_ARRAY},        \
-    MQSD_VERSION_1,               \
-    MQSO_NONE,                    \
-    {""},                         \
-    {""},                         \
-    {MQSID_NONE_ARRAY},           \
-    MQEI_UNLIMITED,               \
-    {MQCHARV_DEFAULT},            \
-    {MQCHARV_DEFAULT},            \
-    {MQCHARV_DEFAULT},            \
-    {MQCI_NONE_ARRAY},            \
-    MQPRI_PRIORITY_AS_PUBLISHED,  \
-    {MQACT_NONE_ARRAY},           \
-    {""},                         \
-    {MQCHARV_DEFAULT},            \
-    1,                            \
-    {MQCHARV_DEFAULT}
+#define MQSD_DEFAULT                                       \
+    {MQSD_STRUC_ID_ARRAY},       /* StrucId */             \
+    MQSD_VERSION_1,              /* Version */             \
+    MQSO_NONE,                   /* Options */             \
+    {""},                        /* ObjectName */          \
+    {""},                        /* AlternateUserId */     \
+    {MQSID_NONE_ARRAY},          /* AlternateSecurityId */ \
+    MQEI_UNLIMITED,              /* SubExpiry */           \
+    {MQCHARV_DEFAULT},           /* ObjectString */        \
+    {MQCHARV_DEFAULT},           /* SubName */             \
+    {MQCHARV_DEFAULT},           /* SubUserData */         \
+    {MQCI_NONE_ARRAY},           /* SubCorrelId */         \
+    MQPRI_PRIORITY_AS_PUBLISHED, /* PubPriority */         \
+    {MQACT_NONE_ARRAY},          /* PubAccountingToken */  \
+    {""},                        /* PubApplIdentityData */ \
+    {MQCHARV_DEFAULT},           /* SelectionString */     \
+    1,                           /* SubLevel */            \
+    {MQCHARV_DEFAULT}            /* ResObjectString */
 
 /* -------------------------------------------------------------------------- */
 /* MQSRO: options of MQSUBRQ                                                  */
@@ -2748,6 +2782,7 @@ struct tagMQSD {
 #define MQSRO_LENGTH_1        16
 #define MQSRO_CURRENT_LENGTH  16
 
+/* Options */
 #define MQSRO_NONE              0x00000000
 #define MQSRO_FAIL_IF_QUIESCING 0x00002000
 
@@ -2758,14 +2793,14 @@ struct tagMQSRO {
     MQCHAR4 StrucId;
     MQLONG  Version;
     MQLONG  Options;
-    MQLONG  NumPubs;
+    MQLONG  NumPubs;                         /* returned */
 };
 
-#define MQSRO_DEFAULT \
-    {MQSRO_STRUC_ID_ARRAY},  \
-    MQSRO_VERSION_1,         \
-    0,                       \
-    0
+#define MQSRO_DEFAULT                     \
+    {MQSRO_STRUC_ID_ARRAY}, /* StrucId */ \
+    MQSRO_VERSION_1,        /* Version */ \
+    0,                      /* Options */ \
+    0                       /* NumPubs */
 
 /* -------------------------------------------------------------------------- */
 /* MQSTS: status that MQSTAT returns                                          */
@@ -2805,32 +2840,34 @@ struct tagMQSTS {
     MQLONG   SubOptions;
 };
 
-#define MQSTS_DEFAULT \
-    {MQSTS_STRUC_ID_ARRAY},  \
-    MQSTS_VERSION_1,         \
-    MQCC_OK,                 \
-    MQRC_NONE,               \
-    0,                       \
-    0,                       \
-    0,                       \
-    MQOT_Q,                  \
-    {""},                    \
-    {""},                    \
-    {""},                    \
-    {""},                    \
-    {MQCHARV_DEFAULT},       \
-    {MQCHARV_DEFAULT},       \
-    0,                       \
-    0
+#define MQSTS_DEFAULT                                \
+    {MQSTS_STRUC_ID_ARRAY}, /* StrucId */            \
+    MQSTS_VERSION_1,        /* Version */            \
+    MQCC_OK,                /* CompCode */           \
+    MQRC_NONE,              /* Reason */             \
+    0,                      /* PutSuccessCount */    \
+    0,                      /* PutWarningCount */    \
+    0,                      /* PutFailureCount */    \
+    MQOT_Q,                 /* ObjectType */         \
+    {""},                   /* ObjectName */         \
+    {""},                   /* ObjectQMgrName */     \
+    {""},                   /* ResolvedObjectName */ \
+    {""},                   /* ResolvedQMgrName */   \
+    {MQCHARV_DEFAULT},      /* ObjectString */       \
+    {MQCHARV_DEFAULT},      /* SubName */            \
+    0,                      /* OpenOptions */        \
+    0                       /* SubOptions */
 
 /* -------------------------------------------------------------------------- */
 /* MQRFH2: rules and formatting header, version 2                             */
-/* Names and values follow as length-prefixed strings in NameValueCCSID.      */
 /* -------------------------------------------------------------------------- */
+
+/* Names and values follow as length-prefixed strings in NameValueCCSID. */
 
 #define MQRFH2_LENGTH_2       36
 #define MQRFH2_CURRENT_LENGTH 36
 
+/* Identifier, versions and fixed lengths of both versions */
 #define MQRFH_STRUC_ID             "RFH "
 #define MQRFH_STRUC_ID_ARRAY       'R','F','H',' '
 #define MQRFH_VERSION_1            1
@@ -2840,6 +2877,7 @@ struct tagMQSTS {
 #define MQRFH_LENGTH_1             32
 #define MQRFH_CURRENT_LENGTH       32
 
+/* Flags */
 #define MQRFH_NONE                  0
 #define MQRFH_NO_FLAGS              0
 #define MQRFH_FLAGS_RESTRICTED_MASK (-65536)
@@ -2847,23 +2885,23 @@ struct tagMQSTS {
 struct tagMQRFH2 {
     MQCHAR4 StrucId;
     MQLONG  Version;
-    MQLONG  StrucLength;
-    MQLONG  Encoding;
-    MQLONG  CodedCharSetId;
-    MQCHAR8 Format;
+    MQLONG  StrucLength;                     /* with the names and values that follow */
+    MQLONG  Encoding;                        /* of the data after this header */
+    MQLONG  CodedCharSetId;                  /* of the data after this header */
+    MQCHAR8 Format;                          /* of the data after this header */
     MQLONG  Flags;
-    MQLONG  NameValueCCSID;
+    MQLONG  NameValueCCSID;                  /* 1208: UTF-8 */
 };
 
-#define MQRFH2_DEFAULT \
-    {MQRFH_STRUC_ID_ARRAY},      \
-    MQRFH_VERSION_2,             \
-    MQRFH_STRUC_LENGTH_FIXED_2,  \
-    MQENC_NATIVE,                \
-    MQCCSI_INHERIT,              \
-    {MQFMT_NONE_ARRAY},          \
-    MQRFH_NONE,                  \
-    1208
+#define MQRFH2_DEFAULT                               \
+    {MQRFH_STRUC_ID_ARRAY},     /* StrucId */        \
+    MQRFH_VERSION_2,            /* Version */        \
+    MQRFH_STRUC_LENGTH_FIXED_2, /* StrucLength */    \
+    MQENC_NATIVE,               /* Encoding */       \
+    MQCCSI_INHERIT,             /* CodedCharSetId */ \
+    {MQFMT_NONE_ARRAY},         /* Format */         \
+    MQRFH_NONE,                 /* Flags */          \
+    1208                        /* NameValueCCSID */
 
 /* -------------------------------------------------------------------------- */
 /* MQRFH: rules and formatting header, version 1                              */
@@ -2878,21 +2916,21 @@ struct tagMQRFH2 {
 struct tagMQRFH {
     MQCHAR4 StrucId;
     MQLONG  Version;
-    MQLONG  StrucLength;
-    MQLONG  Encoding;
-    MQLONG  CodedCharSetId;
-    MQCHAR8 Format;
+    MQLONG  StrucLength;                     /* with the names and values that follow */
+    MQLONG  Encoding;                        /* of the data after this header */
+    MQLONG  CodedCharSetId;                  /* of the data after this header */
+    MQCHAR8 Format;                          /* of the data after this header */
     MQLONG  Flags;
 };
 
-#define MQRFH_DEFAULT \
-    {MQRFH_STRUC_ID_ARRAY},    \
-    MQRFH_VERSION_1,           \
-    MQRFH_STRUC_LENGTH_FIXED,  \
-    MQENC_NATIVE,              \
-    MQCCSI_UNDEFINED,          \
-    {MQFMT_NONE_ARRAY},        \
-    MQRFH_NONE
+#define MQRFH_DEFAULT                              \
+    {MQRFH_STRUC_ID_ARRAY},   /* StrucId */        \
+    MQRFH_VERSION_1,          /* Version */        \
+    MQRFH_STRUC_LENGTH_FIXED, /* StrucLength */    \
+    MQENC_NATIVE,             /* Encoding */       \
+    MQCCSI_UNDEFINED,         /* CodedCharSetId */ \
+    {MQFMT_NONE_ARRAY},       /* Format */         \
+    MQRFH_NONE                /* Flags */
 
 /* -------------------------------------------------------------------------- */
 /* MQDLH: dead-letter header                                                  */
@@ -2908,31 +2946,31 @@ struct tagMQRFH {
 struct tagMQDLH {
     MQCHAR4  StrucId;
     MQLONG   Version;
-    MQLONG   Reason;
+    MQLONG   Reason;                         /* why the message came here: MQRC_ or MQFB_ */
     MQCHAR48 DestQName;
     MQCHAR48 DestQMgrName;
-    MQLONG   Encoding;
-    MQLONG   CodedCharSetId;
-    MQCHAR8  Format;
+    MQLONG   Encoding;                       /* of the data after this header */
+    MQLONG   CodedCharSetId;                 /* of the data after this header */
+    MQCHAR8  Format;                         /* of the data after this header */
     MQLONG   PutApplType;
     MQCHAR28 PutApplName;
-    MQCHAR8  PutDate;
-    MQCHAR8  PutTime;
+    MQCHAR8  PutDate;                        /* YYYYMMDD */
+    MQCHAR8  PutTime;                        /* HHMMSSTH, Greenwich mean time */
 };
 
-#define MQDLH_DEFAULT \
-    {MQDLH_STRUC_ID_ARRAY},  \
-    MQDLH_VERSION_1,         \
-    MQRC_NONE,               \
-    {""},                    \
-    {""},                    \
-    0,                       \
-    MQCCSI_UNDEFINED,        \
-    {MQFMT_NONE_ARRAY},      \
-    0,                       \
-    {""},                    \
-    {""},                    \
-    {""}
+#define MQDLH_DEFAULT                            \
+    {MQDLH_STRUC_ID_ARRAY}, /* StrucId */        \
+    MQDLH_VERSION_1,        /* Version */        \
+    MQRC_NONE,              /* Reason */         \
+    {""},                   /* DestQName */      \
+    {""},                   /* DestQMgrName */   \
+    0,                      /* Encoding */       \
+    MQCCSI_UNDEFINED,       /* CodedCharSetId */ \
+    {MQFMT_NONE_ARRAY},     /* Format */         \
+    0,                      /* PutApplType */    \
+    {""},                   /* PutApplName */    \
+    {""},                   /* PutDate */        \
+    {""}                    /* PutTime */
 
 /* -------------------------------------------------------------------------- */
 /* MQXQH: transmission-queue header                                           */
@@ -2953,12 +2991,12 @@ struct tagMQXQH {
     MQMD1    MsgDesc;
 };
 
-#define MQXQH_DEFAULT \
-    {MQXQH_STRUC_ID_ARRAY},  \
-    MQXQH_VERSION_1,         \
-    {""},                    \
-    {""},                    \
-    {MQMD1_DEFAULT}
+#define MQXQH_DEFAULT                            \
+    {MQXQH_STRUC_ID_ARRAY}, /* StrucId */        \
+    MQXQH_VERSION_1,        /* Version */        \
+    {""},                   /* RemoteQName */    \
+    {""},                   /* RemoteQMgrName */ \
+    {MQMD1_DEFAULT}         /* MsgDesc */
 
 /* -------------------------------------------------------------------------- */
 /* MQDH: distribution header                                                  */
@@ -2971,35 +3009,36 @@ struct tagMQXQH {
 #define MQDH_LENGTH_1        48
 #define MQDH_CURRENT_LENGTH  48
 
+/* Flags */
 #define MQDHF_NEW_MSG_IDS 1
 #define MQDHF_NONE        0
 
 struct tagMQDH {
     MQCHAR4 StrucId;
     MQLONG  Version;
-    MQLONG  StrucLength;
+    MQLONG  StrucLength;                     /* with the records that follow */
     MQLONG  Encoding;
     MQLONG  CodedCharSetId;
     MQCHAR8 Format;
     MQLONG  Flags;
-    MQLONG  PutMsgRecFields;
-    MQLONG  RecsPresent;
-    MQLONG  ObjectRecOffset;
-    MQLONG  PutMsgRecOffset;
+    MQLONG  PutMsgRecFields;                 /* MQPMRF_ */
+    MQLONG  RecsPresent;                     /* number of records */
+    MQLONG  ObjectRecOffset;                 /* from the start of the header */
+    MQLONG  PutMsgRecOffset;                 /* from the start of the header */
 };
 
-#define MQDH_DEFAULT \
-    {MQDH_STRUC_ID_ARRAY},  \
-    MQDH_VERSION_1,         \
-    0,                      \
-    0,                      \
-    MQCCSI_UNDEFINED,       \
-    {MQFMT_NONE_ARRAY},     \
-    MQDHF_NONE,             \
-    MQPMRF_NONE,            \
-    0,                      \
-    0,                      \
-    0
+#define MQDH_DEFAULT                             \
+    {MQDH_STRUC_ID_ARRAY}, /* StrucId */         \
+    MQDH_VERSION_1,        /* Version */         \
+    0,                     /* StrucLength */     \
+    0,                     /* Encoding */        \
+    MQCCSI_UNDEFINED,      /* CodedCharSetId */  \
+    {MQFMT_NONE_ARRAY},    /* Format */          \
+    MQDHF_NONE,            /* Flags */           \
+    MQPMRF_NONE,           /* PutMsgRecFields */ \
+    0,                     /* RecsPresent */     \
+    0,                     /* ObjectRecOffset */ \
+    0                      /* PutMsgRecOffset */
 
 /* -------------------------------------------------------------------------- */
 /* MQTM: trigger message                                                      */
@@ -3024,16 +3063,16 @@ struct tagMQTM {
     MQCHAR128 UserData;
 };
 
-#define MQTM_DEFAULT \
-    {MQTM_STRUC_ID_ARRAY},  \
-    MQTM_VERSION_1,         \
-    {""},                   \
-    {""},                   \
-    {""},                   \
-    0,                      \
-    {""},                   \
-    {""},                   \
-    {""}
+#define MQTM_DEFAULT                         \
+    {MQTM_STRUC_ID_ARRAY}, /* StrucId */     \
+    MQTM_VERSION_1,        /* Version */     \
+    {""},                  /* QName */       \
+    {""},                  /* ProcessName */ \
+    {""},                  /* TriggerData */ \
+    0,                     /* ApplType */    \
+    {""},                  /* ApplId */      \
+    {""},                  /* EnvData */     \
+    {""}                   /* UserData */
 
 /* -------------------------------------------------------------------------- */
 /* MQTMC2: trigger message as characters                                      */
@@ -3043,6 +3082,7 @@ struct tagMQTM {
 #define MQTMC2_LENGTH_2       732
 #define MQTMC2_CURRENT_LENGTH 732
 
+/* Identifier and versions, as characters */
 #define MQTMC_STRUC_ID              "TMC "
 #define MQTMC_STRUC_ID_ARRAY        'T','M','C',' '
 #define MQTMC_VERSION_1             "   1"
@@ -3066,17 +3106,17 @@ struct tagMQTMC2 {
     MQCHAR48  QMgrName;
 };
 
-#define MQTMC2_DEFAULT \
-    {MQTMC_STRUC_ID_ARRAY},         \
-    {MQTMC_CURRENT_VERSION_ARRAY},  \
-    {""},                           \
-    {""},                           \
-    {""},                           \
-    {""},                           \
-    {""},                           \
-    {""},                           \
-    {""},                           \
-    {""}
+#define MQTMC2_DEFAULT                               \
+    {MQTMC_STRUC_ID_ARRAY},        /* StrucId */     \
+    {MQTMC_CURRENT_VERSION_ARRAY}, /* Version */     \
+    {""},                          /* QName */       \
+    {""},                          /* ProcessName */ \
+    {""},                          /* TriggerData */ \
+    {""},                          /* ApplType */    \
+    {""},                          /* ApplId */      \
+    {""},                          /* EnvData */     \
+    {""},                          /* UserData */    \
+    {""}                           /* QMgrName */
 
 /* -------------------------------------------------------------------------- */
 /* Headers of bridges, reference messages and workload information            */
@@ -3099,6 +3139,7 @@ struct tagMQTMC2 {
 #define MQCIH_SYNC_ON_RETURN       0x00000004
 #define MQCIH_NO_SYNC_ON_RETURN    0x00000000
 
+/* CICS bridge: return codes */
 #define MQCRC_OK                    0
 #define MQCRC_CICS_EXEC_ERROR       1
 #define MQCRC_MQ_API_ERROR          2
@@ -3110,6 +3151,7 @@ struct tagMQTMC2 {
 #define MQCRC_BRIDGE_TIMEOUT        8
 #define MQCRC_TRANSID_NOT_AVAILABLE 9
 
+/* CICS bridge: unit-of-work control */
 #define MQCUOWC_ONLY     0x00000111
 #define MQCUOWC_CONTINUE 0x00010000
 #define MQCUOWC_FIRST    0x00000011
@@ -3118,29 +3160,37 @@ struct tagMQTMC2 {
 #define MQCUOWC_COMMIT   0x00000100
 #define MQCUOWC_BACKOUT  0x00001100
 
+/* CICS bridge: wait for a message */
 #define MQCGWI_DEFAULT (-2)
 
+/* CICS bridge: link types */
 #define MQCLT_PROGRAM     1
 #define MQCLT_TRANSACTION 2
 
+/* CICS bridge: length of output data */
 #define MQCODL_AS_INPUT (-1)
 
+/* CICS bridge: descriptor flags */
 #define MQCADSD_NONE      0x00000000
 #define MQCADSD_SEND      0x00000001
 #define MQCADSD_RECV      0x00000010
 #define MQCADSD_MSGFORMAT 0x00000100
 
+/* CICS bridge: conversational task */
 #define MQCCT_YES 1
 #define MQCCT_NO  0
 
+/* CICS bridge: task end status */
 #define MQCTES_NOSYNC  0x00000000
 #define MQCTES_COMMIT  0x00000100
 #define MQCTES_BACKOUT 0x00001100
 #define MQCTES_ENDTASK 0x00010000
 
+/* CICS bridge: facility */
 #define MQCFAC_NONE       "\0\0\0\0\0\0\0\0"
 #define MQCFAC_NONE_ARRAY '\0','\0','\0','\0','\0','\0','\0','\0'
 
+/* CICS bridge: function names */
 #define MQCFUNC_MQCONN       "CONN"
 #define MQCFUNC_MQCONN_ARRAY 'C','O','N','N'
 #define MQCFUNC_MQGET        "GET "
@@ -3156,6 +3206,7 @@ struct tagMQTMC2 {
 #define MQCFUNC_NONE         "    "
 #define MQCFUNC_NONE_ARRAY   ' ',' ',' ',' '
 
+/* CICS bridge: start codes */
 #define MQCSC_START           "S   "
 #define MQCSC_START_ARRAY     'S',' ',' ',' '
 #define MQCSC_STARTDATA       "SD  "
@@ -3179,19 +3230,24 @@ struct tagMQTMC2 {
 #define MQIIH_IGNORE_PURG          0x00000010
 #define MQIIH_CM0_REQUEST_RESPONSE 0x00000020
 
+/* IMS bridge: authenticator */
 #define MQIAUT_NONE       "        "
 #define MQIAUT_NONE_ARRAY ' ',' ',' ',' ',' ',' ',' ',' '
 
+/* IMS bridge: transaction instance */
 #define MQITII_NONE       "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0"
 #define MQITII_NONE_ARRAY '\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0'
 
+/* IMS bridge: transaction states */
 #define MQITS_IN_CONVERSATION     'C'
 #define MQITS_NOT_IN_CONVERSATION ' '
 #define MQITS_ARCHITECTED         'A'
 
+/* IMS bridge: commit modes */
 #define MQICM_COMMIT_THEN_SEND '0'
 #define MQICM_SEND_THEN_COMMIT '1'
 
+/* IMS bridge: security scopes */
 #define MQISS_CHECK 'C'
 #define MQISS_FULL  'F'
 
@@ -3203,9 +3259,9 @@ struct tagMQTMC2 {
 #define MQRMH_LENGTH_1        108
 #define MQRMH_CURRENT_LENGTH  108
 
-#define MQRMHF_LAST     1
-#define MQRMHF_NOT_LAST 0
-
+/* Reference message: flags and object instance */
+#define MQRMHF_LAST      1
+#define MQRMHF_NOT_LAST  0
 #define MQOII_NONE       "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0" \
                          "\0\0\0\0\0\0\0\0"
 #define MQOII_NONE_ARRAY '\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0','\0', \

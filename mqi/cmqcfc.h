@@ -78,27 +78,27 @@ typedef struct tagMQEPH    MQEPH;    typedef MQEPH    *PMQEPH;    typedef PMQEPH
 #define MQCFC_NOT_LAST 0
 
 struct tagMQCFH {
-    MQLONG Type;
+    MQLONG Type;                             /* MQCFT_ */
     MQLONG StrucLength;
     MQLONG Version;
-    MQLONG Command;
-    MQLONG MsgSeqNumber;
-    MQLONG Control;
+    MQLONG Command;                          /* MQCMD_ */
+    MQLONG MsgSeqNumber;                     /* of this message in its set */
+    MQLONG Control;                          /* MQCFC_ */
     MQLONG CompCode;
-    MQLONG Reason;
-    MQLONG ParameterCount;
+    MQLONG Reason;                           /* MQRC_ or MQRCCF_ */
+    MQLONG ParameterCount;                   /* structures that follow */
 };
 
-#define MQCFH_DEFAULT \
-    MQCFT_COMMAND,       \
-    MQCFH_STRUC_LENGTH,  \
-    MQCFH_VERSION_1,     \
-    MQCMD_NONE,          \
-    1,                   \
-    MQCFC_LAST,          \
-    MQCC_OK,             \
-    MQRC_NONE,           \
-    0
+#define MQCFH_DEFAULT                        \
+    MQCFT_COMMAND,      /* Type */           \
+    MQCFH_STRUC_LENGTH, /* StrucLength */    \
+    MQCFH_VERSION_1,    /* Version */        \
+    MQCMD_NONE,         /* Command */        \
+    1,                  /* MsgSeqNumber */   \
+    MQCFC_LAST,         /* Control */        \
+    MQCC_OK,            /* CompCode */       \
+    MQRC_NONE,          /* Reason */         \
+    0                   /* ParameterCount */
 
 /* -------------------------------------------------------------------------- */
 /* MQCFIN: integer parameter                                                  */
@@ -113,11 +113,11 @@ struct tagMQCFIN {
     MQLONG Value;
 };
 
-#define MQCFIN_DEFAULT \
-    MQCFT_INTEGER,        \
-    MQCFIN_STRUC_LENGTH,  \
-    0,                    \
-    0
+#define MQCFIN_DEFAULT                     \
+    MQCFT_INTEGER,       /* Type */        \
+    MQCFIN_STRUC_LENGTH, /* StrucLength */ \
+    0,                   /* Parameter */   \
+    0                    /* Value */
 
 /* -------------------------------------------------------------------------- */
 /* MQCFIN64: 64-bit integer parameter                                         */
@@ -133,12 +133,12 @@ struct tagMQCFIN64 {
     MQINT64 Value;
 };
 
-#define MQCFIN64_DEFAULT \
-    MQCFT_INTEGER64,        \
-    MQCFIN64_STRUC_LENGTH,  \
-    0,                      \
-    0,                      \
-    0
+#define MQCFIN64_DEFAULT                     \
+    MQCFT_INTEGER64,       /* Type */        \
+    MQCFIN64_STRUC_LENGTH, /* StrucLength */ \
+    0,                     /* Parameter */   \
+    0,                     /* Reserved */    \
+    0                      /* Value */
 
 /* -------------------------------------------------------------------------- */
 /* MQCFIL: integer list parameter                                             */
@@ -148,18 +148,18 @@ struct tagMQCFIN64 {
 
 struct tagMQCFIL {
     MQLONG Type;
-    MQLONG StrucLength;
+    MQLONG StrucLength;                      /* with the tail */
     MQLONG Parameter;
     MQLONG Count;
-    MQLONG Values[1];
+    MQLONG Values[1];                        /* Count values */
 };
 
-#define MQCFIL_DEFAULT \
-    MQCFT_INTEGER_LIST,         \
-    MQCFIL_STRUC_LENGTH_FIXED,  \
-    0,                          \
-    0,                          \
-    {0}
+#define MQCFIL_DEFAULT                           \
+    MQCFT_INTEGER_LIST,        /* Type */        \
+    MQCFIL_STRUC_LENGTH_FIXED, /* StrucLength */ \
+    0,                         /* Parameter */   \
+    0,                         /* Count */       \
+    {0}                        /* Values */
 
 /* -------------------------------------------------------------------------- */
 /* MQCFIL64: 64-bit integer list parameter                                    */
@@ -169,18 +169,18 @@ struct tagMQCFIL {
 
 struct tagMQCFIL64 {
     MQLONG  Type;
-    MQLONG  StrucLength;
+    MQLONG  StrucLength;                     /* with the tail */
     MQLONG  Parameter;
     MQLONG  Count;
-    MQINT64 Values[1];
+    MQINT64 Values[1];                       /* Count values */
 };
 
-#define MQCFIL64_DEFAULT \
-    MQCFT_INTEGER64_LIST,         \
-    MQCFIL64_STRUC_LENGTH_FIXED,  \
-    0,                            \
-    0,                            \
-    {0}
+#define MQCFIL64_DEFAULT                           \
+    MQCFT_INTEGER64_LIST,        /* Type */        \
+    MQCFIL64_STRUC_LENGTH_FIXED, /* StrucLength */ \
+    0,                           /* Parameter */   \
+    0,                           /* Count */       \
+    {0}                          /* Values */
 
 /* -------------------------------------------------------------------------- */
 /* MQCFST: string parameter                                                   */
@@ -190,20 +190,20 @@ struct tagMQCFIL64 {
 
 struct tagMQCFST {
     MQLONG Type;
-    MQLONG StrucLength;
+    MQLONG StrucLength;                      /* with the tail, a multiple of 4 */
     MQLONG Parameter;
     MQLONG CodedCharSetId;
     MQLONG StringLength;
-    MQCHAR String[1];
+    MQCHAR String[1];                        /* StringLength characters */
 };
 
-#define MQCFST_DEFAULT \
-    MQCFT_STRING,               \
-    MQCFST_STRUC_LENGTH_FIXED,  \
-    0,                          \
-    MQCCSI_DEFAULT,             \
-    0,                          \
-    {""}
+#define MQCFST_DEFAULT                              \
+    MQCFT_STRING,              /* Type */           \
+    MQCFST_STRUC_LENGTH_FIXED, /* StrucLength */    \
+    0,                         /* Parameter */      \
+    MQCCSI_DEFAULT,            /* CodedCharSetId */ \
+    0,                         /* StringLength */   \
+    {""}                       /* String */
 
 /* -------------------------------------------------------------------------- */
 /* MQCFSL: string list parameter                                              */
@@ -213,22 +213,22 @@ struct tagMQCFST {
 
 struct tagMQCFSL {
     MQLONG Type;
-    MQLONG StrucLength;
+    MQLONG StrucLength;                      /* with the tail, a multiple of 4 */
     MQLONG Parameter;
     MQLONG CodedCharSetId;
     MQLONG Count;
-    MQLONG StringLength;
-    MQCHAR Strings[1];
+    MQLONG StringLength;                     /* of each string */
+    MQCHAR Strings[1];                       /* Count strings of StringLength characters */
 };
 
-#define MQCFSL_DEFAULT \
-    MQCFT_STRING_LIST,          \
-    MQCFSL_STRUC_LENGTH_FIXED,  \
-    0,                          \
-    MQCCSI_DEFAULT,             \
-    0,                          \
-    0,                          \
-    {""}
+#define MQCFSL_DEFAULT                              \
+    MQCFT_STRING_LIST,         /* Type */           \
+    MQCFSL_STRUC_LENGTH_FIXED, /* StrucLength */    \
+    0,                         /* Parameter */      \
+    MQCCSI_DEFAULT,            /* CodedCharSetId */ \
+    0,                         /* Count */          \
+    0,                         /* StringLength */   \
+    {""}                       /* Strings */
 
 /* -------------------------------------------------------------------------- */
 /* MQCFBS: byte string parameter                                              */
@@ -238,18 +238,18 @@ struct tagMQCFSL {
 
 struct tagMQCFBS {
     MQLONG Type;
-    MQLONG StrucLength;
+    MQLONG StrucLength;                      /* with the tail, a multiple of 4 */
     MQLONG Parameter;
     MQLONG StringLength;
-    MQBYTE String[1];
+    MQBYTE String[1];                        /* StringLength bytes */
 };
 
-#define MQCFBS_DEFAULT \
-    MQCFT_BYTE_STRING,          \
-    MQCFBS_STRUC_LENGTH_FIXED,  \
-    0,                          \
-    0,                          \
-    {0}
+#define MQCFBS_DEFAULT                            \
+    MQCFT_BYTE_STRING,         /* Type */         \
+    MQCFBS_STRUC_LENGTH_FIXED, /* StrucLength */  \
+    0,                         /* Parameter */    \
+    0,                         /* StringLength */ \
+    {0}                        /* String */
 
 /* -------------------------------------------------------------------------- */
 /* MQCFIF: integer filter parameter                                           */
@@ -275,16 +275,16 @@ struct tagMQCFIF {
     MQLONG Type;
     MQLONG StrucLength;
     MQLONG Parameter;
-    MQLONG Operator;
+    MQLONG Operator;                         /* MQCFOP_ */
     MQLONG FilterValue;
 };
 
-#define MQCFIF_DEFAULT \
-    MQCFT_INTEGER_FILTER,  \
-    MQCFIF_STRUC_LENGTH,   \
-    0,                     \
-    0,                     \
-    0
+#define MQCFIF_DEFAULT                      \
+    MQCFT_INTEGER_FILTER, /* Type */        \
+    MQCFIF_STRUC_LENGTH,  /* StrucLength */ \
+    0,                    /* Parameter */   \
+    0,                    /* Operator */    \
+    0                     /* FilterValue */
 
 /* -------------------------------------------------------------------------- */
 /* MQCFSF: string filter parameter                                            */
@@ -294,22 +294,22 @@ struct tagMQCFIF {
 
 struct tagMQCFSF {
     MQLONG Type;
-    MQLONG StrucLength;
+    MQLONG StrucLength;                      /* with the tail, a multiple of 4 */
     MQLONG Parameter;
-    MQLONG Operator;
+    MQLONG Operator;                         /* MQCFOP_ */
     MQLONG CodedCharSetId;
     MQLONG FilterValueLength;
-    MQCHAR FilterValue[1];
+    MQCHAR FilterValue[1];                   /* FilterValueLength characters */
 };
 
-#define MQCFSF_DEFAULT \
-    MQCFT_STRING_FILTER,        \
-    MQCFSF_STRUC_LENGTH_FIXED,  \
-    0,                          \
-    0,                          \
-    MQCCSI_DEFAULT,             \
-    0,                          \
-    {""}
+#define MQCFSF_DEFAULT                                 \
+    MQCFT_STRING_FILTER,       /* Type */              \
+    MQCFSF_STRUC_LENGTH_FIXED, /* StrucLength */       \
+    0,                         /* Parameter */         \
+    0,                         /* Operator */          \
+    MQCCSI_DEFAULT,            /* CodedCharSetId */    \
+    0,                         /* FilterValueLength */ \
+    {""}                       /* FilterValue */
 
 /* -------------------------------------------------------------------------- */
 /* MQCFBF: byte string filter parameter                                       */
@@ -319,20 +319,20 @@ struct tagMQCFSF {
 
 struct tagMQCFBF {
     MQLONG Type;
-    MQLONG StrucLength;
+    MQLONG StrucLength;                      /* with the tail, a multiple of 4 */
     MQLONG Parameter;
-    MQLONG Operator;
+    MQLONG Operator;                         /* MQCFOP_ */
     MQLONG FilterValueLength;
-    MQBYTE FilterValue[1];
+    MQBYTE FilterValue[1];                   /* FilterValueLength bytes */
 };
 
-#define MQCFBF_DEFAULT \
-    MQCFT_BYTE_STRING_FILTER,   \
-    MQCFBF_STRUC_LENGTH_FIXED,  \
-    0,                          \
-    0,                          \
-    0,                          \
-    {0}
+#define MQCFBF_DEFAULT                                 \
+    MQCFT_BYTE_STRING_FILTER,  /* Type */              \
+    MQCFBF_STRUC_LENGTH_FIXED, /* StrucLength */       \
+    0,                         /* Parameter */         \
+    0,                         /* Operator */          \
+    0,                         /* FilterValueLength */ \
+    {0}                        /* FilterValue */
 
 /* -------------------------------------------------------------------------- */
 /* MQCFGR: group of parameters                                                */
@@ -344,14 +344,14 @@ struct tagMQCFGR {
     MQLONG Type;
     MQLONG StrucLength;
     MQLONG Parameter;
-    MQLONG ParameterCount;
+    MQLONG ParameterCount;                   /* structures of the group, which follow */
 };
 
-#define MQCFGR_DEFAULT \
-    MQCFT_GROUP,          \
-    MQCFGR_STRUC_LENGTH,  \
-    0,                    \
-    0
+#define MQCFGR_DEFAULT                        \
+    MQCFT_GROUP,         /* Type */           \
+    MQCFGR_STRUC_LENGTH, /* StrucLength */    \
+    0,                   /* Parameter */      \
+    0                    /* ParameterCount */
 
 /* -------------------------------------------------------------------------- */
 /* MQEPH: embedded PCF header                                                 */
@@ -365,30 +365,33 @@ struct tagMQCFGR {
 #define MQEPH_LENGTH_1           68
 #define MQEPH_CURRENT_LENGTH     68
 
+/* Flags */
 #define MQEPH_NONE           0x00000000
 #define MQEPH_CCSID_EMBEDDED 0x00000001
 
 struct tagMQEPH {
     MQCHAR4 StrucId;
     MQLONG  Version;
-    MQLONG  StrucLength;
-    MQLONG  Encoding;
-    MQLONG  CodedCharSetId;
-    MQCHAR8 Format;
+    MQLONG  StrucLength;                     /* with the PCF structures that follow */
+    MQLONG  Encoding;                        /* of the data after them */
+    MQLONG  CodedCharSetId;                  /* of the data after them */
+    MQCHAR8 Format;                          /* of the data after them */
     MQLONG  Flags;
     MQCFH   PCFHeader;
 };
 
-#define MQEPH_DEFAULT \
-    {MQEPH_STRUC_ID_ARRAY},                  \
-    MQEPH_VERSION_1,                         \
-    MQEPH_STRUC_LENGTH_FIXED,                \
-    0,                                       \
-    MQCCSI_UNDEFINED,                        \
-    {MQFMT_NONE_ARRAY},                      \
-    MQEPH_NONE,                              \
-    {MQCFT_COMMAND, MQCFH_STRUC_LENGTH, MQCFH_VERSION_3, MQCMD_NONE, \
-     1, MQCFC_LAST, MQCC_OK, MQRC_NONE,      \
+#define MQEPH_DEFAULT                                        \
+    {MQEPH_STRUC_ID_ARRAY},             /* StrucId */        \
+    MQEPH_VERSION_1,                    /* Version */        \
+    MQEPH_STRUC_LENGTH_FIXED,           /* StrucLength */    \
+    0,                                  /* Encoding */       \
+    MQCCSI_UNDEFINED,                   /* CodedCharSetId */ \
+    {MQFMT_NONE_ARRAY},                 /* Format */         \
+    MQEPH_NONE,                         /* Flags */          \
+    {MQCFT_COMMAND, MQCFH_STRUC_LENGTH, /* PCFHeader */      \
+     MQCFH_VERSION_3, MQCMD_NONE,                            \
+     1, MQCFC_LAST,                                          \
+     MQCC_OK, MQRC_NONE,                                     \
      0}
 
 /* -------------------------------------------------------------------------- */

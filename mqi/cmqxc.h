@@ -124,7 +124,7 @@ typedef struct tagMQCD MQCD; typedef MQCD *PMQCD; typedef PMQCD *PPMQCD;
 #define MQRCN_Q_MGR    2
 #define MQRCN_DISABLED 3
 
-/* Protocols and their security */
+/* Protocols, and the security protocols under them */
 #define MQPROTO_MQTTV3   1
 #define MQPROTO_HTTP     2
 #define MQPROTO_AMQP     3
@@ -144,8 +144,8 @@ typedef struct tagMQCD MQCD; typedef MQCD *PMQCD; typedef PMQCD *PPMQCD;
 struct tagMQCD {
     MQCHAR20  ChannelName;
     MQLONG    Version;
-    MQLONG    ChannelType;
-    MQLONG    TransportType;
+    MQLONG    ChannelType;                   /* MQCHT_ */
+    MQLONG    TransportType;                 /* MQXPT_ */
     MQCHAR64  Desc;
     MQCHAR48  QMgrName;
     MQCHAR48  XmitQName;
@@ -154,17 +154,17 @@ struct tagMQCD {
     MQCHAR8   ModeName;
     MQCHAR64  TpName;
     MQLONG    BatchSize;
-    MQLONG    DiscInterval;
+    MQLONG    DiscInterval;                  /* in seconds */
     MQLONG    ShortRetryCount;
-    MQLONG    ShortRetryInterval;
+    MQLONG    ShortRetryInterval;            /* in seconds */
     MQLONG    LongRetryCount;
-    MQLONG    LongRetryInterval;
+    MQLONG    LongRetryInterval;             /* in seconds */
     MQCHAR128 SecurityExit;
     MQCHAR128 MsgExit;
     MQCHAR128 SendExit;
     MQCHAR128 ReceiveExit;
     MQLONG    SeqNumberWrap;
-    MQLONG    MaxMsgLength;
+    MQLONG    MaxMsgLength;                  /* in bytes */
     MQLONG    PutAuthority;
     MQLONG    DataConversion;
     MQCHAR32  SecurityUserData;
@@ -176,17 +176,17 @@ struct tagMQCD {
     MQCHAR12  Password;
     MQCHAR12  MCAUserIdentifier;
     MQLONG    MCAType;
-    MQCHAR264 ConnectionName;
+    MQCHAR264 ConnectionName;                /* host(port) */
     MQCHAR12  RemoteUserIdentifier;
     MQCHAR12  RemotePassword;
     /* version 3 */
     MQCHAR128 MsgRetryExit;
     MQCHAR32  MsgRetryUserData;
     MQLONG    MsgRetryCount;
-    MQLONG    MsgRetryInterval;
+    MQLONG    MsgRetryInterval;              /* in milliseconds */
     /* version 4 */
-    MQLONG    HeartbeatInterval;
-    MQLONG    BatchInterval;
+    MQLONG    HeartbeatInterval;             /* in seconds */
+    MQLONG    BatchInterval;                 /* in milliseconds */
     MQLONG    NonPersistentMsgSpeed;
     MQLONG    StrucLength;
     MQLONG    ExitNameLength;
@@ -194,7 +194,7 @@ struct tagMQCD {
     MQLONG    MsgExitsDefined;
     MQLONG    SendExitsDefined;
     MQLONG    ReceiveExitsDefined;
-    MQPTR     MsgExitPtr;
+    MQPTR     MsgExitPtr;                    /* array of MsgExitsDefined names */
     MQPTR     MsgUserDataPtr;
     MQPTR     SendExitPtr;
     MQPTR     SendUserDataPtr;
@@ -214,14 +214,14 @@ struct tagMQCD {
     /* version 7 */
     MQCHAR32  SSLCipherSpec;
     MQPTR     SSLPeerNamePtr;
-    MQLONG    SSLPeerNameLength;
+    MQLONG    SSLPeerNameLength;             /* in bytes */
     MQLONG    SSLClientAuth;
-    MQLONG    KeepAliveInterval;
+    MQLONG    KeepAliveInterval;             /* in seconds, or MQKAI_AUTO */
     MQCHAR48  LocalAddress;
-    MQLONG    BatchHeartbeat;
+    MQLONG    BatchHeartbeat;                /* in milliseconds */
     /* version 8 */
-    MQLONG    HdrCompList[2];
-    MQLONG    MsgCompList[16];
+    MQLONG    HdrCompList[2];                /* MQCOMPRESS_ */
+    MQLONG    MsgCompList[16];               /* MQCOMPRESS_ */
     MQLONG    CLWLChannelRank;
     MQLONG    CLWLChannelPriority;
     MQLONG    CLWLChannelWeight;
@@ -235,211 +235,217 @@ struct tagMQCD {
     MQLONG    ClientChannelWeight;
     MQLONG    ConnectionAffinity;
     /* version 10 */
-    MQLONG    BatchDataLimit;
+    MQLONG    BatchDataLimit;                /* in kilobytes */
     MQLONG    UseDLQ;
-    MQLONG    DefReconnect;
+    MQLONG    DefReconnect;                  /* MQRCN_ */
     /* version 11 */
     MQCHAR64  CertificateLabel;
     /* version 12 */
-    MQLONG    SPLProtection;
+    MQLONG    SPLProtection;                 /* MQSPL_ */
 };
 
 /* The default of each kind of channel. They differ in channel type, transport, heartbeat
  * interval and the two compression lists; a sending channel and a client connection are given. */
 
-#define MQCD_DEFAULT \
-    {""},                                    \
-    MQCD_VERSION_6,                          \
-    MQCHT_SENDER,                            \
-    MQXPT_LU62,                              \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    50,                                      \
-    6000,                                    \
-    10,                                      \
-    60,                                      \
-    999999999,                               \
-    1200,                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    999999999,                               \
-    4194304,                                 \
-    MQPA_DEFAULT,                            \
-    MQCDC_NO_SENDER_CONVERSION,              \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    MQMCAT_PROCESS,                          \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    10,                                      \
-    1000,                                    \
-    300,                                     \
-    0,                                       \
-    MQNPMS_FAST,                             \
-    MQCD_CURRENT_LENGTH,                     \
-    MQ_EXIT_NAME_LENGTH,                     \
-    MQ_EXIT_DATA_LENGTH,                     \
-    0,                                       \
-    0,                                       \
-    0,                                       \
-    NULL,                                    \
-    NULL,                                    \
-    NULL,                                    \
-    NULL,                                    \
-    NULL,                                    \
-    NULL,                                    \
-    NULL,                                    \
-    0,                                       \
-    0,                                       \
-    0,                                       \
-    0,                                       \
-    NULL,                                    \
-    NULL,                                    \
-    {MQSID_NONE_ARRAY},                      \
-    {MQSID_NONE_ARRAY},                      \
-    {""},                                    \
-    NULL,                                    \
-    0,                                       \
-    MQSCA_REQUIRED,                          \
-    MQKAI_AUTO,                              \
-    {""},                                    \
-    0,                                       \
-    {MQCOMPRESS_NONE, MQCOMPRESS_NOT_AVAILABLE}, \
-    {MQCOMPRESS_NONE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, \
-     MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, \
-     MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, \
-     MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE}, \
-    0,                                       \
-    0,                                       \
-    50,                                      \
-    MQMON_OFF,                               \
-    MQMON_OFF,                               \
-    10,                                      \
-    MQPROP_COMPATIBILITY,                    \
-    999999999,                               \
-    999999999,                               \
-    0,                                       \
-    MQCAFTY_PREFERRED,                       \
-    5000,                                    \
-    MQUSEDLQ_YES,                            \
-    MQRCN_NO,                                \
-    {""},                                    \
-    MQSPL_PASSTHRU
+#define MQCD_DEFAULT                                                                        \
+    {""},                                        /* ChannelName */                          \
+    MQCD_VERSION_6,                              /* Version */                              \
+    MQCHT_SENDER,                                /* ChannelType */                          \
+    MQXPT_LU62,                                  /* TransportType */                        \
+    {""},                                        /* Desc */                                 \
+    {""},                                        /* QMgrName */                             \
+    {""},                                        /* XmitQName */                            \
+    {""},                                        /* ShortConnectionName */                  \
+    {""},                                        /* MCAName */                              \
+    {""},                                        /* ModeName */                             \
+    {""},                                        /* TpName */                               \
+    50,                                          /* BatchSize */                            \
+    6000,                                        /* DiscInterval */                         \
+    10,                                          /* ShortRetryCount */                      \
+    60,                                          /* ShortRetryInterval */                   \
+    999999999,                                   /* LongRetryCount */                       \
+    1200,                                        /* LongRetryInterval */                    \
+    {""},                                        /* SecurityExit */                         \
+    {""},                                        /* MsgExit */                              \
+    {""},                                        /* SendExit */                             \
+    {""},                                        /* ReceiveExit */                          \
+    999999999,                                   /* SeqNumberWrap */                        \
+    4194304,                                     /* MaxMsgLength */                         \
+    MQPA_DEFAULT,                                /* PutAuthority */                         \
+    MQCDC_NO_SENDER_CONVERSION,                  /* DataConversion */                       \
+    {""},                                        /* SecurityUserData */                     \
+    {""},                                        /* MsgUserData */                          \
+    {""},                                        /* SendUserData */                         \
+    {""},                                        /* ReceiveUserData */                      \
+    {""},                                        /* UserIdentifier */                       \
+    {""},                                        /* Password */                             \
+    {""},                                        /* MCAUserIdentifier */                    \
+    MQMCAT_PROCESS,                              /* MCAType */                              \
+    {""},                                        /* ConnectionName */                       \
+    {""},                                        /* RemoteUserIdentifier */                 \
+    {""},                                        /* RemotePassword */                       \
+    {""},                                        /* MsgRetryExit */                         \
+    {""},                                        /* MsgRetryUserData */                     \
+    10,                                          /* MsgRetryCount */                        \
+    1000,                                        /* MsgRetryInterval */                     \
+    300,                                         /* HeartbeatInterval */                    \
+    0,                                           /* BatchInterval */                        \
+    MQNPMS_FAST,                                 /* NonPersistentMsgSpeed */                \
+    MQCD_CURRENT_LENGTH,                         /* StrucLength */                          \
+    MQ_EXIT_NAME_LENGTH,                         /* ExitNameLength */                       \
+    MQ_EXIT_DATA_LENGTH,                         /* ExitDataLength */                       \
+    0,                                           /* MsgExitsDefined */                      \
+    0,                                           /* SendExitsDefined */                     \
+    0,                                           /* ReceiveExitsDefined */                  \
+    NULL,                                        /* MsgExitPtr */                           \
+    NULL,                                        /* MsgUserDataPtr */                       \
+    NULL,                                        /* SendExitPtr */                          \
+    NULL,                                        /* SendUserDataPtr */                      \
+    NULL,                                        /* ReceiveExitPtr */                       \
+    NULL,                                        /* ReceiveUserDataPtr */                   \
+    NULL,                                        /* ClusterPtr */                           \
+    0,                                           /* ClustersDefined */                      \
+    0,                                           /* NetworkPriority */                      \
+    0,                                           /* LongMCAUserIdLength */                  \
+    0,                                           /* LongRemoteUserIdLength */               \
+    NULL,                                        /* LongMCAUserIdPtr */                     \
+    NULL,                                        /* LongRemoteUserIdPtr */                  \
+    {MQSID_NONE_ARRAY},                          /* MCASecurityId */                        \
+    {MQSID_NONE_ARRAY},                          /* RemoteSecurityId */                     \
+    {""},                                        /* SSLCipherSpec */                        \
+    NULL,                                        /* SSLPeerNamePtr */                       \
+    0,                                           /* SSLPeerNameLength */                    \
+    MQSCA_REQUIRED,                              /* SSLClientAuth */                        \
+    MQKAI_AUTO,                                  /* KeepAliveInterval */                    \
+    {""},                                        /* LocalAddress */                         \
+    0,                                           /* BatchHeartbeat */                       \
+    {MQCOMPRESS_NONE, MQCOMPRESS_NOT_AVAILABLE}, /* HdrCompList */                          \
+    {MQCOMPRESS_NONE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, /* MsgCompList */ \
+     MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE,          \
+     MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE,          \
+     MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE,          \
+     MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE,          \
+     MQCOMPRESS_NOT_AVAILABLE},                                                             \
+    0,                                           /* CLWLChannelRank */                      \
+    0,                                           /* CLWLChannelPriority */                  \
+    50,                                          /* CLWLChannelWeight */                    \
+    MQMON_OFF,                                   /* ChannelMonitoring */                    \
+    MQMON_OFF,                                   /* ChannelStatistics */                    \
+    10,                                          /* SharingConversations */                 \
+    MQPROP_COMPATIBILITY,                        /* PropertyControl */                      \
+    999999999,                                   /* MaxInstances */                         \
+    999999999,                                   /* MaxInstancesPerClient */                \
+    0,                                           /* ClientChannelWeight */                  \
+    MQCAFTY_PREFERRED,                           /* ConnectionAffinity */                   \
+    5000,                                        /* BatchDataLimit */                       \
+    MQUSEDLQ_YES,                                /* UseDLQ */                               \
+    MQRCN_NO,                                    /* DefReconnect */                         \
+    {""},                                        /* CertificateLabel */                     \
+    MQSPL_PASSTHRU                               /* SPLProtection */
 
-#define MQCD_CLIENT_CONN_DEFAULT \
-    {""},                                    \
-    MQCD_VERSION_6,                          \
-    MQCHT_CLNTCONN,                          \
-    MQXPT_TCP,                               \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    50,                                      \
-    6000,                                    \
-    10,                                      \
-    60,                                      \
-    999999999,                               \
-    1200,                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    999999999,                               \
-    4194304,                                 \
-    MQPA_DEFAULT,                            \
-    MQCDC_NO_SENDER_CONVERSION,              \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    MQMCAT_PROCESS,                          \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    {""},                                    \
-    10,                                      \
-    1000,                                    \
-    1,                                       \
-    0,                                       \
-    MQNPMS_FAST,                             \
-    MQCD_CURRENT_LENGTH,                     \
-    MQ_EXIT_NAME_LENGTH,                     \
-    MQ_EXIT_DATA_LENGTH,                     \
-    0,                                       \
-    0,                                       \
-    0,                                       \
-    NULL,                                    \
-    NULL,                                    \
-    NULL,                                    \
-    NULL,                                    \
-    NULL,                                    \
-    NULL,                                    \
-    NULL,                                    \
-    0,                                       \
-    0,                                       \
-    0,                                       \
-    0,                                       \
-    NULL,                                    \
-    NULL,                                    \
-    {MQSID_NONE_ARRAY},                      \
-    {MQSID_NONE_ARRAY},                      \
-    {""},                                    \
-    NULL,                                    \
-    0,                                       \
-    MQSCA_REQUIRED,                          \
-    MQKAI_AUTO,                              \
-    {""},                                    \
-    0,                                       \
-    {MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE}, \
-    {MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, \
-     MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, \
-     MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, \
-     MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE}, \
-    0,                                       \
-    0,                                       \
-    50,                                      \
-    MQMON_OFF,                               \
-    MQMON_OFF,                               \
-    10,                                      \
-    MQPROP_COMPATIBILITY,                    \
-    999999999,                               \
-    999999999,                               \
-    0,                                       \
-    MQCAFTY_PREFERRED,                       \
-    5000,                                    \
-    MQUSEDLQ_YES,                            \
-    MQRCN_NO,                                \
-    {""},                                    \
-    MQSPL_PASSTHRU
+#define MQCD_CLIENT_CONN_DEFAULT                                                                     \
+    {""},                       /* ChannelName */                                                    \
+    MQCD_VERSION_6,             /* Version */                                                        \
+    MQCHT_CLNTCONN,             /* ChannelType */                                                    \
+    MQXPT_TCP,                  /* TransportType */                                                  \
+    {""},                       /* Desc */                                                           \
+    {""},                       /* QMgrName */                                                       \
+    {""},                       /* XmitQName */                                                      \
+    {""},                       /* ShortConnectionName */                                            \
+    {""},                       /* MCAName */                                                        \
+    {""},                       /* ModeName */                                                       \
+    {""},                       /* TpName */                                                         \
+    50,                         /* BatchSize */                                                      \
+    6000,                       /* DiscInterval */                                                   \
+    10,                         /* ShortRetryCount */                                                \
+    60,                         /* ShortRetryInterval */                                             \
+    999999999,                  /* LongRetryCount */                                                 \
+    1200,                       /* LongRetryInterval */                                              \
+    {""},                       /* SecurityExit */                                                   \
+    {""},                       /* MsgExit */                                                        \
+    {""},                       /* SendExit */                                                       \
+    {""},                       /* ReceiveExit */                                                    \
+    999999999,                  /* SeqNumberWrap */                                                  \
+    4194304,                    /* MaxMsgLength */                                                   \
+    MQPA_DEFAULT,               /* PutAuthority */                                                   \
+    MQCDC_NO_SENDER_CONVERSION, /* DataConversion */                                                 \
+    {""},                       /* SecurityUserData */                                               \
+    {""},                       /* MsgUserData */                                                    \
+    {""},                       /* SendUserData */                                                   \
+    {""},                       /* ReceiveUserData */                                                \
+    {""},                       /* UserIdentifier */                                                 \
+    {""},                       /* Password */                                                       \
+    {""},                       /* MCAUserIdentifier */                                              \
+    MQMCAT_PROCESS,             /* MCAType */                                                        \
+    {""},                       /* ConnectionName */                                                 \
+    {""},                       /* RemoteUserIdentifier */                                           \
+    {""},                       /* RemotePassword */                                                 \
+    {""},                       /* MsgRetryExit */                                                   \
+    {""},                       /* MsgRetryUserData */                                               \
+    10,                         /* MsgRetryCount */                                                  \
+    1000,                       /* MsgRetryInterval */                                               \
+    1,                          /* HeartbeatInterval */                                              \
+    0,                          /* BatchInterval */                                                  \
+    MQNPMS_FAST,                /* NonPersistentMsgSpeed */                                          \
+    MQCD_CURRENT_LENGTH,        /* StrucLength */                                                    \
+    MQ_EXIT_NAME_LENGTH,        /* ExitNameLength */                                                 \
+    MQ_EXIT_DATA_LENGTH,        /* ExitDataLength */                                                 \
+    0,                          /* MsgExitsDefined */                                                \
+    0,                          /* SendExitsDefined */                                               \
+    0,                          /* ReceiveExitsDefined */                                            \
+    NULL,                       /* MsgExitPtr */                                                     \
+    NULL,                       /* MsgUserDataPtr */                                                 \
+    NULL,                       /* SendExitPtr */                                                    \
+    NULL,                       /* SendUserDataPtr */                                                \
+    NULL,                       /* ReceiveExitPtr */                                                 \
+    NULL,                       /* ReceiveUserDataPtr */                                             \
+    NULL,                       /* ClusterPtr */                                                     \
+    0,                          /* ClustersDefined */                                                \
+    0,                          /* NetworkPriority */                                                \
+    0,                          /* LongMCAUserIdLength */                                            \
+    0,                          /* LongRemoteUserIdLength */                                         \
+    NULL,                       /* LongMCAUserIdPtr */                                               \
+    NULL,                       /* LongRemoteUserIdPtr */                                            \
+    {MQSID_NONE_ARRAY},         /* MCASecurityId */                                                  \
+    {MQSID_NONE_ARRAY},         /* RemoteSecurityId */                                               \
+    {""},                       /* SSLCipherSpec */                                                  \
+    NULL,                       /* SSLPeerNamePtr */                                                 \
+    0,                          /* SSLPeerNameLength */                                              \
+    MQSCA_REQUIRED,             /* SSLClientAuth */                                                  \
+    MQKAI_AUTO,                 /* KeepAliveInterval */                                              \
+    {""},                       /* LocalAddress */                                                   \
+    0,                          /* BatchHeartbeat */                                                 \
+    {MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE}, /* HdrCompList */                          \
+    {MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, /* MsgCompList */ \
+     MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE,                   \
+     MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE,                   \
+     MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE,                   \
+     MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE, MQCOMPRESS_NOT_AVAILABLE,                   \
+     MQCOMPRESS_NOT_AVAILABLE},                                                                      \
+    0,                          /* CLWLChannelRank */                                                \
+    0,                          /* CLWLChannelPriority */                                            \
+    50,                         /* CLWLChannelWeight */                                              \
+    MQMON_OFF,                  /* ChannelMonitoring */                                              \
+    MQMON_OFF,                  /* ChannelStatistics */                                              \
+    10,                         /* SharingConversations */                                           \
+    MQPROP_COMPATIBILITY,       /* PropertyControl */                                                \
+    999999999,                  /* MaxInstances */                                                   \
+    999999999,                  /* MaxInstancesPerClient */                                          \
+    0,                          /* ClientChannelWeight */                                            \
+    MQCAFTY_PREFERRED,          /* ConnectionAffinity */                                             \
+    5000,                       /* BatchDataLimit */                                                 \
+    MQUSEDLQ_YES,               /* UseDLQ */                                                         \
+    MQRCN_NO,                   /* DefReconnect */                                                   \
+    {""},                       /* CertificateLabel */                                               \
+    MQSPL_PASSTHRU              /* SPLProtection */
 
 /* -------------------------------------------------------------------------- */
 /* Exits                                                                      */
 /* -------------------------------------------------------------------------- */
 
 /* Exit identifiers */
+#define MQXT_API_CROSSING_EXIT      1
+#define MQXT_API_EXIT               2
 #define MQXT_CHANNEL_SEC_EXIT       11
 #define MQXT_CHANNEL_MSG_EXIT       12
 #define MQXT_CHANNEL_SEND_EXIT      13
@@ -448,12 +454,14 @@ struct tagMQCD {
 #define MQXT_CHANNEL_AUTO_DEF_EXIT  16
 #define MQXT_CLUSTER_WORKLOAD_EXIT  20
 #define MQXT_PUBSUB_ROUTING_EXIT    21
-#define MQXT_API_CROSSING_EXIT      1
-#define MQXT_API_EXIT               2
 #define MQXT_PUBLISH_EXIT           22
 #define MQXT_PRECONNECT_EXIT        23
 
 /* Exit reasons */
+#define MQXR_BEFORE          1
+#define MQXR_AFTER           2
+#define MQXR_CONNECTION      3
+#define MQXR_BEFORE_CONVERT  4
 #define MQXR_INIT            11
 #define MQXR_TERM            12
 #define MQXR_MSG             13
@@ -468,14 +476,10 @@ struct tagMQCD {
 #define MQXR_CLWL_MOVE       22
 #define MQXR_CLWL_REPOS      23
 #define MQXR_CLWL_REPOS_MOVE 24
-#define MQXR_AUTO_SVRCONN    27
-#define MQXR_AUTO_CLUSRCVR   28
-#define MQXR_BEFORE          1
-#define MQXR_AFTER           2
-#define MQXR_CONNECTION      3
-#define MQXR_BEFORE_CONVERT  4
 #define MQXR_END_BATCH       25
 #define MQXR_ACK_RECEIVED    26
+#define MQXR_AUTO_SVRCONN    27
+#define MQXR_AUTO_CLUSRCVR   28
 #define MQXR_SEC_PARMS       29
 #define MQXR_PUBLICATION     30
 #define MQXR_PRECONNECT      31
@@ -734,8 +738,8 @@ struct tagMQCD {
 /* Interface entry points and register options */
 #define MQIEP_VERSION_1       1
 #define MQIEP_CURRENT_VERSION 1
-#define MQIEP_LENGTH_1        264
-#define MQIEP_CURRENT_LENGTH  264
+#define MQIEP_LENGTH_1        264 /* of a 32-bit program */
+#define MQIEP_CURRENT_LENGTH  264 /* of a 32-bit program */
 
 #define MQXEPO_STRUC_ID        "XEPO"
 #define MQXEPO_STRUC_ID_ARRAY  'X','E','P','O'
