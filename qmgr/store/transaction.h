@@ -1,0 +1,171 @@
+// Transactions on the live state: what MQPUT, MQGET and browsing are made of.
+//
+// A ReadTransaction is a snapshot: nothing that others do changes what it sees, it takes no lock and keeps nobody
+// waiting, but what others delete stays in the file until it ends. A WriteTransaction is alone: it holds the live
+// state's one writer lock (a process-shared mutex; no disk is ever waited for under it), sees its own changes, and
+// is all or nothing, also when its process is killed.
+//
+// Rules:
+// - Made only by Attachment::read and Attachment::update. A thread has at most one transaction at a time, and starts
+//   no other call of the store inside one: growth of the live state waits for all transactions of the process.
+// - Spans and views that a transaction gives out point into the live state itself. They are valid until the
+//   transaction ends, and within a WriteTransaction until its next change. Never write through them.
+// - Errors stick: after the first storage error every further step does nothing and finds nothing, and the error is
+//   what read or update answers. So the steps of a body need no checks of their own.
+// - A body given to update may run more than once (the live state was full and has grown): it must build its results
+//   from scratch each time and change nothing else of the caller's.
+//
+// "Visible" messages are those that anybody may get: committed, and not got by another (or this) unit of work.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "qmgr/store/message.h"
+#include "qmgr/store/outcome.h"
+
+struct MDB_txn;
+struct MDB_cursor;
+
+namespace mqrig::qmgr::store {
+
+class LiveEnvironment;
+
+// How many handles are open on a queue. `exclusive` counts within `input`.
+struct OpenCounts {
+    std::int32_t input = 0;
+    std::int32_t exclusive = 0;
+    std::int32_t output = 0;
+    std::int32_t browse = 0;
+};
+
+// The live counters of one queue.
+struct QueueStatus {
+    std::uint32_t depth = 0;       // MQ's CURDEPTH: counts uncommitted puts, no longer messages got under syncpoint
+    std::uint32_t held = 0;        // messages there but not visible: got and not committed, or on their way to the log
+    std::uint32_t uncommitted = 0; // booked puts whose unit is not committed; with `held` MQ's UNCOM
+    OpenCounts opens;
+};
+
+enum class Index : std::uint8_t { MsgId = 1, CorrelId = 2, GroupId = 3 };
+
+class Transaction {
+public:
+    Transaction(const Transaction &) = delete;
+    Transaction &operator=(const Transaction &) = delete;
+
+    // All zero for a queue that nobody has used yet.
+    [[nodiscard]] QueueStatus queue(QueueId queue);
+
+    // The header of a message if it is there and visible. (A copy: the stored bytes have no alignment.)
+    [[nodiscard]] std::optional<MessageHeader> find(const MessageKey &key);
+
+    // The body of a message that find or a cursor gave, or that this connection has locked.
+    [[nodiscard]] std::span<const std::byte> body(const MessageKey &key);
+
+    // The header of a message whether visible or not, e.g. one this connection has locked.
+    [[nodiscard]] std::optional<MessageHeader> findHeld(const MessageKey &key);
+
+    // The error that stuck, else success.
+    [[nodiscard]] Outcome outcome() const { return outcome_; }
+
+protected:
+    friend class MessageCursor;
+    friend class Attachment;
+    Transaction() = default;
+    ~Transaction() = default;
+
+    MDB_txn *txn_ = nullptr;
+    LiveEnvironment *environment_ = nullptr;
+    Outcome outcome_;
+    bool outgrown_ = false; // the error is that the map is full: grow it and run the body again
+};
+
+class ReadTransaction : public Transaction {
+public:
+    ReadTransaction() = default;
+    ~ReadTransaction();
+};
+
+class WriteTransaction : public Transaction {
+public:
+    WriteTransaction() = default;
+    ~WriteTransaction();
+
+    // ---- Single messages outside a unit of work ----
+
+    // Stores a message; depth + 1. A non-persistent one is visible when update is back, and its getters are woken.
+    // A persistent one is stored hidden, and the ticket is to be handed to Attachment::harden after update.
+    Ticket put(const NewMessage &message);
+
+    // Takes a visible message for good; depth - 1. The same with the ticket: harden before the get is answered. Copy
+    // the body out inside the body of update, or, if it is large, use lock, read the body with read, then commit a
+    // Unit of this one get: so that nobody waits for the copying.
+    Ticket take(const MessageKey &key);
+
+    // Removes an expired message; depth - 1. A persistent one leaves the log with the next unit that is logged (its
+    // deadline keeps it from being seen again after a crash before that): no ticket, no sync.
+    void discard(const MessageKey &key);
+
+    // ---- Units of work ----
+
+    // Gives a put under syncpoint its place in the depth, booked on this connection: depth + 1.
+    void bookPut(QueueId queue);
+    // Takes such a booking back (a put that failed after it was booked).
+    void unbookPut(QueueId queue);
+
+    // Marks a visible message as got by this connection's unit of work; depth - 1.
+    void lock(const MessageKey &key);
+    // Undoes lock as if the get had never been: depth + 1, backout count unchanged.
+    void unlock(const MessageKey &key);
+
+    // ---- Handles and headers ----
+
+    // Adds to (or with negative numbers takes from) the open counts of the queue, booked on this connection, so that
+    // the clean-up of a dead connection gives them back. The caller decides from queue() whether the open may be.
+    void addOpens(QueueId queue, const OpenCounts &change);
+
+    // Replaces the header of a message. MsgId, CorrelId, GroupId, persistence and bodyLength must stay as they are.
+    void changeHeader(const MessageKey &key, const MessageHeader &header);
+};
+
+// Walks visible messages of one queue in delivery order: all of them, or those with one id. Lives inside a
+// transaction; in a WriteTransaction a change to the queue ends the walk (make a new cursor).
+class MessageCursor {
+public:
+    MessageCursor(Transaction &transaction, QueueId queue);
+    MessageCursor(Transaction &transaction, QueueId queue, Index index, MessageId id);
+    ~MessageCursor();
+    MessageCursor(const MessageCursor &) = delete;
+    MessageCursor &operator=(const MessageCursor &) = delete;
+
+    // Each goes to a visible message and says whether there was one. `seek` goes to the first one behind `key`, which
+    // itself need not exist any more.
+    bool first();
+    bool next();
+    bool seek(const MessageKey &behind);
+
+    // Of the message the walk stands on.
+    [[nodiscard]] const MessageKey &key() const { return key_; }
+    [[nodiscard]] const MessageHeader &header();
+    [[nodiscard]] std::span<const std::byte> body();
+
+private:
+    bool settle(bool found);
+    bool held(const MessageKey &key);
+
+    Transaction &transaction_;
+    MDB_cursor *walk_ = nullptr;   // over messages or over one index
+    MDB_cursor *holds_ = nullptr;  // over the queue's holds, beside it; null while the queue has none
+    MessageKey key_;
+    std::optional<MessageKey> nextHold_;
+    std::array<std::uint8_t, 32> prefix_{};
+    std::size_t prefixLength_ = 0;
+    MessageHeader header_{};
+    bool headerRead_ = false;
+};
+
+} // namespace mqrig::qmgr::store
