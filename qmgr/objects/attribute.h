@@ -18,7 +18,7 @@
 #include "cmqc.h"
 #include "qmgr/objects/object_kind.h"
 
-namespace qmgr::objects {
+namespace mqrig::qmgr::objects {
 
 // One keyword of the command language and the integer that it stands for.
 struct Word {
@@ -83,4 +83,4 @@ SelectorStanding standing(ObjectKind kind, MQLONG selector);
 // The length of a character selector's field, whichever kind of object has it; 0 if none has.
 MQLONG textLengthOf(MQLONG selector);
 
-} // namespace qmgr::objects
+} // namespace mqrig::qmgr::objects

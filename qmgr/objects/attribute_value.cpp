@@ -5,7 +5,7 @@
 
 #include "qmgr/objects/object_name.h"
 
-namespace qmgr::objects {
+namespace mqrig::qmgr::objects {
 namespace {
 
 bool sameWord(std::string_view word, std::string_view typed)
@@ -104,4 +104,4 @@ std::string formatAttribute(const Attribute &attribute, const AttributeValue &va
     return answer;
 }
 
-} // namespace qmgr::objects
+} // namespace mqrig::qmgr::objects

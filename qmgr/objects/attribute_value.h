@@ -7,7 +7,7 @@
 #include "cmqc.h"
 #include "qmgr/objects/attribute.h"
 
-namespace qmgr::objects {
+namespace mqrig::qmgr::objects {
 
 // One value: `number` for integers, `text` (without trailing blanks) for texts.
 struct AttributeValue {
@@ -44,4 +44,4 @@ ValueFault checkText(const Attribute &attribute, std::string_view text);
 // "MAXDEPTH(5000)", "PUT(ENABLED)", "NOSHARE", "DESCR( )". A number that the row has no keyword for is shown as it is.
 std::string formatAttribute(const Attribute &attribute, const AttributeValue &value);
 
-} // namespace qmgr::objects
+} // namespace mqrig::qmgr::objects

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <ctime>
 
-namespace qmgr::objects {
+namespace mqrig::qmgr::objects {
 namespace {
 
 constexpr char formatMark = 'O';
@@ -187,4 +187,4 @@ std::optional<ObjectDefinition> ObjectDefinition::decode(std::string_view bytes)
     return object;
 }
 
-} // namespace qmgr::objects
+} // namespace mqrig::qmgr::objects

@@ -21,7 +21,7 @@
 #include "qmgr/objects/attribute_value.h"
 #include "qmgr/objects/object_kind.h"
 
-namespace qmgr::objects {
+namespace mqrig::qmgr::objects {
 
 class ObjectDefinition {
   public:
@@ -63,4 +63,4 @@ class ObjectDefinition {
     std::string carried_; // records of types unknown to this version
 };
 
-} // namespace qmgr::objects
+} // namespace mqrig::qmgr::objects

@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-namespace qmgr::objects {
+namespace mqrig::qmgr::objects {
 namespace {
 
 struct KindNames {
@@ -58,4 +58,4 @@ std::string_view spokenName(ObjectKind kind)
     return row(kind).spokenName;
 }
 
-} // namespace qmgr::objects
+} // namespace mqrig::qmgr::objects

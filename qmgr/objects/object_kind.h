@@ -14,7 +14,7 @@
 
 #include "cmqc.h"
 
-namespace qmgr::objects {
+namespace mqrig::qmgr::objects {
 
 // Stored on disk as these numbers: never renumber.
 enum class ObjectKind : std::uint8_t {
@@ -54,4 +54,4 @@ MQLONG openType(ObjectKind kind);
 std::string_view commandWord(ObjectKind kind);
 std::string_view spokenName(ObjectKind kind);
 
-} // namespace qmgr::objects
+} // namespace mqrig::qmgr::objects

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace qmgr::objects {
+namespace mqrig::qmgr::objects {
 
 bool isNameCharacter(char c)
 {
@@ -41,4 +41,4 @@ bool matchesGeneric(std::string_view pattern, std::string_view name)
     return name.starts_with(pattern);
 }
 
-} // namespace qmgr::objects
+} // namespace mqrig::qmgr::objects

@@ -10,7 +10,7 @@
 
 #include "cmqc.h"
 
-namespace qmgr::objects {
+namespace mqrig::qmgr::objects {
 
 inline constexpr std::size_t maxNameLength = MQ_OBJECT_NAME_LENGTH;
 
@@ -48,4 +48,4 @@ template <std::size_t N> void fillField(std::array<char, N> &field, std::string_
 // MQSC's generic names: `pattern` may end with one '*', which stands for any rest; "*" alone matches every name.
 bool matchesGeneric(std::string_view pattern, std::string_view name);
 
-} // namespace qmgr::objects
+} // namespace mqrig::qmgr::objects

@@ -2,11 +2,12 @@
 
 #include "qmgr/objects/object_name.h"
 
-namespace qmgr::objects {
+namespace mqrig::qmgr::objects {
 
-QueueDefinition QueueDefinition::from(ObjectDefinition object)
+QueueDefinition QueueDefinition::from(ObjectDefinition object, store::QueueId id)
 {
     QueueDefinition queue;
+    queue.id = id;
     queue.type = object.number(MQIA_Q_TYPE);
     queue.inhibitPut = object.number(MQIA_INHIBIT_PUT);
     queue.inhibitGet = object.number(MQIA_INHIBIT_GET);
@@ -48,4 +49,4 @@ QueueDefinition QueueDefinition::from(ObjectDefinition object)
     return queue;
 }
 
-} // namespace qmgr::objects
+} // namespace mqrig::qmgr::objects

@@ -7,12 +7,14 @@
 
 #include "cmqc.h"
 #include "qmgr/objects/object_definition.h"
+#include "qmgr/store/message.h"
 
-namespace qmgr::objects {
+namespace mqrig::qmgr::objects {
 
 // Immutable once built; shared by every handle of the process that has the queue open.
 struct QueueDefinition {
     // Read for every message, first cache lines.
+    store::QueueId id = 0;                 // of its messages in the store; another one after delete and define
     MQLONG type = MQQT_LOCAL;              // MQQT_
     MQLONG inhibitPut = MQQA_PUT_ALLOWED;  // MQQA_
     MQLONG inhibitGet = MQQA_GET_ALLOWED;  // MQQA_
@@ -55,7 +57,7 @@ struct QueueDefinition {
     // Everything, addressed by selector.
     ObjectDefinition object;
 
-    static QueueDefinition from(ObjectDefinition object);
+    static QueueDefinition from(ObjectDefinition object, store::QueueId id);
 };
 
-} // namespace qmgr::objects
+} // namespace mqrig::qmgr::objects

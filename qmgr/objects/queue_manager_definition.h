@@ -7,7 +7,7 @@
 #include "cmqc.h"
 #include "qmgr/objects/object_definition.h"
 
-namespace qmgr::objects {
+namespace mqrig::qmgr::objects {
 
 // Immutable once built; shared by every connection of the process.
 struct QueueManagerDefinition {
@@ -37,4 +37,4 @@ struct QueueManagerDefinition {
     static QueueManagerDefinition from(ObjectDefinition object);
 };
 
-} // namespace qmgr::objects
+} // namespace mqrig::qmgr::objects

@@ -1,0 +1,75 @@
+#include "qmgr/objects/system_objects.h"
+
+#include <string>
+
+#include "qmgr/objects/object_definition.h"
+
+namespace mqrig::qmgr::objects {
+namespace {
+
+struct SystemQueue {
+    std::string_view name;
+    std::string_view description;
+    MQLONG maxDepth;
+};
+
+constexpr MQLONG standardDepth = 5000;
+constexpr MQLONG unboundedDepth = 999999999;
+
+constexpr SystemQueue systemQueues[] = {
+    {"SYSTEM.ADMIN.ACCOUNTING.QUEUE", "Accounting messages", standardDepth},
+    {"SYSTEM.ADMIN.ACTIVITY.QUEUE", "Activity reports", standardDepth},
+    {"SYSTEM.ADMIN.CHANNEL.EVENT", "Events of channels", standardDepth},
+    {"SYSTEM.ADMIN.COMMAND.EVENT", "Events of commands", standardDepth},
+    {commandQueue, "Administration commands (PCF)", standardDepth},
+    {"SYSTEM.ADMIN.CONFIG.EVENT", "Events of object changes", standardDepth},
+    {"SYSTEM.ADMIN.LOGGER.EVENT", "Events of the log", standardDepth},
+    {"SYSTEM.ADMIN.PERFM.EVENT", "Events of queue depth and service", standardDepth},
+    {"SYSTEM.ADMIN.PUBSUB.EVENT", "Events of publish and subscribe", standardDepth},
+    {"SYSTEM.ADMIN.QMGR.EVENT", "Events of the queue manager", standardDepth},
+    {"SYSTEM.ADMIN.STATISTICS.QUEUE", "Statistics messages", standardDepth},
+    {"SYSTEM.ADMIN.TRACE.ACTIVITY.QUEUE", "Activity trace messages", standardDepth},
+    {"SYSTEM.ADMIN.TRACE.ROUTE.QUEUE", "Replies to trace-route messages", standardDepth},
+    {deadLetterQueue, "Messages that could not be delivered", unboundedDepth},
+    {"SYSTEM.DEFAULT.INITIATION.QUEUE", "Trigger messages", standardDepth},
+    {defaultLocalQueue, "", standardDepth},
+};
+
+store::Definition stored(const ObjectDefinition &object)
+{
+    store::Definition definition;
+    definition.type = openType(object.kind());
+    definition.name = object.name();
+    definition.bytes = object.encode();
+    return definition;
+}
+
+// "QM1_2026-11-21_09.30.05": unique among queue managers of one name, as long as they are not made in one second.
+std::string identifier(const ObjectDefinition &queueManager)
+{
+    const std::string stamp = '_' + std::string(queueManager.text(MQCA_CREATION_DATE)) + '_' +
+                              std::string(queueManager.text(MQCA_CREATION_TIME));
+    return queueManager.name().substr(0, MQ_Q_MGR_IDENTIFIER_LENGTH - stamp.size()) + stamp;
+}
+
+} // namespace
+
+std::vector<store::Definition> systemObjects(std::string_view queueManagerName)
+{
+    std::vector<store::Definition> objects;
+    ObjectDefinition queueManager(ObjectKind::QueueManager, queueManagerName);
+    queueManager.stampCreated();
+    queueManager.set(MQCA_Q_MGR_IDENTIFIER, identifier(queueManager));
+    objects.push_back(stored(queueManager));
+
+    for (const SystemQueue &row : systemQueues) {
+        ObjectDefinition queue(ObjectKind::LocalQueue, row.name);
+        queue.set(MQCA_Q_DESC, row.description);
+        queue.set(MQIA_MAX_Q_DEPTH, row.maxDepth);
+        queue.stampCreated();
+        objects.push_back(stored(queue));
+    }
+    return objects;
+}
+
+} // namespace mqrig::qmgr::objects
