@@ -65,27 +65,25 @@ void flush_output();
 Status lock_section(RunParams *params);
 Status unlock_section(RunParams *params);
 
+/// The lock that report lines of this record take now, or null. A connection's record is given its group's lock while
+/// an event handler may look at it, so both sides go through these two.
+pthread_mutex_t *output_lock(RunParams *params);
+void set_output_lock(RunParams *params, pthread_mutex_t *lock);
+
 /// The output lock for the length of a scope. `status()` other than 0 means that the lock was not had: write nothing.
 class LockedSection {
 public:
-    explicit LockedSection(RunParams *params) : params_(params), status_(lock_section(params)) {}
+    explicit LockedSection(RunParams *params);
     ~LockedSection() { release(); }
     LockedSection(const LockedSection &) = delete;
     LockedSection &operator=(const LockedSection &) = delete;
 
     Status status() const { return status_; }
-
     /// Releases early, for callers that answer with the status of the release.
-    Status release()
-    {
-        if (status_ != StatusOk || params_ == nullptr) return status_;
-        RunParams *params = params_;
-        params_ = nullptr;
-        return unlock_section(params);
-    }
+    Status release();
 
 private:
-    RunParams *params_;
+    pthread_mutex_t *held_; ///< the very lock that was taken, whatever the record says by now
     Status status_;
 };
 

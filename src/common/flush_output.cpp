@@ -1,0 +1,3 @@
+#include "common.h"
+
+void flush_output() { std::fflush(stdout); }
