@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -45,8 +46,9 @@ static_assert(sizeof(MQCHAR4) == 4 && sizeof(MQCHAR264) == 264 && sizeof(MQBYTE2
 
 #define STRUCTURE(name, size32, size64)                                                                                \
     static_assert(sizeof(name) == byWidth(size32, size64), #name);                                                     \
-    static_assert(std::is_same_v<name, tag##name> && std::is_same_v<P##name, std::add_pointer_t<name>> &&              \
-                  std::is_same_v<PP##name, std::add_pointer_t<P##name>>);
+    static_assert(std::is_same_v<name, tag##name>, #name);                                                             \
+    static_assert(std::is_same_v<name, std::pointer_traits<P##name>::element_type>, #name);                            \
+    static_assert(std::is_same_v<P##name, std::pointer_traits<PP##name>::element_type>, #name);
 #define FIELD(structure, field, offset32, length32, offset64, length64)                                                \
     static_assert(offsetof(structure, field) == byWidth(offset32, offset64), #structure "." #field);                   \
     static_assert(sizeof(structure::field) == byWidth(length32, length64), #structure "." #field);
