@@ -51,6 +51,8 @@ void Judge_syncpoint_get(const char *program, RunParams *params);
 /// Sets it in both records when either side works under syncpoint.
 void Judge_syncpoint_getput(const char *program, RunParams *getParams, RunParams *putParams);
 
+/// Before an operation under syncpoint, where each has a transaction of its own (another platform; here nothing).
+Status begin_unit_of_work(const RunParams *params);
 /// The one rule that ends a unit of work: under syncpoint, commits after a success and backs out after a failure or
 /// with `-b`. Answers `result`, or 1 when the commit or backout failed. Threads of `-nt` share a connection, so with
 /// them it does nothing: see `settle_unit_of_work`.

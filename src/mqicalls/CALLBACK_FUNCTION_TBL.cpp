@@ -1,0 +1,6 @@
+#include "mqicalls.h"
+
+const NamedFunction CALLBACK_FUNCTION_TBL[] = {
+    {"EventHandler", EventHandler},
+    {nullptr, nullptr},
+};

@@ -1,0 +1,27 @@
+#include "mqicalls.h"
+
+#include "common.h"
+#include "mqicalls/mqi_call.h"
+
+Status MQSeriesSet(MQHCONN hconn, MQHOBJ hobj, RunParams *params, MQLONG selectorCount, MQLONG *selectors,
+                   MQLONG intAttrCount, MQLONG *intAttrs, MQLONG charAttrLength, MQCHAR *charAttrs)
+{
+    const MqiCodes codes = mqi_call(
+        params, "MQSET",
+        [&] {
+            api_trace_dsp(params, "MQSET start hcon:%d Selector count:%d IntAttrCount:%d\n", hconn, selectorCount,
+                          intAttrCount);
+        },
+        [&](MqiCodes &made) {
+            MQSET(hconn, hobj, selectorCount, selectors, intAttrCount, intAttrs, charAttrLength, charAttrs,
+                  &made.CompCode, &made.Reason);
+        },
+        [&](const MqiCodes &made) {
+            api_trace_dsp(params, "MQSET stop hcon:%d CompCd=%02d ReasonCd=%02d\n", hconn, made.CompCode, made.Reason);
+        });
+
+    if (codes.Reason == MQRC_NONE && codes.CompCode != MQCC_FAILED) return StatusOk;
+    printf_te(params, "MQSET fail : %s %s CompCd=%02d ReasonCd=%02d\n", shown_name(params->QMgrName),
+              shown_name(params->QName), codes.CompCode, codes.Reason);
+    return StatusMqiFailure;
+}
