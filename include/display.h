@@ -12,6 +12,8 @@
 #include "RunParams.h"
 #include "status.h"
 
+#include <cstddef>
+
 /// `dsp_message`: what a line of the put display says.
 inline constexpr int DisplayPutFile = 1;
 inline constexpr int DisplayPutMessage = 2;
@@ -26,7 +28,7 @@ inline constexpr MQULONG NoMessageCounter = 0xFFFFFFFF;
 Status dsp_message(RunParams *params, const void *data, MQLONG length, int kind, MQLONG number, MQULONG counter);
 
 /// Body bytes to a printable, terminated string; `target` holds 2 * `length` + 3 bytes. Answers the string's length.
-MQLONG cnvrtmsg(const void *source, char *target, MQLONG length, MQLONG mode);
+std::size_t cnvrtmsg(const void *source, char *target, MQLONG length, MQLONG mode);
 
 /// `length` bytes to standard output, unconverted.
 void printRaw(const void *data, MQLONG length);

@@ -1,0 +1,87 @@
+#include "display.h"
+
+#include "common.h"
+#include "display/shown_length.h"
+
+#include <charconv>
+#include <cstring>
+
+namespace {
+
+/// The head of a line behind its time stamp, put together without printf: it is written for every message.
+class Head {
+public:
+    Head &text(const char *part)
+    {
+        const std::size_t length = std::strlen(part);
+        std::memcpy(end_, part, length);
+        end_ += length;
+        return *this;
+    }
+    Head &number(MQLONG value)
+    {
+        end_ = std::to_chars(end_, text_ + sizeof text_, value).ptr;
+        return *this;
+    }
+    void write() const { std::fwrite(text_, 1, static_cast<std::size_t>(end_ - text_), stdout); }
+
+private:
+    char text_[128]; // three numbers and the longest label
+    char *end_ = text_;
+};
+
+Head counter_head(MQULONG counter)
+{
+    Head head;
+    if (counter != NoMessageCounter) head.number(static_cast<MQLONG>(counter + 1)).text(": ");
+    return head;
+}
+
+Status show_file_name(RunParams *params, MQULONG counter)
+{
+    LockedSection locked(params);
+    if (locked.status() != StatusOk) return StatusLocalFailure;
+    dsp_timestamp(params);
+    counter_head(counter).text("put from: ").write();
+    std::fputs(params->InputFile != nullptr ? params->InputFile : "(null)", stdout);
+    std::putchar('\n');
+    return locked.release();
+}
+
+} // namespace
+
+Status dsp_message(RunParams *params, const void *data, MQLONG length, int kind, MQLONG number, MQULONG counter)
+{
+    if (kind == DisplayPutFile) return show_file_name(params, counter);
+
+    Head head = counter_head(counter);
+    if (kind == DisplayLogicalMessage) {
+        head.text("logical message: ").number(number).text(" length: ");
+    } else if (kind == DisplaySegment) {
+        head.text("segment: ").number(number).text(" length: ");
+    } else {
+        head.text("message length: ");
+    }
+    head.number(length).text(" put message: ");
+    const MQLONG shown = shown_length(params, length);
+
+    LockedSection locked(params);
+    if (locked.status() != StatusOk) return StatusLocalFailure;
+    dsp_timestamp(params);
+
+    // What is usually shown fits here; only a longer display asks for memory.
+    char usual[1024];
+    Buffer<> large;
+    char *text = usual;
+    if (const std::size_t size = converted_size(shown); size > sizeof usual) {
+        large = checked_malloc(nullptr, size, {"dsp_message"});
+        if (large == nullptr) return StatusLocalFailure;
+        text = large.get();
+    }
+    // The way the message was entered decides its form; -raw and -hex speak of messages got.
+    std::size_t end = cnvrtmsg(data, text, shown, params->MsgHex != nullptr ? OutputFormHex : OutputFormText);
+    text[end++] = '\n';
+    head.write();
+    std::fwrite(text, 1, end, stdout);
+    return locked.release();
+}
