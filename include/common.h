@@ -98,13 +98,14 @@ template <class T = char>
 using Buffer = std::unique_ptr<T[], FreeBuffer>;
 
 /// Memory of `size` bytes, or null after reporting "malloc() failed. size=..." for `caller`. `params` null: no lock.
-Buffer<> checked_malloc(RunParams *params, std::size_t size, Caller caller);
+/// `call` is how the report names the call.
+Buffer<> checked_malloc(RunParams *params, std::size_t size, Caller caller, const char *call = "malloc()");
 /// The same, zero-filled, as calloc(). `size` is the whole size.
 Buffer<> checked_calloc(RunParams *params, std::size_t size, Caller caller);
 /// Grows `buffer` in place. On failure it is reported as realloc(), `buffer` keeps what it held and false comes back.
 bool checked_realloc(RunParams *params, Buffer<> &buffer, std::size_t size, Caller caller);
 /// A copy of `text` with its terminator, or null after the report of `checked_malloc`.
-Buffer<> checked_copy(RunParams *params, const char *text, Caller caller);
+Buffer<> checked_copy(RunParams *params, const char *text, Caller caller, const char *call = "malloc()");
 
 // ---- Waiting ------------------------------------------------------------------------------------------------------
 

@@ -2,8 +2,8 @@
 ///
 /// How to add a new option
 ///   1. Add the field that it sets to the record (RunParams.h).
-///   2. Add its row to the group it belongs to in tables/option_rows.cpp: flag, kind, field, limit, texts, usage line.
-///      The usage text and the parser both come from that row.
+///   2. Add its row to the group it belongs to in tables/run_option_rows.h or tables/message_option_rows.h: flag, kind,
+///      field, limit, texts, usage line. The usage text and the parser both come from that row.
 ///   3. Only if no kind fits: add one to option_rows.h and its case to src/options/applyOption.cpp.
 /// How to add a new operation
 ///   1. Write the mode and declare it with its subsystem.
@@ -11,6 +11,7 @@
 #pragma once
 
 #include "RunParams.h"
+#include "option_rows.h"
 
 /// What the command line asks for.
 struct CommandLine {
@@ -29,6 +30,3 @@ struct CommandLine {
 
 /// Fills the records from the arguments and selects the operation. Records keep what was set before an error.
 CommandLine GetArgParam(int argc, char *const argv[], RunParams *primary, RunParams *secondary);
-
-/// The usage text, ended by a line feed.
-extern const char *const CMD_LINE;

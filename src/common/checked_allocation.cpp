@@ -16,9 +16,9 @@ Buffer<> checked(RunParams *params, void *memory, const char *call, std::size_t 
 
 } // namespace
 
-Buffer<> checked_malloc(RunParams *params, std::size_t size, Caller caller)
+Buffer<> checked_malloc(RunParams *params, std::size_t size, Caller caller, const char *call)
 {
-    return checked(params, std::malloc(atLeastOne(size)), "malloc()", size, caller);
+    return checked(params, std::malloc(atLeastOne(size)), call, size, caller);
 }
 
 Buffer<> checked_calloc(RunParams *params, std::size_t size, Caller caller)
@@ -38,10 +38,10 @@ bool checked_realloc(RunParams *params, Buffer<> &buffer, std::size_t size, Call
     return true;
 }
 
-Buffer<> checked_copy(RunParams *params, const char *text, Caller caller)
+Buffer<> checked_copy(RunParams *params, const char *text, Caller caller, const char *call)
 {
     const std::size_t size = std::strlen(text) + 1;
-    Buffer<> copy = checked_malloc(params, size, caller);
+    Buffer<> copy = checked_malloc(params, size, caller, call);
     if (copy) std::memcpy(copy.get(), text, size);
     return copy;
 }
