@@ -73,7 +73,8 @@ void dumpmsg(const void *data, MQLONG length)
     do {
         DumpLine line;
         const std::size_t lineOffset = offset;
-        for (std::size_t i = carried; i > 0; --i) line.skip(i % 2 == 1);
+        for (std::size_t i = carried; i > 0; --i)
+            line.skip(i % 2 == 1);
         carried = 0;
         while (line.column() < Columns && offset < end) {
             const std::size_t width = characters.length(bytes + offset, end - offset);
@@ -82,10 +83,12 @@ void dumpmsg(const void *data, MQLONG length)
                 ++offset;
                 continue;
             }
-            for (std::size_t i = 0; i < width; ++i, ++offset) line.byte(bytes[offset], bytes[offset]);
+            for (std::size_t i = 0; i < width; ++i, ++offset)
+                line.byte(bytes[offset], bytes[offset]);
         }
         if (line.column() > Columns) carried = line.column() - Columns;
-        while (line.column() < Columns) line.missing();
+        while (line.column() < Columns)
+            line.missing();
         if (characters.widest() > 1 + carried) line.blanks((characters.widest() - 1 - carried) * 2);
         line.write(lineOffset);
         if (++lines == LinesOfBlock) {

@@ -2,4 +2,7 @@
 
 #include "common.h"
 
-void printPCF(const void *, MQLONG, MQLONG, RunParams *) { not_built_yet("printPCF"); }
+void printPCF(const void *, MQLONG, MQLONG, RunParams *)
+{
+    not_built_yet("printPCF");
+}

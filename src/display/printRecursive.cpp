@@ -41,7 +41,10 @@ bool has_format(const RunParams *params, const char (&format)[MQ_FORMAT_LENGTH +
     return std::memcmp(params->DataFormat, format, MQ_FORMAT_LENGTH) == 0;
 }
 
-void set_format(RunParams *params, const MQCHAR8 &format) { std::memcpy(params->DataFormat, format, MQ_FORMAT_LENGTH); }
+void set_format(RunParams *params, const MQCHAR8 &format)
+{
+    std::memcpy(params->DataFormat, format, MQ_FORMAT_LENGTH);
+}
 
 Walk dump(const Rest &rest)
 {
@@ -140,8 +143,8 @@ Walk walk_structure(Rest &rest, RunParams *params)
     if (has_format(params, MQFMT_DEAD_LETTER_HEADER)) return walk_dead_letter(rest, params);
     if (has_format(params, MQFMT_XMIT_Q_HEADER)) return walk_transmission(rest, params);
     if (has_format(params, MQFMT_RF_HEADER_2)) return walk_rfh2(rest, params);
-    if (has_format(params, MQFMT_ADMIN) || has_format(params, MQFMT_EMBEDDED_PCF) ||
-        has_format(params, MQFMT_EVENT) || has_format(params, MQFMT_PCF)) {
+    if (has_format(params, MQFMT_ADMIN) || has_format(params, MQFMT_EMBEDDED_PCF) || has_format(params, MQFMT_EVENT) ||
+        has_format(params, MQFMT_PCF)) {
         return walk_pcf(rest, params);
     }
     return dump(rest);

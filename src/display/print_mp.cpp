@@ -2,4 +2,7 @@
 
 #include "common.h"
 
-void print_mp(RunParams *, MQHCONN) { not_built_yet("print_mp"); }
+void print_mp(RunParams *, MQHCONN)
+{
+    not_built_yet("print_mp");
+}

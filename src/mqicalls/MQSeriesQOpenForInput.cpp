@@ -7,12 +7,15 @@
 namespace {
 
 /// Open options that say what the queue is opened for; with any of them none is added.
-constexpr MQLONG PurposeOptions = MQOO_INPUT_AS_Q_DEF | MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE | MQOO_BROWSE |
-                                  MQOO_INQUIRE | MQOO_SET;
+constexpr MQLONG PurposeOptions =
+    MQOO_INPUT_AS_Q_DEF | MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE | MQOO_BROWSE | MQOO_INQUIRE | MQOO_SET;
 static_assert(PurposeOptions == 111);
 
 // The name in `QName` comes from -iq in send and receive, whose mode leaves `InputQName` to the other record.
-const char *option_of_name(const RunParams *params) { return params->QName == params->InputQName ? "-q" : "-iq"; }
+const char *option_of_name(const RunParams *params)
+{
+    return params->QName == params->InputQName ? "-q" : "-iq";
+}
 
 } // namespace
 

@@ -7,7 +7,10 @@
 namespace {
 
 // The name in `QName` comes from -oq in the paired operations, whose mode leaves `OutputQName` to the other record.
-const char *option_of_name(const RunParams *params) { return params->QName == params->OutputQName ? "-q" : "-oq"; }
+const char *option_of_name(const RunParams *params)
+{
+    return params->QName == params->OutputQName ? "-q" : "-oq";
+}
 
 } // namespace
 
@@ -32,9 +35,8 @@ Status MQSeriesQOpenForOutput(MQHCONN hconn, MQHOBJ *hobj, RunParams *params)
         },
         [&](const MqiCodes &made) {
             api_trace_dsp(
-                params,
-                "MQOPEN stop hcon:%d hobj:%d ObjectName:%.48s ObjectQMgrName:%.48s CompCd=%02d ReasonCd=%02d\n", hconn,
-                *hobj, od.ObjectName, od.ObjectQMgrName, made.CompCode, made.Reason);
+                params, "MQOPEN stop hcon:%d hobj:%d ObjectName:%.48s ObjectQMgrName:%.48s CompCd=%02d ReasonCd=%02d\n",
+                hconn, *hobj, od.ObjectName, od.ObjectQMgrName, made.CompCode, made.Reason);
         });
 
     if (codes.Reason == MQRC_NONE && codes.CompCode != MQCC_FAILED) return StatusOk;

@@ -1,7 +1,22 @@
 #include "mqicalls.h"
 
-Status TNSBeginTransaction() { return StatusOk; }
-Status TNSEndTransaction() { return StatusOk; }
-Status TNSAbortTransaction() { return StatusOk; }
-Status TNSResumeTransaction() { return StatusOk; }
-Status TNSOpenTFILE() { return StatusOk; }
+Status TNSBeginTransaction()
+{
+    return StatusOk;
+}
+Status TNSEndTransaction()
+{
+    return StatusOk;
+}
+Status TNSAbortTransaction()
+{
+    return StatusOk;
+}
+Status TNSResumeTransaction()
+{
+    return StatusOk;
+}
+Status TNSOpenTFILE()
+{
+    return StatusOk;
+}

@@ -2,4 +2,7 @@
 
 #include "common.h"
 
-Status allocateForDestinationList(RunParams *) { return not_built_yet("allocateForDestinationList"); }
+Status allocateForDestinationList(RunParams *)
+{
+    return not_built_yet("allocateForDestinationList");
+}

@@ -6,15 +6,15 @@ namespace {
 
 /// The MQI calls that `-s` accepts. MQSETMP stands twice; MQPUT1 and MQINQMP are not stopped before.
 constexpr const char *MQAPI[] = {
-    "MQCONNX", "MQCONN", "MQOPEN", "MQPUT",   "MQGET",   "MQCLOSE", "MQCMIT",  "MQBACK", "MQDISC",
-    "MQINQ",   "MQSET",  "MQCRTMH", "MQDLTMH", "MQSETMP", "MQSETMP", "MQCB",    nullptr,
+    "MQCONNX", "MQCONN", "MQOPEN",  "MQPUT",   "MQGET",   "MQCLOSE", "MQCMIT", "MQBACK", "MQDISC",
+    "MQINQ",   "MQSET",  "MQCRTMH", "MQDLTMH", "MQSETMP", "MQSETMP", "MQCB",   nullptr,
 };
 
 /// Calls of another platform's transaction manager, accepted as well; no wrapper here stops on them.
 constexpr const char *TNSAPI[] = {
-    "BEGINTRANSACTION",     "ENDTRANSACTION",       "ABORTTRANSACTION",     "RESUMETRANSACTION",
-    "PUT_BEGINTRANSACTION", "PUT_ENDTRANSACTION",   "PUT_ABORTTRANSACTION", "PUT_RESUMETRANSACTION",
-    nullptr,
+    "BEGINTRANSACTION",     "ENDTRANSACTION",        "ABORTTRANSACTION",
+    "RESUMETRANSACTION",    "PUT_BEGINTRANSACTION",  "PUT_ENDTRANSACTION",
+    "PUT_ABORTTRANSACTION", "PUT_RESUMETRANSACTION", nullptr,
 };
 
 bool holds(const char *const *names, const char *name)

@@ -20,7 +20,10 @@ struct MqiCodes {
 };
 
 /// A name for "%s" in a report line, where null stands for a name that was not given.
-constexpr const char *shown_name(const char *name) { return name != nullptr ? name : "(null)"; }
+constexpr const char *shown_name(const char *name)
+{
+    return name != nullptr ? name : "(null)";
+}
 
 /// Start trace, call, yield, stop trace. For MQDISC, which may be left out after the stop before it.
 template <class StartTrace, class Call, class StopTrace>
