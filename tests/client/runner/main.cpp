@@ -1,5 +1,5 @@
 // client_transcript FILE [CASE]: runs the cases of a transcript file, or one of them.
-//   --client PATH  --library FOLDER  --faults PATH   what is tested, and with what
+//   --client PATH  --library FOLDER  --faults FOLDER   what is tested, and with what
 //   --list         only the names of the cases
 //   --show         what the runs do, written as a transcript, instead of comparing
 #include "check.h"

@@ -109,8 +109,12 @@ std::vector<std::string> environment(const Setup &setup, const Programs &program
     }
     if (setup.recordsAllFields) variables.emplace_back("MQRIG_RECORD_ALL=1");
     if (!setup.faults.empty()) {
-        variables.push_back("LD_PRELOAD=" + programs.faults);
-        for (const auto &[name, value] : setup.faults) variables.push_back(name + "=" + value);
+        std::string preloaded = programs.faults + "/libclient_faults.so";
+        for (const auto &[name, value] : setup.faults) {
+            if (value.starts_with("malloc ")) preloaded += ":" + programs.faults + "/libclient_allocations.so";
+            variables.push_back(name + "=" + value);
+        }
+        variables.push_back("LD_PRELOAD=" + preloaded);
     }
     for (const auto &[name, value] : setup.environment) {
         const std::string head = name + "=";

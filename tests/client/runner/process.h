@@ -10,7 +10,7 @@ namespace transcript {
 struct Programs {
     std::string client;  // the mqrig under test
     std::string library; // folder of the scripted libmqm_r.so
-    std::string faults;  // the library that is preloaded for faults, the clock and pauses
+    std::string faults;  // folder of the libraries that are preloaded for faults, the clock and pauses
 };
 
 struct Outcome {

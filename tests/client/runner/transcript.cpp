@@ -158,10 +158,11 @@ private:
         return true;
     }
 
-    // MQPUT*3 stands for three calls.
+    // MQPUT*3 stands for three calls, none for no call at all.
     std::vector<std::string> order(const std::vector<std::string> &entries) const
     {
         std::vector<std::string> names;
+        if (entries == std::vector<std::string>{"none"}) return names;
         for (const std::string &word : entries) {
             const std::size_t star = word.find('*');
             std::size_t count = 1;
