@@ -1,0 +1,26 @@
+#include "run.h"
+
+#include "worker_group.h"
+
+#include <unistd.h>
+
+namespace {
+
+void *thread_function(void *block)
+{
+    Worker &worker = *static_cast<Worker *>(block);
+    setThreadId(worker, gettid());
+    runOperation(worker, worker.hconn);
+    return nullptr;
+}
+
+} // namespace
+
+Status thread_main(RunParams *params, MQHCONN hconn, RunParams *secondary, SingleOperation single,
+                   PairedOperation paired)
+{
+    const Worker block = {*params, *secondary, hconn, single, paired, {}};
+    // The connection outlives the group, and with it its event handler.
+    const bool outlivesGroup = params->Cbd.CallbackFunction != nullptr;
+    return runWorkers("thread_main", params, block, params->ThreadCount, thread_function, outlivesGroup);
+}
