@@ -25,24 +25,23 @@ constexpr Word getPut[] = {{"ENABLED", MQQA_GET_ALLOWED}, {"DISABLED", MQQA_GET_
 constexpr Word offOn[] = {{"OFF", MQMON_OFF}, {"ON", MQMON_ON}};
 constexpr Word noneOffOn[] = {{"NONE", MQMON_NONE}, {"OFF", MQMON_OFF}, {"ON", MQMON_ON}};
 constexpr Word qmgrOffOn[] = {{"QMGR", MQMON_Q_MGR}, {"OFF", MQMON_OFF}, {"ON", MQMON_ON}};
-constexpr Word levels[] = {{"NONE", MQMON_NONE}, {"OFF", MQMON_OFF}, {"LOW", MQMON_LOW}, {"MEDIUM", MQMON_MEDIUM},
-                           {"HIGH", MQMON_HIGH}};
-constexpr Word levelsOrQmgr[] = {{"QMGR", MQMON_Q_MGR}, {"OFF", MQMON_OFF}, {"LOW", MQMON_LOW},
-                                 {"MEDIUM", MQMON_MEDIUM}, {"HIGH", MQMON_HIGH}};
-constexpr Word levelsOfSender[] = {{"QMGR", MQMON_Q_MGR}, {"NONE", MQMON_NONE}, {"LOW", MQMON_LOW},
-                                   {"MEDIUM", MQMON_MEDIUM}, {"HIGH", MQMON_HIGH}};
+constexpr Word levels[] = {
+    {"NONE", MQMON_NONE}, {"OFF", MQMON_OFF}, {"LOW", MQMON_LOW}, {"MEDIUM", MQMON_MEDIUM}, {"HIGH", MQMON_HIGH}};
+constexpr Word levelsOrQmgr[] = {
+    {"QMGR", MQMON_Q_MGR}, {"OFF", MQMON_OFF}, {"LOW", MQMON_LOW}, {"MEDIUM", MQMON_MEDIUM}, {"HIGH", MQMON_HIGH}};
+constexpr Word levelsOfSender[] = {
+    {"QMGR", MQMON_Q_MGR}, {"NONE", MQMON_NONE}, {"LOW", MQMON_LOW}, {"MEDIUM", MQMON_MEDIUM}, {"HIGH", MQMON_HIGH}};
 constexpr Word recording[] = {{"DISABLED", MQRECORDING_DISABLED}, {"QUEUE", MQRECORDING_Q}, {"MSG", MQRECORDING_MSG}};
-constexpr Word useQueue[] = {
-    {"QMGR", MQCLWL_USEQ_AS_Q_MGR}, {"LOCAL", MQCLWL_USEQ_LOCAL}, {"ANY", MQCLWL_USEQ_ANY}};
+constexpr Word useQueue[] = {{"QMGR", MQCLWL_USEQ_AS_Q_MGR}, {"LOCAL", MQCLWL_USEQ_LOCAL}, {"ANY", MQCLWL_USEQ_ANY}};
 constexpr Word useQueueOfQmgr[] = {{"LOCAL", MQCLWL_USEQ_LOCAL}, {"ANY", MQCLWL_USEQ_ANY}};
-constexpr Word bind[] = {{"OPEN", MQBND_BIND_ON_OPEN}, {"NOTFIXED", MQBND_BIND_NOT_FIXED},
-                         {"GROUP", MQBND_BIND_ON_GROUP}};
+constexpr Word bind[] = {
+    {"OPEN", MQBND_BIND_ON_OPEN}, {"NOTFIXED", MQBND_BIND_NOT_FIXED}, {"GROUP", MQBND_BIND_ON_GROUP}};
 constexpr Word putResponse[] = {{"SYNC", MQPRT_SYNC_RESPONSE}, {"ASYNC", MQPRT_ASYNC_RESPONSE}};
 constexpr Word persistence[] = {{"NO", MQPER_NOT_PERSISTENT}, {"YES", MQPER_PERSISTENT}};
 constexpr Word readAhead[] = {{"NO", MQREADA_NO}, {"YES", MQREADA_YES}, {"DISABLED", MQREADA_DISABLED}};
 constexpr Word inputOption[] = {{"SHARED", MQOO_INPUT_SHARED}, {"EXCL", MQOO_INPUT_EXCLUSIVE}};
-constexpr Word definitionType[] = {{"PREDEFINED", MQQDT_PREDEFINED}, {"PERMDYN", MQQDT_PERMANENT_DYNAMIC},
-                                   {"TEMPDYN", MQQDT_TEMPORARY_DYNAMIC}};
+constexpr Word definitionType[] = {
+    {"PREDEFINED", MQQDT_PREDEFINED}, {"PERMDYN", MQQDT_PERMANENT_DYNAMIC}, {"TEMPDYN", MQQDT_TEMPORARY_DYNAMIC}};
 constexpr Word distLists[] = {{"NO", MQDL_NOT_SUPPORTED}, {"YES", MQDL_SUPPORTED}};
 constexpr Word hardenBackout[] = {{"NOHARDENBO", MQQA_BACKOUT_NOT_HARDENED}, {"HARDENBO", MQQA_BACKOUT_HARDENED}};
 constexpr Word imageRecovery[] = {{"NO", MQIMGRCOV_NO}, {"YES", MQIMGRCOV_YES}, {"QMGR", MQIMGRCOV_AS_Q_MGR}};
@@ -51,12 +50,17 @@ constexpr Word noLimit[] = {{"NOLIMIT", -1}};
 constexpr Word deliverySequence[] = {{"PRIORITY", MQMDS_PRIORITY}, {"FIFO", MQMDS_FIFO}};
 constexpr Word nonPersistentClass[] = {{"NORMAL", MQNPM_CLASS_NORMAL}, {"HIGH", MQNPM_CLASS_HIGH}};
 constexpr Word platforms[] = {{"UNIX", MQPL_UNIX}, {"WINDOWSNT", MQPL_WINDOWS_NT}};
-constexpr Word propertyControl[] = {{"COMPAT", MQPROP_COMPATIBILITY}, {"NONE", MQPROP_NONE}, {"ALL", MQPROP_ALL},
-                                    {"FORCE", MQPROP_FORCE_MQRFH2}, {"V6COMPAT", MQPROP_V6COMPAT}};
+constexpr Word propertyControl[] = {{"COMPAT", MQPROP_COMPATIBILITY},
+                                    {"NONE", MQPROP_NONE},
+                                    {"ALL", MQPROP_ALL},
+                                    {"FORCE", MQPROP_FORCE_MQRFH2},
+                                    {"V6COMPAT", MQPROP_V6COMPAT}};
 constexpr Word pubsubMode[] = {{"DISABLED", MQPSM_DISABLED}, {"COMPAT", MQPSM_COMPAT}, {"ENABLED", MQPSM_ENABLED}};
 constexpr Word undeliveredMsg[] = {{"DISCARD", MQUNDELIVERED_DISCARD}, {"KEEP", MQUNDELIVERED_KEEP}};
-constexpr Word undeliveredResp[] = {{"NORMAL", MQUNDELIVERED_NORMAL}, {"SAFE", MQUNDELIVERED_SAFE},
-                                    {"DISCARD", MQUNDELIVERED_DISCARD}, {"KEEP", MQUNDELIVERED_KEEP}};
+constexpr Word undeliveredResp[] = {{"NORMAL", MQUNDELIVERED_NORMAL},
+                                    {"SAFE", MQUNDELIVERED_SAFE},
+                                    {"DISCARD", MQUNDELIVERED_DISCARD},
+                                    {"KEEP", MQUNDELIVERED_KEEP}};
 constexpr Word pubsubSyncpoint[] = {{"YES", MQSYNCPOINT_YES}, {"IFPER", MQSYNCPOINT_IFPER}};
 constexpr Word serviceEvent[] = {{"NONE", MQQSIE_NONE}, {"HIGH", MQQSIE_HIGH}, {"OK", MQQSIE_OK}};
 constexpr Word serverControl[] = {{"QMGR", MQSVC_CONTROL_Q_MGR}, {"MANUAL", MQSVC_CONTROL_MANUAL}};
@@ -64,10 +68,13 @@ constexpr Word scope[] = {{"QMGR", MQSCO_Q_MGR}, {"CELL", MQSCO_CELL}};
 constexpr Word share[] = {{"NOSHARE", MQQA_NOT_SHAREABLE}, {"SHARE", MQQA_SHAREABLE}};
 constexpr Word syncpoint[] = {{"SYNCPT", MQSP_AVAILABLE}};
 constexpr Word trigger[] = {{"NOTRIGGER", MQTC_OFF}, {"TRIGGER", MQTC_ON}};
-constexpr Word triggerType[] = {{"NONE", MQTT_NONE}, {"FIRST", MQTT_FIRST}, {"EVERY", MQTT_EVERY},
-                                {"DEPTH", MQTT_DEPTH}};
-constexpr Word queueTypes[] = {{"QLOCAL", MQQT_LOCAL}, {"QMODEL", MQQT_MODEL}, {"QALIAS", MQQT_ALIAS},
-                               {"QREMOTE", MQQT_REMOTE}, {"QCLUSTER", MQQT_CLUSTER}};
+constexpr Word triggerType[] = {
+    {"NONE", MQTT_NONE}, {"FIRST", MQTT_FIRST}, {"EVERY", MQTT_EVERY}, {"DEPTH", MQTT_DEPTH}};
+constexpr Word queueTypes[] = {{"QLOCAL", MQQT_LOCAL},
+                               {"QMODEL", MQQT_MODEL},
+                               {"QALIAS", MQQT_ALIAS},
+                               {"QREMOTE", MQQT_REMOTE},
+                               {"QCLUSTER", MQQT_CLUSTER}};
 constexpr Word usage[] = {{"NORMAL", MQUS_NORMAL}, {"XMITQ", MQUS_TRANSMISSION}};
 
 // A row, with the rarer columns added by `fixed`, `dynamic`, `identity` and `byMqset`.
@@ -97,35 +104,62 @@ struct Range {
 constexpr Row number(std::string_view keyword, MQLONG selector, ObjectKinds of, Range range, MQLONG standard,
                      std::span<const Word> words = {})
 {
-    return {{.keyword = keyword, .selector = selector, .kinds = of, .value = ValueKind::Number, .low = range.low,
-             .high = range.high, .words = words, .defaultNumber = standard, .defaultText = {}}};
+    return {{.keyword = keyword,
+             .selector = selector,
+             .kinds = of,
+             .value = ValueKind::Number,
+             .low = range.low,
+             .high = range.high,
+             .words = words,
+             .defaultNumber = standard,
+             .defaultText = {}}};
 }
 
 constexpr Row words(std::string_view keyword, MQLONG selector, ObjectKinds of, std::span<const Word> choices,
                     MQLONG standard)
 {
-    return {{.keyword = keyword, .selector = selector, .kinds = of, .value = ValueKind::Keyword, .words = choices,
-             .defaultNumber = standard, .defaultText = {}}};
+    return {{.keyword = keyword,
+             .selector = selector,
+             .kinds = of,
+             .value = ValueKind::Keyword,
+             .words = choices,
+             .defaultNumber = standard,
+             .defaultText = {}}};
 }
 
 constexpr Row flag(std::string_view keyword, MQLONG selector, ObjectKinds of, std::span<const Word> choices,
                    MQLONG standard)
 {
-    return {{.keyword = keyword, .selector = selector, .kinds = of, .value = ValueKind::Flag, .words = choices,
-             .defaultNumber = standard, .defaultText = {}}};
+    return {{.keyword = keyword,
+             .selector = selector,
+             .kinds = of,
+             .value = ValueKind::Flag,
+             .words = choices,
+             .defaultNumber = standard,
+             .defaultText = {}}};
 }
 
 constexpr Row text(std::string_view keyword, MQLONG selector, ObjectKinds of, MQLONG length)
 {
-    return {{.keyword = keyword, .selector = selector, .kinds = of, .value = ValueKind::Text, .words = {},
-             .textLength = length, .defaultText = {}}};
+    return {{.keyword = keyword,
+             .selector = selector,
+             .kinds = of,
+             .value = ValueKind::Text,
+             .words = {},
+             .textLength = length,
+             .defaultText = {}}};
 }
 
 constexpr Row name(std::string_view keyword, MQLONG selector, ObjectKinds of, std::string_view standard = {},
                    MQLONG length = MQ_OBJECT_NAME_LENGTH)
 {
-    return {{.keyword = keyword, .selector = selector, .kinds = of, .value = ValueKind::Name, .words = {},
-             .textLength = length, .defaultText = standard}};
+    return {{.keyword = keyword,
+             .selector = selector,
+             .kinds = of,
+             .value = ValueKind::Name,
+             .words = {},
+             .textLength = length,
+             .defaultText = standard}};
 }
 
 // clang-format off
@@ -320,7 +354,8 @@ constexpr std::size_t placeOf(MQLONG selector)
 
 constexpr auto rowBySelector = [] {
     std::array<std::array<std::uint16_t, places>, std::size(everyKind)> index{};
-    for (auto &ofKind : index) ofKind.fill(noRow);
+    for (auto &ofKind : index)
+        ofKind.fill(noRow);
     for (std::size_t i = 0; i < rows; ++i)
         for (const ObjectKind kind : everyKind)
             if (contains(table[i].kinds, kind))
@@ -330,7 +365,8 @@ constexpr auto rowBySelector = [] {
 
 constexpr auto plainTable = [] {
     std::array<Attribute, rows> plain{};
-    for (std::size_t i = 0; i < rows; ++i) plain[i] = table[i];
+    for (std::size_t i = 0; i < rows; ++i)
+        plain[i] = table[i];
     return plain;
 }();
 

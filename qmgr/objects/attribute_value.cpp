@@ -35,7 +35,8 @@ bool isControl(char c)
 
 std::string_view withoutTrailingBlanks(std::string_view text)
 {
-    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    while (!text.empty() && text.back() == ' ')
+        text.remove_suffix(1);
     return text;
 }
 

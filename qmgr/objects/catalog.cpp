@@ -15,8 +15,8 @@ const std::shared_ptr<const QueueManagerDefinition> &Catalog::queueManager()
     const std::string &name = attachment_.queueManagerName();
     if (const auto stored = attachment_.findDefinition(MQOT_Q_MGR, name)) {
         if (auto object = ObjectDefinition::decode(stored->bytes)) {
-            queueManager_ = std::make_shared<const QueueManagerDefinition>(
-                QueueManagerDefinition::from(std::move(*object)));
+            queueManager_ =
+                std::make_shared<const QueueManagerDefinition>(QueueManagerDefinition::from(std::move(*object)));
             // The version was read first: a change made meanwhile is seen at the next call.
             queueManagerVersion_ = version;
         }
@@ -45,8 +45,7 @@ FoundQueue Catalog::queue(std::string_view name)
     if (known != queues_.end() && known->second.queue->id == stored->queue && known->second.queue->object == *object)
         hold.queue = known->second.queue;
     else
-        hold.queue =
-            std::make_shared<const QueueDefinition>(QueueDefinition::from(std::move(*object), stored->queue));
+        hold.queue = std::make_shared<const QueueDefinition>(QueueDefinition::from(std::move(*object), stored->queue));
     hold.version = version;
     queues_.insert_or_assign(std::string(name), hold);
     return {success(), std::move(hold)};

@@ -37,7 +37,7 @@ struct FoundQueue {
 };
 
 class Catalog {
-  public:
+public:
     // The attachment outlives the catalog.
     explicit Catalog(store::Attachment &attachment) : attachment_(attachment) {}
 
@@ -57,7 +57,7 @@ class Catalog {
     }
     bool unchanged(const QueueHold &hold) const { return hold.version == attachment_.definitionVersion(); }
 
-  private:
+private:
     Outcome reload(QueueHold &hold);
 
     store::Attachment &attachment_;

@@ -13,13 +13,15 @@ constexpr char integerRecord = 0;
 constexpr char textRecord = 1;
 constexpr std::size_t recordHeader = 9;
 
-template <typename Pairs> auto place(Pairs &pairs, MQLONG selector)
+template <typename Pairs>
+auto place(Pairs &pairs, MQLONG selector)
 {
     return std::lower_bound(pairs.begin(), pairs.end(), selector,
                             [](const auto &pair, MQLONG wanted) { return pair.first < wanted; });
 }
 
-template <typename Pairs, typename Value> void store(Pairs &pairs, MQLONG selector, Value &&value)
+template <typename Pairs, typename Value>
+void store(Pairs &pairs, MQLONG selector, Value &&value)
 {
     const auto at = place(pairs, selector);
     if (at != pairs.end() && at->first == selector)
@@ -30,13 +32,15 @@ template <typename Pairs, typename Value> void store(Pairs &pairs, MQLONG select
 
 void append32(std::string &bytes, std::uint32_t value)
 {
-    for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>((value >> shift) & 0xFF);
+    for (int shift = 0; shift < 32; shift += 8)
+        bytes += static_cast<char>((value >> shift) & 0xFF);
 }
 
 std::uint32_t read32(std::string_view bytes)
 {
     std::uint32_t value = 0;
-    for (std::size_t i = 4; i > 0; --i) value = (value << 8) | static_cast<unsigned char>(bytes[i - 1]);
+    for (std::size_t i = 4; i > 0; --i)
+        value = (value << 8) | static_cast<unsigned char>(bytes[i - 1]);
     return value;
 }
 
@@ -108,7 +112,8 @@ void ObjectDefinition::set(MQLONG selector, MQLONG number)
 
 void ObjectDefinition::set(MQLONG selector, std::string_view text)
 {
-    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    while (!text.empty() && text.back() == ' ')
+        text.remove_suffix(1);
     store(texts_, selector, std::string(text));
 }
 

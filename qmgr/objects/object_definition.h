@@ -24,7 +24,7 @@
 namespace mqrig::qmgr::objects {
 
 class ObjectDefinition {
-  public:
+public:
     ObjectDefinition() = default;
     // A new object with the table's default for every stored attribute of its kind.
     ObjectDefinition(ObjectKind kind, std::string_view name);
@@ -54,7 +54,7 @@ class ObjectDefinition {
 
     bool operator==(const ObjectDefinition &) const = default;
 
-  private:
+private:
     ObjectKind kind_ = ObjectKind::LocalQueue;
     std::string name_;
     // Sorted by selector.

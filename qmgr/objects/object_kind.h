@@ -30,8 +30,12 @@ enum class ObjectKind : std::uint8_t {
 // A set of kinds, one bit each.
 using ObjectKinds = std::uint8_t;
 
-constexpr ObjectKinds kinds() { return 0; }
-template <typename... More> constexpr ObjectKinds kinds(ObjectKind first, More... more)
+constexpr ObjectKinds kinds()
+{
+    return 0;
+}
+template <typename... More>
+constexpr ObjectKinds kinds(ObjectKind first, More... more)
 {
     return static_cast<ObjectKinds>((1U << static_cast<unsigned>(first)) | kinds(more...));
 }

@@ -23,7 +23,8 @@ NameCheck checkObjectName(std::string_view name)
 std::string_view fieldText(const char *field, std::size_t length)
 {
     std::string_view text(field, strnlen(field, length));
-    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    while (!text.empty() && text.back() == ' ')
+        text.remove_suffix(1);
     return text;
 }
 

@@ -29,18 +29,21 @@ bool isNameCharacter(char c);
 
 // The text of a blank- or zero-padded MQI field: ends at the first zero, without trailing blanks. May be empty.
 std::string_view fieldText(const char *field, std::size_t length);
-template <std::size_t N> std::string_view fieldText(const char (&field)[N])
+template <std::size_t N>
+std::string_view fieldText(const char (&field)[N])
 {
     return fieldText(field, N);
 }
-template <std::size_t N> std::string_view fieldText(const std::array<char, N> &field)
+template <std::size_t N>
+std::string_view fieldText(const std::array<char, N> &field)
 {
     return fieldText(field.data(), N);
 }
 
 // Fills an MQI field with a text, blank-padded; a text that is too long is cut.
 void fillField(char *field, std::size_t length, std::string_view text);
-template <std::size_t N> void fillField(std::array<char, N> &field, std::string_view text)
+template <std::size_t N>
+void fillField(std::array<char, N> &field, std::string_view text)
 {
     fillField(field.data(), N, text);
 }

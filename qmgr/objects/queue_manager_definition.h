@@ -11,19 +11,19 @@ namespace mqrig::qmgr::objects {
 
 // Immutable once built; shared by every connection of the process.
 struct QueueManagerDefinition {
-    MQLONG maxMsgLength = 0;            // bytes
-    MQLONG maxPriority = 0;             // 9
-    MQLONG maxUncommittedMsgs = 0;      // per unit of work
-    MQLONG maxHandles = 0;              // open objects per connection
+    MQLONG maxMsgLength = 0;       // bytes
+    MQLONG maxPriority = 0;        // 9
+    MQLONG maxUncommittedMsgs = 0; // per unit of work
+    MQLONG maxHandles = 0;         // open objects per connection
     MQLONG codedCharSetId = 0;
-    MQLONG maxPropertiesLength = 0;     // bytes, or MQPROP_UNRESTRICTED_LENGTH
-    MQLONG markBrowseInterval = 0;      // milliseconds, or -1 for no limit
-    MQLONG triggerInterval = 0;         // milliseconds
-    MQLONG inhibitEvent = 0;            // MQEVR_
-    MQLONG localEvent = 0;              // MQEVR_
-    MQLONG remoteEvent = 0;             // MQEVR_
-    MQLONG performanceEvent = 0;        // MQEVR_
-    MQLONG startStopEvent = 0;          // MQEVR_
+    MQLONG maxPropertiesLength = 0; // bytes, or MQPROP_UNRESTRICTED_LENGTH
+    MQLONG markBrowseInterval = 0;  // milliseconds, or -1 for no limit
+    MQLONG triggerInterval = 0;     // milliseconds
+    MQLONG inhibitEvent = 0;        // MQEVR_
+    MQLONG localEvent = 0;          // MQEVR_
+    MQLONG remoteEvent = 0;         // MQEVR_
+    MQLONG performanceEvent = 0;    // MQEVR_
+    MQLONG startStopEvent = 0;      // MQEVR_
 
     // Blank-padded, as the MQI's fields want them.
     std::array<char, MQ_Q_MGR_NAME_LENGTH> name{};

@@ -1,0 +1,63 @@
+// What the functions behind MQSC commands share: their input, the reading of parameters, the forms of their answers.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "qmgr/command/mqsc_interpreter.h"
+#include "qmgr/command/mqsc_messages.h"
+#include "qmgr/command/mqsc_parser.h"
+#include "qmgr/command/object_commands.h"
+
+namespace mqrig::qmgr::command {
+
+struct MqscCommand {
+    store::Attachment &attachment;
+    const CommandText &text;
+    std::span<const MqscParameter> words; // verb, object, parameters
+
+    const MqscParameter &object() const { return words[1]; }
+    std::span<const MqscParameter> parameters() const { return words.subspan(2); }
+};
+
+CommandAnswer defineLocalQueue(const MqscCommand &command);
+CommandAnswer alterLocalQueue(const MqscCommand &command);
+CommandAnswer deleteLocalQueue(const MqscCommand &command);
+CommandAnswer clearLocalQueue(const MqscCommand &command);
+CommandAnswer displayLocalQueues(const MqscCommand &command);
+CommandAnswer displayQueues(const MqscCommand &command);
+CommandAnswer alterQmgr(const MqscCommand &command);
+CommandAnswer displayQmgr(const MqscCommand &command);
+CommandAnswer pingQmgr(const MqscCommand &command);
+
+// ---- Answers ----
+
+// A fault in what was typed: the message with line and column, and the text around the place.
+CommandAnswer syntaxFault(const CommandText &text, Message message, std::size_t offset, std::string_view reason);
+
+// One message line: the success message, or what the outcome's reason says of the object.
+CommandAnswer answerOf(const Outcome &outcome, Message success, std::string_view objectName);
+
+// ---- Reading ----
+
+// The name between the parentheses of the object word: a whole object name, or also a generic one.
+enum class NameForm { Whole, Generic };
+struct ReadName {
+    bool ok = false;
+    std::string name;
+    CommandAnswer answer; // the fault
+};
+ReadName readName(const MqscCommand &command, NameForm form);
+
+// Parameters of DEFINE and ALTER: attributes to be set and the command's own options.
+struct ReadDefinition {
+    bool ok = false;
+    Definition definition;
+    CommandAnswer answer; // the fault
+};
+enum class Options : unsigned { Define, AlterQueue, AlterQmgr };
+ReadDefinition readDefinition(const MqscCommand &command, objects::ObjectKind kind, Options options);
+
+} // namespace mqrig::qmgr::command

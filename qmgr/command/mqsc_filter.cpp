@@ -1,0 +1,94 @@
+#include "qmgr/command/mqsc_filter.h"
+
+#include "qmgr/objects/object_name.h"
+
+namespace mqrig::qmgr::command {
+namespace {
+
+struct Operator {
+    std::string_view word;
+    Comparison comparison;
+};
+
+constexpr Operator operators[] = {
+    {"LT", Comparison::Less},     {"GT", Comparison::Greater},     {"EQ", Comparison::Equal},
+    {"NE", Comparison::NotEqual}, {"LE", Comparison::LessOrEqual}, {"GE", Comparison::GreaterOrEqual},
+    {"LK", Comparison::Like},     {"NK", Comparison::NotLike},
+};
+
+const Operator *findOperator(std::string_view word)
+{
+    for (const Operator &candidate : operators)
+        if (candidate.word == word) return &candidate;
+    return nullptr;
+}
+
+bool isLike(Comparison comparison)
+{
+    return comparison == Comparison::Like || comparison == Comparison::NotLike;
+}
+
+bool holds(Comparison comparison, int order)
+{
+    switch (comparison) {
+    case Comparison::Less:
+        return order < 0;
+    case Comparison::Greater:
+        return order > 0;
+    case Comparison::Equal:
+        return order == 0;
+    case Comparison::NotEqual:
+        return order != 0;
+    case Comparison::LessOrEqual:
+        return order <= 0;
+    case Comparison::GreaterOrEqual:
+        return order >= 0;
+    case Comparison::Like:
+    case Comparison::NotLike:
+        break;
+    }
+    return false;
+}
+
+} // namespace
+
+bool Filter::passes(const InquiredObject &object) const
+{
+    const objects::AttributeValue actual = object.value(*attribute);
+    if (isLike(comparison)) return objects::matchesGeneric(value.text, actual.text) == (comparison == Comparison::Like);
+    if (attribute->isText()) return holds(comparison, actual.text.compare(value.text));
+    return holds(comparison, actual.number < value.number ? -1 : actual.number > value.number ? 1 : 0);
+}
+
+ReadFilter readFilter(const MqscParameter &where, objects::ObjectKind kind)
+{
+    ReadFilter read;
+    const auto fail = [&](std::size_t offset, std::string_view reason) {
+        read.offset = offset;
+        read.reason = reason;
+        return read;
+    };
+    if (where.values.size() != 3) return fail(where.valueOffset(), "WHERE takes attribute, operator and value");
+    const MqscValue &name = where.values[0];
+    const MqscValue &word = where.values[1];
+    const MqscValue &value = where.values[2];
+
+    read.filter.attribute = objects::findKeyword(kind, name.text).attribute;
+    if (read.filter.attribute == nullptr) return fail(name.offset, "no attribute that WHERE could compare");
+    const Operator *found = findOperator(word.text);
+    if (found == nullptr) return fail(word.offset, "the operator is one of LT, GT, EQ, NE, LE, GE, LK, NK");
+    read.filter.comparison = found->comparison;
+
+    if (isLike(found->comparison)) {
+        if (!read.filter.attribute->isText()) return fail(word.offset, "LK and NK compare texts");
+        read.filter.value.text = value.text;
+    } else {
+        objects::ParsedValue parsed = objects::parseValue(*read.filter.attribute, value.text);
+        if (!parsed) return fail(value.offset, "no value of that attribute");
+        read.filter.value = std::move(parsed.value);
+    }
+    read.ok = true;
+    return read;
+}
+
+} // namespace mqrig::qmgr::command

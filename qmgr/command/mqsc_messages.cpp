@@ -1,0 +1,112 @@
+#include "qmgr/command/mqsc_messages.h"
+
+#include <cstddef>
+#include <iterator>
+
+#include "cmqcfc.h"
+
+namespace mqrig::qmgr::command {
+namespace {
+
+struct Row {
+    Message message;
+    int number;
+    char severity;
+    std::string_view text; // '@' stands for what the message is about
+};
+
+constexpr Row table[] = {
+    {Message::QueueManagerChanged, 8005, 'I', "Queue manager @ was changed."},
+    {Message::QueueCreated, 8006, 'I', "Queue @ was created."},
+    {Message::QueueDeleted, 8007, 'I', "Queue @ was deleted."},
+    {Message::QueueChanged, 8008, 'I', "Queue @ was changed."},
+    {Message::QueueCleared, 8022, 'I', "Queue @ was cleared."},
+    {Message::QueueManagerDetails, 8408, 'I', "Queue manager details:"},
+    {Message::QueueDetails, 8409, 'I', "Queue details:"},
+    {Message::QueueManagerResponds, 8415, 'I', "Queue manager @ responds."},
+    {Message::UnexpectedError, 8101, 'E', "The command ended with an unexpected reason: @."},
+    {Message::NotAuthorized, 8135, 'E', "Not authorized: the files of the queue manager do not allow it."},
+    {Message::QueueNotEmpty, 8143, 'E', "Queue @ has messages."},
+    {Message::ConnectionBroken, 8145, 'E', "The connection to the queue manager is broken."},
+    {Message::QueueManagerNotAvailable, 8146, 'E', "The queue manager is not available."},
+    {Message::ObjectNotFound, 8147, 'E', "There is no object @."},
+    {Message::ObjectInUse, 8148, 'E', "Object @ is in use: a program has it open."},
+    {Message::ObjectDamaged, 8149, 'E', "The definition of object @ is damaged."},
+    {Message::ObjectExists, 8150, 'E', "Object @ exists already."},
+    {Message::ObjectOtherKind, 8151, 'E', "Object @ is of another kind."},
+    {Message::CommandFailed, 8404, 'E', "The command failed: @."},
+    {Message::SyntaxError, 8405, 'E', "Syntax error at @"},
+    {Message::UnexpectedEnd, 8406, 'E', "The input ended inside a continued command."},
+    {Message::DuplicateKeyword, 8411, 'E', "Keyword given more than once at @"},
+    {Message::NumberOutOfRange, 8412, 'E', "Number out of range at @"},
+    {Message::TextTooLong, 8413, 'E', "Text too long at @"},
+    {Message::StorageFull, 8404, 'E', "The command failed: no storage is left."},
+};
+
+constexpr bool inOrder()
+{
+    for (std::size_t i = 0; i < std::size(table); ++i)
+        if (static_cast<std::size_t>(table[i].message) != i) return false;
+    return true;
+}
+static_assert(inOrder(), "rows are found by the number of the message");
+
+Message messageOf(MQLONG reason)
+{
+    switch (reason) {
+    case MQRC_UNKNOWN_OBJECT_NAME:
+        return Message::ObjectNotFound;
+    case MQRC_OBJECT_IN_USE:
+    case MQRCCF_OBJECT_OPEN:
+        return Message::ObjectInUse;
+    case MQRC_OBJECT_DAMAGED:
+        return Message::ObjectDamaged;
+    case MQRC_Q_NOT_EMPTY:
+        return Message::QueueNotEmpty;
+    case MQRC_OBJECT_ALREADY_EXISTS:
+    case MQRCCF_OBJECT_ALREADY_EXISTS:
+        return Message::ObjectExists;
+    case MQRCCF_OBJECT_WRONG_TYPE:
+    case MQRCCF_LIKE_OBJECT_WRONG_TYPE:
+        return Message::ObjectOtherKind;
+    case MQRC_NOT_AUTHORIZED:
+        return Message::NotAuthorized;
+    case MQRC_Q_MGR_STOPPING:
+    case MQRC_Q_MGR_NOT_AVAILABLE:
+        return Message::QueueManagerNotAvailable;
+    case MQRC_CONNECTION_BROKEN:
+    case MQRC_HCONN_ERROR:
+        return Message::ConnectionBroken;
+    case MQRC_STORAGE_NOT_AVAILABLE:
+    case MQRC_RESOURCE_PROBLEM:
+        return Message::StorageFull;
+    default:
+        return Message::UnexpectedError;
+    }
+}
+
+} // namespace
+
+std::string formatMessage(Message message, std::string_view what)
+{
+    const Row &row = table[static_cast<std::size_t>(message)];
+    std::string line = "AMQ" + std::to_string(row.number) + row.severity + ": ";
+    for (const char c : row.text) {
+        if (c == '@')
+            line += what;
+        else
+            line += c;
+    }
+    return line;
+}
+
+std::string formatFailure(const Outcome &outcome, std::string_view objectName)
+{
+    if (outcome.Reason == MQRCCF_ATTR_VALUE_ERROR)
+        return formatMessage(Message::CommandFailed, "QDEPTHLO may not be above QDEPTHHI");
+    const Message message = messageOf(outcome.Reason);
+    if (message == Message::UnexpectedError) return formatMessage(message, std::to_string(outcome.Reason));
+    return formatMessage(message, objectName);
+}
+
+} // namespace mqrig::qmgr::command

@@ -1,0 +1,45 @@
+// The messages with which MQSC commands are answered: MQ's numbers, our words.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "qmgr/store/outcome.h"
+
+namespace mqrig::qmgr::command {
+
+enum class Message {
+    QueueManagerChanged,
+    QueueCreated,
+    QueueDeleted,
+    QueueChanged,
+    QueueCleared,
+    QueueManagerDetails,
+    QueueDetails,
+    QueueManagerResponds,
+    UnexpectedError,
+    NotAuthorized,
+    QueueNotEmpty,
+    ConnectionBroken,
+    QueueManagerNotAvailable,
+    ObjectNotFound,
+    ObjectInUse,
+    ObjectDamaged,
+    ObjectExists,
+    ObjectOtherKind,
+    CommandFailed,
+    SyntaxError,
+    UnexpectedEnd,
+    DuplicateKeyword,
+    NumberOutOfRange,
+    TextTooLong,
+    StorageFull,
+};
+
+// "AMQ8006I: Queue Q1 was created." `what` takes the place that the message has for it.
+std::string formatMessage(Message message, std::string_view what);
+
+// The message for a command that failed with this reason on an object of that name.
+std::string formatFailure(const Outcome &outcome, std::string_view objectName);
+
+} // namespace mqrig::qmgr::command

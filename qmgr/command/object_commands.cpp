@@ -1,0 +1,206 @@
+#include "qmgr/command/object_commands.h"
+
+#include <optional>
+#include <utility>
+
+#include "cmqcfc.h"
+#include "qmgr/objects/object_name.h"
+#include "qmgr/objects/queue_counters.h"
+#include "qmgr/objects/system_objects.h"
+
+namespace mqrig::qmgr::command {
+namespace {
+
+using objects::ObjectDefinition;
+using objects::ObjectKind;
+using store::Attachment;
+using store::QueueStatus;
+
+struct Found {
+    Outcome outcome;
+    store::Definition stored;
+    ObjectDefinition object;
+};
+
+Found find(Attachment &attachment, MQLONG type, std::string_view name)
+{
+    auto stored = attachment.findDefinition(type, name);
+    if (!stored) return {failure(MQRC_UNKNOWN_OBJECT_NAME), {}, {}};
+    auto object = ObjectDefinition::decode(stored->bytes);
+    if (!object) return {failure(MQRC_OBJECT_DAMAGED), {}, {}};
+    return {success(), std::move(*stored), std::move(*object)};
+}
+
+Found findQueue(Attachment &attachment, ObjectKind kind, std::string_view name)
+{
+    Found found = find(attachment, MQOT_Q, name);
+    if (found.outcome.ok() && found.object.kind() != kind) found.outcome = failure(MQRCCF_OBJECT_WRONG_TYPE);
+    return found;
+}
+
+bool isOpen(const QueueStatus &status)
+{
+    const store::OpenCounts &opens = status.opens;
+    return opens.input > 0 || opens.output > 0 || opens.browse > 0;
+}
+
+bool hasUncommitted(const QueueStatus &status)
+{
+    return status.held > 0 || status.uncommitted > 0;
+}
+
+Outcome readStatus(Attachment &attachment, store::QueueId queue, QueueStatus &status)
+{
+    return attachment.read([&](store::ReadTransaction &transaction) {
+        status = transaction.queue(queue);
+        return success();
+    });
+}
+
+void assign(ObjectDefinition &object, const std::vector<Assignment> &changes)
+{
+    for (const Assignment &change : changes)
+        object.set(*change.attribute, change.value);
+}
+
+// Whether a queue may change from one definition to the other while programs may have it open.
+Outcome mayChange(Attachment &attachment, const Found &before, const ObjectDefinition &after, Force force)
+{
+    if (after.number(MQIA_Q_DEPTH_LOW_LIMIT) > after.number(MQIA_Q_DEPTH_HIGH_LIMIT))
+        return failure(MQRCCF_ATTR_VALUE_ERROR);
+    const auto changes = [&](MQLONG selector) { return before.object.number(selector) != after.number(selector); };
+    if (force == Force::Yes || !(changes(MQIA_SHAREABILITY) || changes(MQIA_USAGE))) return success();
+
+    const auto judge = [&] {
+        QueueStatus status;
+        if (const Outcome known = readStatus(attachment, before.stored.queue, status); known.failed()) return known;
+        const bool sharedNow = after.number(MQIA_SHAREABILITY) == MQQA_NOT_SHAREABLE && status.opens.input > 1;
+        const bool busy = isOpen(status) || status.depth > 0 || hasUncommitted(status);
+        const bool refused = (changes(MQIA_SHAREABILITY) && sharedNow) || (changes(MQIA_USAGE) && busy);
+        return refused ? failure(MQRCCF_OBJECT_OPEN) : success();
+    };
+    const Outcome first = judge();
+    return first.Reason == MQRCCF_OBJECT_OPEN && attachment.releaseDead() ? judge() : first;
+}
+
+Outcome storeChange(Attachment &attachment, Found &found, ObjectDefinition changed)
+{
+    changed.stampAltered();
+    found.stored.bytes = changed.encode();
+    return attachment.alter(found.stored);
+}
+
+} // namespace
+
+Outcome defineQueue(Attachment &attachment, const Definition &definition)
+{
+    if (!objects::checkObjectName(definition.name)) return failure(MQRCCF_OBJECT_NAME_ERROR);
+    Found existing = find(attachment, MQOT_Q, definition.name);
+    if (existing.outcome.ok()) {
+        if (existing.object.kind() != definition.kind) return failure(MQRCCF_OBJECT_WRONG_TYPE);
+        if (definition.replace == Replace::No) return failure(MQRCCF_OBJECT_ALREADY_EXISTS);
+    } else if (existing.outcome.Reason != MQRC_UNKNOWN_OBJECT_NAME) {
+        return existing.outcome;
+    }
+
+    const std::string_view model = definition.like.empty() ? objects::defaultLocalQueue : definition.like;
+    Found pattern = findQueue(attachment, definition.kind, model);
+    if (pattern.outcome.Reason == MQRCCF_OBJECT_WRONG_TYPE) return failure(MQRCCF_LIKE_OBJECT_WRONG_TYPE);
+    if (pattern.outcome.failed()) return pattern.outcome;
+    ObjectDefinition made = std::move(pattern.object);
+    made.rename(definition.name);
+    made.set(MQIA_DEFINITION_TYPE, MQQDT_PREDEFINED);
+    assign(made, definition.attributes);
+
+    if (existing.outcome.ok()) {
+        made.set(MQCA_CREATION_DATE, existing.object.text(MQCA_CREATION_DATE));
+        made.set(MQCA_CREATION_TIME, existing.object.text(MQCA_CREATION_TIME));
+        if (const Outcome may = mayChange(attachment, existing, made, definition.force); may.failed()) return may;
+        return storeChange(attachment, existing, std::move(made));
+    }
+    if (made.number(MQIA_Q_DEPTH_LOW_LIMIT) > made.number(MQIA_Q_DEPTH_HIGH_LIMIT))
+        return failure(MQRCCF_ATTR_VALUE_ERROR);
+    made.stampCreated();
+    store::Definition stored;
+    stored.type = MQOT_Q;
+    stored.name = definition.name;
+    stored.bytes = made.encode();
+    const Outcome defined = attachment.define(stored);
+    return defined.Reason == MQRC_OBJECT_ALREADY_EXISTS ? failure(MQRCCF_OBJECT_ALREADY_EXISTS) : defined;
+}
+
+Outcome alterQueue(Attachment &attachment, const Definition &change)
+{
+    Found found = findQueue(attachment, change.kind, change.name);
+    if (found.outcome.failed()) return found.outcome;
+    ObjectDefinition changed = found.object;
+    assign(changed, change.attributes);
+    if (const Outcome may = mayChange(attachment, found, changed, change.force); may.failed()) return may;
+    return storeChange(attachment, found, std::move(changed));
+}
+
+Outcome deleteQueue(Attachment &attachment, ObjectKind kind, const std::string &name, Purge purge)
+{
+    const Found found = findQueue(attachment, kind, name);
+    if (found.outcome.failed()) return found.outcome;
+    const auto mayGo = [&](const QueueStatus &status) {
+        if (isOpen(status)) return failure(MQRCCF_OBJECT_OPEN);
+        if (hasUncommitted(status)) return failure(MQRC_Q_NOT_EMPTY);
+        if (status.depth > 0 && purge == Purge::No) return failure(MQRC_Q_NOT_EMPTY);
+        return success();
+    };
+    const Outcome first = attachment.remove(MQOT_Q, name, mayGo);
+    const bool refused = first.Reason == MQRCCF_OBJECT_OPEN || first.Reason == MQRC_Q_NOT_EMPTY;
+    return refused && attachment.releaseDead() ? attachment.remove(MQOT_Q, name, mayGo) : first;
+}
+
+Outcome alterQueueManager(Attachment &attachment, const std::vector<Assignment> &changes)
+{
+    Found found = find(attachment, MQOT_Q_MGR, attachment.queueManagerName());
+    if (found.outcome.failed()) return found.outcome;
+    ObjectDefinition changed = found.object;
+    assign(changed, changes);
+    return storeChange(attachment, found, std::move(changed));
+}
+
+objects::AttributeValue InquiredObject::value(const objects::Attribute &attribute) const
+{
+    if (attribute.access == objects::Access::Dynamic) return {objects::countedValue(status, attribute.selector), {}};
+    return definition.value(attribute);
+}
+
+InquiredQueues inquireQueues(Attachment &attachment, const std::string &genericName, objects::ObjectKinds kinds)
+{
+    InquiredQueues answer;
+    std::vector<store::QueueId> ids;
+    for (const store::Definition &stored : attachment.definitions(MQOT_Q)) {
+        if (!objects::matchesGeneric(genericName, stored.name)) continue;
+        auto object = ObjectDefinition::decode(stored.bytes);
+        if (!object) {
+            answer.outcome = warning(MQRC_OBJECT_DAMAGED);
+            continue;
+        }
+        if (!objects::contains(kinds, object->kind())) continue;
+        answer.queues.push_back({std::move(*object), {}});
+        ids.push_back(stored.queue);
+    }
+    if (answer.queues.empty()) {
+        if (answer.outcome.ok()) answer.outcome = failure(MQRC_UNKNOWN_OBJECT_NAME);
+        return answer;
+    }
+    const Outcome counted = attachment.read([&](store::ReadTransaction &transaction) {
+        for (std::size_t i = 0; i < ids.size(); ++i)
+            answer.queues[i].status = transaction.queue(ids[i]);
+        return success();
+    });
+    if (counted.failed()) answer.outcome = counted;
+    return answer;
+}
+
+InquiredQueueManager inquireQueueManager(Attachment &attachment)
+{
+    Found found = find(attachment, MQOT_Q_MGR, attachment.queueManagerName());
+    return {found.outcome, {std::move(found.object), {}}};
+}
+
+} // namespace mqrig::qmgr::command

@@ -1,0 +1,19 @@
+#include <cstdio>
+#include <string>
+
+#include "qmgr/store/paths.h"
+#include "qmgr/store/queue_managers.h"
+#include "subcommand.h"
+
+namespace mqrig::rigqm {
+
+int startCommand(const Arguments &arguments)
+{
+    const std::string name(arguments.names().front());
+    const qmgr::Outcome outcome = qmgr::store::startQueueManager(qmgr::store::defaultStoreFolder(), name);
+    if (!outcome.ok()) return reportFailure(name, outcome);
+    std::printf("Queue manager %s is running.\n", name.c_str());
+    return exitOk;
+}
+
+} // namespace mqrig::rigqm
