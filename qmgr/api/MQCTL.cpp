@@ -1,0 +1,6 @@
+#include "qmgr/api/api.h"
+
+MQI_EXPORT void MQENTRY MQCTL(MQHCONN, MQLONG, PMQVOID, PMQLONG pCompCode, PMQLONG pReason) noexcept
+{
+    mqrig::qmgr::api::answerNotSupported(pCompCode, pReason);
+}

@@ -1,0 +1,22 @@
+#include "qmgr/api/api.h"
+#include "qmgr/core/disconnect.h"
+
+using namespace mqrig::qmgr;
+
+namespace {
+
+Outcome disconnect(PMQHCONN pHconn)
+{
+    if (pHconn == nullptr) return failure(MQRC_HCONN_ERROR);
+    core::ConnectionUse use(*pHconn);
+    if (!use.found()) return use.outcome();
+    *pHconn = MQHC_UNUSABLE_HCONN;
+    return core::disconnect(use);
+}
+
+} // namespace
+
+MQI_EXPORT void MQENTRY MQDISC(PMQHCONN pHconn, PMQLONG pCompCode, PMQLONG pReason) noexcept
+{
+    api::answer(pCompCode, pReason, [=] { return disconnect(pHconn); });
+}

@@ -1,0 +1,107 @@
+#include <cstddef>
+#include <cstring>
+
+#include "qmgr/api/api.h"
+#include "qmgr/api/option_table.h"
+#include "qmgr/api/structures.h"
+#include "qmgr/core/connections.h"
+#include "qmgr/core/get.h"
+#include "qmgr/objects/object_name.h"
+
+using namespace mqrig::qmgr;
+
+namespace {
+
+constexpr MQLONG cursorOptions = core::browseOptions | MQGMO_MSG_UNDER_CURSOR;
+constexpr MQLONG syncpointOptions = MQGMO_SYNCPOINT | MQGMO_SYNCPOINT_IF_PERSISTENT | MQGMO_NO_SYNCPOINT;
+constexpr MQLONG propertyOptions = MQGMO_PROPERTIES_FORCE_MQRFH2 | MQGMO_NO_PROPERTIES | MQGMO_PROPERTIES_IN_HANDLE |
+                                   MQGMO_PROPERTIES_COMPATIBILITY;
+
+MQLONG checkGetOptions(const MQGMO &gmo)
+{
+    const MQLONG options = gmo.Options;
+    if (const MQLONG reason = api::checkOptions(api::OptionField::Get, options)) return reason;
+    const bool browses = (options & core::browseOptions) != 0;
+    const bool wrong = api::severalOf(options, cursorOptions) || api::severalOf(options, syncpointOptions) ||
+                       api::severalOf(options, propertyOptions) ||
+                       (browses && (options & (MQGMO_SYNCPOINT | MQGMO_SYNCPOINT_IF_PERSISTENT)) != 0);
+    if (wrong) return MQRC_OPTIONS_ERROR;
+    if ((options & MQGMO_WAIT) != 0 && gmo.WaitInterval < MQWI_UNLIMITED) return MQRC_WAIT_INTERVAL_ERROR;
+    return gmo.MsgHandle == MQHM_NONE ? MQRC_NONE : MQRC_HMSG_ERROR;
+}
+
+MQLONG checkMatchOptions(const MQGMO &gmo, MQLONG mdVersion)
+{
+    const MQLONG match = gmo.MatchOptions;
+    if (const MQLONG reason = api::checkOptions(api::OptionField::Match, match)) return reason;
+    constexpr MQLONG ofVersion2 = MQMO_MATCH_GROUP_ID | MQMO_MATCH_MSG_SEQ_NUMBER | MQMO_MATCH_OFFSET;
+    if ((match & ofVersion2) != 0 && mdVersion < MQMD_VERSION_2) return MQRC_WRONG_MD_VERSION;
+    if ((match & MQMO_MATCH_MSG_TOKEN) != 0) {
+        if (gmo.Version < MQGMO_VERSION_3) return MQRC_WRONG_GMO_VERSION;
+        // A token names one message: there is nothing to wait for.
+        if ((gmo.Options & MQGMO_WAIT) != 0) return MQRC_OPTIONS_ERROR;
+    }
+    return MQRC_NONE;
+}
+
+// Whether MQGMO_CONVERT had to change anything: the program names the character set and encoding that it wants.
+bool isAsWanted(const MQMD &wanted, const MQMD &got, MQLONG queueManagerCcsid)
+{
+    const MQLONG ccsid = wanted.CodedCharSetId == MQCCSI_Q_MGR ? queueManagerCcsid : wanted.CodedCharSetId;
+    if (got.CodedCharSetId != ccsid) return false;
+    return got.Encoding == wanted.Encoding || std::memcmp(got.Format, MQFMT_STRING, sizeof got.Format) == 0;
+}
+
+// A message that would have to be converted is returned as it is, and the warning says so.
+Outcome judgeConversion(const MQMD &wanted, const core::GotMessage &got, MQLONG queueManagerCcsid)
+{
+    if (got.dataLength == 0 || isAsWanted(wanted, got.header.md, queueManagerCcsid)) return success();
+    const bool unnamed = std::memcmp(got.header.md.Format, MQFMT_NONE, sizeof got.header.md.Format) == 0;
+    return warning(unnamed ? MQRC_FORMAT_ERROR : MQRC_NOT_CONVERTED);
+}
+
+Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, MQLONG bufferLength, PMQVOID pBuffer,
+            PMQLONG pDataLength)
+{
+    const core::ConnectionUse use(Hconn);
+    if (use.outcome().failed()) return use.outcome();
+    core::OpenObject *object = use->handles.find(Hobj);
+    if (object == nullptr) return failure(MQRC_HOBJ_ERROR);
+    if (const MQLONG reason = api::checkMd(pMsgDesc)) return failure(reason);
+    if (const MQLONG reason = api::checkGmo(pGetMsgOpts)) return failure(reason);
+    if (bufferLength < 0) return failure(MQRC_BUFFER_LENGTH_ERROR);
+    if (pBuffer == nullptr && bufferLength > 0) return failure(MQRC_BUFFER_ERROR);
+    if (pDataLength == nullptr) return failure(MQRC_DATA_LENGTH_ERROR);
+
+    const MQGMO gmo = api::loadGmo(pGetMsgOpts);
+    if (const MQLONG reason = checkGetOptions(gmo)) return failure(reason);
+    if (const MQLONG reason = checkMatchOptions(gmo, static_cast<const MQMD *>(pMsgDesc)->Version))
+        return failure(reason);
+    MQMD md;
+    api::loadMd(pMsgDesc, md);
+
+    const core::GetRequest request{gmo.Options, gmo.WaitInterval,
+                                   core::Selection(gmo.MatchOptions, md, gmo.MsgToken),
+                                   {static_cast<std::byte *>(pBuffer), static_cast<std::size_t>(bufferLength)}};
+    core::GotMessage got;
+    Outcome outcome = core::getMessage(*use, *object, request, got);
+    if (outcome.failed()) return outcome;
+    if (outcome.ok() && (gmo.Options & MQGMO_CONVERT) != 0)
+        outcome = judgeConversion(md, got, use->queueManager().codedCharSetId);
+
+    const store::MessageToken token = store::tokenOfKey(got.key);
+    api::storeMd(got.header.md, pMsgDesc);
+    api::storeGmo({object->hold.queue->name.data(), token.data(), got.returnedLength}, pGetMsgOpts);
+    *pDataLength = got.dataLength;
+    return outcome;
+}
+
+} // namespace
+
+MQI_EXPORT void MQENTRY MQGET(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, MQLONG BufferLength,
+                              PMQVOID pBuffer, PMQLONG pDataLength, PMQLONG pCompCode, PMQLONG pReason) noexcept
+{
+    api::answer(pCompCode, pReason, [=] {
+        return get(Hconn, Hobj, pMsgDesc, pGetMsgOpts, BufferLength, pBuffer, pDataLength);
+    });
+}

@@ -1,0 +1,58 @@
+#include "qmgr/api/api.h"
+#include "qmgr/api/object_descriptor.h"
+#include "qmgr/api/option_table.h"
+#include "qmgr/api/structures.h"
+#include "qmgr/core/connections.h"
+#include "qmgr/core/open.h"
+
+using namespace mqrig::qmgr;
+
+namespace {
+
+constexpr MQLONG inputOptions = MQOO_INPUT_AS_Q_DEF | MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE;
+constexpr MQLONG messageOptions = inputOptions | MQOO_BROWSE | MQOO_OUTPUT;
+constexpr MQLONG purposes = messageOptions | MQOO_INQUIRE | MQOO_SET;
+constexpr MQLONG outputContexts =
+    MQOO_PASS_IDENTITY_CONTEXT | MQOO_PASS_ALL_CONTEXT | MQOO_SET_IDENTITY_CONTEXT | MQOO_SET_ALL_CONTEXT;
+
+MQLONG checkOpenOptions(MQLONG options)
+{
+    if (const MQLONG reason = api::checkOptions(api::OptionField::Open, options)) return reason;
+    const bool wrong = (options & purposes) == 0 || api::severalOf(options, inputOptions) ||
+                       api::severalOf(options, MQOO_BIND_ON_OPEN | MQOO_BIND_NOT_FIXED | MQOO_BIND_ON_GROUP) ||
+                       api::severalOf(options, MQOO_READ_AHEAD | MQOO_NO_READ_AHEAD) ||
+                       ((options & MQOO_SAVE_ALL_CONTEXT) != 0 && (options & inputOptions) == 0) ||
+                       ((options & outputContexts) != 0 && (options & MQOO_OUTPUT) == 0);
+    return wrong ? MQRC_OPTIONS_ERROR : MQRC_NONE;
+}
+
+Outcome open(MQHCONN Hconn, PMQVOID pObjDesc, MQLONG options, PMQHOBJ pHobj)
+{
+    const core::ConnectionUse use(Hconn);
+    if (use.outcome().failed()) return use.outcome();
+    if (pHobj == nullptr) return failure(MQRC_HOBJ_ERROR);
+    *pHobj = MQHO_UNUSABLE_HOBJ;
+    if (const MQLONG reason = api::checkOd(pObjDesc)) return failure(reason);
+    if (const MQLONG reason = checkOpenOptions(options)) return failure(reason);
+    const MQOD od = api::loadOd(pObjDesc);
+    const api::Selects selects = (options & (inputOptions | MQOO_BROWSE)) != 0 ? api::Selects::Yes : api::Selects::No;
+    if (const MQLONG reason = api::checkObject(od, selects)) return failure(reason);
+
+    const Outcome opened = core::openObject(*use, api::objectName(od), options, *pHobj);
+    if (opened.failed()) return opened;
+    // The queue's name is told to those who handle its messages, or who ask for it.
+    const core::OpenObject &object = *use->handles.find(*pHobj);
+    const bool isQueue = object.type == MQOT_Q;
+    const bool namesQueue = isQueue && (options & (messageOptions | MQOO_RESOLVE_LOCAL_Q)) != 0;
+    api::storeOd({namesQueue ? object.hold.queue->name.data() : nullptr, use->queueManagerName.data()},
+                 isQueue ? MQOT_Q : MQOT_NONE, pObjDesc);
+    return opened;
+}
+
+} // namespace
+
+MQI_EXPORT void MQENTRY MQOPEN(MQHCONN Hconn, PMQVOID pObjDesc, MQLONG Options, PMQHOBJ pHobj, PMQLONG pCompCode,
+                               PMQLONG pReason) noexcept
+{
+    api::answer(pCompCode, pReason, [=] { return open(Hconn, pObjDesc, Options, pHobj); });
+}

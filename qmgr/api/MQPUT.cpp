@@ -1,0 +1,38 @@
+#include "qmgr/api/api.h"
+#include "qmgr/api/put_call.h"
+#include "qmgr/api/structures.h"
+#include "qmgr/core/connections.h"
+#include "qmgr/core/put.h"
+
+using namespace mqrig::qmgr;
+
+namespace {
+
+Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, MQLONG bufferLength, PMQVOID pBuffer)
+{
+    const core::ConnectionUse use(Hconn);
+    if (use.outcome().failed()) return use.outcome();
+    core::OpenObject *object = use->handles.find(Hobj);
+    if (object == nullptr) return failure(MQRC_HOBJ_ERROR);
+    api::PutCall call{};
+    if (const MQLONG reason = api::loadPut(pMsgDesc, pPutMsgOpts, bufferLength, pBuffer, call)) return failure(reason);
+    if ((call.pmo.Options & MQPMO_ALTERNATE_USER_AUTHORITY) != 0) return failure(MQRC_OPTIONS_ERROR);
+    if (!object->allows(MQOO_OUTPUT)) return failure(MQRC_NOT_OPEN_FOR_OUTPUT);
+    if (const Outcome there = use->catalog.refresh(object->hold); there.failed()) return there;
+
+    const objects::QueueDefinition &queue = *object->hold.queue;
+    const Outcome outcome =
+        core::putMessage(*use, queue, {call.pmo.Options, object->options, call.pmo.Context}, call.message);
+    if (outcome.failed()) return outcome;
+    api::storePutMd(call.message.header.md, pMsgDesc);
+    api::storePmo({queue.name.data(), use->queueManagerName.data()}, pPutMsgOpts);
+    return outcome;
+}
+
+} // namespace
+
+MQI_EXPORT void MQENTRY MQPUT(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, MQLONG BufferLength,
+                              PMQVOID pBuffer, PMQLONG pCompCode, PMQLONG pReason) noexcept
+{
+    api::answer(pCompCode, pReason, [=] { return put(Hconn, Hobj, pMsgDesc, pPutMsgOpts, BufferLength, pBuffer); });
+}

@@ -1,0 +1,46 @@
+#include "qmgr/api/api.h"
+#include "qmgr/api/object_descriptor.h"
+#include "qmgr/api/put_call.h"
+#include "qmgr/api/structures.h"
+#include "qmgr/core/connections.h"
+#include "qmgr/core/open.h"
+#include "qmgr/core/put.h"
+
+using namespace mqrig::qmgr;
+
+namespace {
+
+// The open that MQPUT1 stands for has the rights that its options need.
+constexpr MQLONG openOptions = MQOO_OUTPUT | MQOO_SET_ALL_CONTEXT;
+
+Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, MQLONG bufferLength,
+             PMQVOID pBuffer)
+{
+    const core::ConnectionUse use(Hconn);
+    if (use.outcome().failed()) return use.outcome();
+    if (const MQLONG reason = api::checkOd(pObjDesc)) return failure(reason);
+    api::PutCall call{};
+    if (const MQLONG reason = api::loadPut(pMsgDesc, pPutMsgOpts, bufferLength, pBuffer, call)) return failure(reason);
+    const MQOD od = api::loadOd(pObjDesc);
+    if (const MQLONG reason = api::checkObject(od, api::Selects::No)) return failure(reason);
+
+    const objects::FoundQueue found = core::resolveForPut(*use, api::objectName(od));
+    if (found.outcome.failed()) return found.outcome;
+    const objects::QueueDefinition &queue = *found.hold.queue;
+    const Outcome outcome =
+        core::putMessage(*use, queue, {call.pmo.Options, openOptions, call.pmo.Context}, call.message);
+    if (outcome.failed()) return outcome;
+    api::storeOd({queue.name.data(), use->queueManagerName.data()}, MQOT_Q, pObjDesc);
+    api::storePutMd(call.message.header.md, pMsgDesc);
+    api::storePmo({queue.name.data(), use->queueManagerName.data()}, pPutMsgOpts);
+    return outcome;
+}
+
+} // namespace
+
+MQI_EXPORT void MQENTRY MQPUT1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts,
+                               MQLONG BufferLength, PMQVOID pBuffer, PMQLONG pCompCode, PMQLONG pReason) noexcept
+{
+    api::answer(pCompCode, pReason,
+                [=] { return put1(Hconn, pObjDesc, pMsgDesc, pPutMsgOpts, BufferLength, pBuffer); });
+}

@@ -1,0 +1,285 @@
+#include "qmgr/api/option_table.h"
+
+namespace mqrig::qmgr::api {
+namespace {
+
+constexpr OptionRow done(std::string_view name, MQULONG bits)
+{
+    return {name, bits, Treatment::Done, MQRC_NONE, {}};
+}
+
+constexpr OptionRow noEffect(std::string_view name, MQULONG bits, std::string_view because)
+{
+    return {name, bits, Treatment::WithoutEffect, MQRC_NONE, because};
+}
+
+constexpr OptionRow refused(std::string_view name, MQULONG bits, MQLONG reason, std::string_view because)
+{
+    return {name, bits, Treatment::Refused, reason, because};
+}
+
+constexpr std::string_view noChannels = "there are no channels and no clients";
+constexpr std::string_view noClusters = "there are no clusters: a queue has one instance";
+constexpr std::string_view oneBinding = "the queue manager runs inside the program: there is one way to bind";
+constexpr std::string_view noAccounting = "no accounting or activity records are written";
+constexpr std::string_view noAuthority = "the store belongs to one user: there is no other user to check";
+constexpr std::string_view zosOnly = "the MQI has it on z/OS only";
+constexpr std::string_view groupsLater = "groups and segments are not built yet";
+constexpr std::string_view propertiesLater = "message properties are not built yet";
+constexpr std::string_view marksLater = "browse marks are not built yet";
+constexpr std::string_view locksLater = "browse locks are not built yet";
+constexpr std::string_view reportsLater = "report messages are not built yet";
+constexpr std::string_view topicsOnly = "it is for topics";
+constexpr std::string_view dynamicOnly = "it is for dynamic queues";
+constexpr std::string_view subscriptionOnly = "it is for subscriptions";
+
+constexpr OptionRow connectRows[] = {
+    noEffect("MQCNO_FASTPATH_BINDING", MQCNO_FASTPATH_BINDING, oneBinding),
+    refused("MQCNO_SERIALIZE_CONN_TAG_Q_MGR", MQCNO_SERIALIZE_CONN_TAG_Q_MGR, MQRC_OPTIONS_ERROR, zosOnly),
+    refused("MQCNO_SERIALIZE_CONN_TAG_QSG", MQCNO_SERIALIZE_CONN_TAG_QSG, MQRC_OPTIONS_ERROR, zosOnly),
+    refused("MQCNO_RESTRICT_CONN_TAG_Q_MGR", MQCNO_RESTRICT_CONN_TAG_Q_MGR, MQRC_OPTIONS_ERROR, zosOnly),
+    refused("MQCNO_RESTRICT_CONN_TAG_QSG", MQCNO_RESTRICT_CONN_TAG_QSG, MQRC_OPTIONS_ERROR, zosOnly),
+    noEffect("MQCNO_HANDLE_SHARE_NONE", MQCNO_HANDLE_SHARE_NONE, "any thread may always use a connection handle"),
+    done("MQCNO_HANDLE_SHARE_BLOCK", MQCNO_HANDLE_SHARE_BLOCK),
+    done("MQCNO_HANDLE_SHARE_NO_BLOCK", MQCNO_HANDLE_SHARE_NO_BLOCK),
+    noEffect("MQCNO_SHARED_BINDING", MQCNO_SHARED_BINDING, oneBinding),
+    noEffect("MQCNO_ISOLATED_BINDING", MQCNO_ISOLATED_BINDING, oneBinding),
+    noEffect("MQCNO_LOCAL_BINDING", MQCNO_LOCAL_BINDING, oneBinding),
+    refused("MQCNO_CLIENT_BINDING", MQCNO_CLIENT_BINDING, MQRC_HOST_NOT_AVAILABLE, noChannels),
+    noEffect("MQCNO_ACCOUNTING_MQI_ENABLED", MQCNO_ACCOUNTING_MQI_ENABLED, noAccounting),
+    noEffect("MQCNO_ACCOUNTING_MQI_DISABLED", MQCNO_ACCOUNTING_MQI_DISABLED, noAccounting),
+    noEffect("MQCNO_ACCOUNTING_Q_ENABLED", MQCNO_ACCOUNTING_Q_ENABLED, noAccounting),
+    noEffect("MQCNO_ACCOUNTING_Q_DISABLED", MQCNO_ACCOUNTING_Q_DISABLED, noAccounting),
+    noEffect("MQCNO_NO_CONV_SHARING", MQCNO_NO_CONV_SHARING, noChannels),
+    noEffect("MQCNO_ALL_CONVS_SHARE", MQCNO_ALL_CONVS_SHARE, noChannels),
+    noEffect("MQCNO_CD_FOR_OUTPUT_ONLY", MQCNO_CD_FOR_OUTPUT_ONLY, noChannels),
+    noEffect("MQCNO_USE_CD_SELECTION", MQCNO_USE_CD_SELECTION, noChannels),
+    done("MQCNO_GENERATE_CONN_TAG", MQCNO_GENERATE_CONN_TAG),
+    done("MQCNO_RECONNECT", MQCNO_RECONNECT),
+    done("MQCNO_RECONNECT_DISABLED", MQCNO_RECONNECT_DISABLED),
+    done("MQCNO_RECONNECT_Q_MGR", MQCNO_RECONNECT_Q_MGR),
+    noEffect("MQCNO_ACTIVITY_TRACE_ENABLED", MQCNO_ACTIVITY_TRACE_ENABLED, noAccounting),
+    noEffect("MQCNO_ACTIVITY_TRACE_DISABLED", MQCNO_ACTIVITY_TRACE_DISABLED, noAccounting),
+};
+
+constexpr OptionRow openRows[] = {
+    done("MQOO_INPUT_AS_Q_DEF", MQOO_INPUT_AS_Q_DEF),
+    done("MQOO_INPUT_SHARED", MQOO_INPUT_SHARED),
+    done("MQOO_INPUT_EXCLUSIVE", MQOO_INPUT_EXCLUSIVE),
+    done("MQOO_BROWSE", MQOO_BROWSE),
+    done("MQOO_OUTPUT", MQOO_OUTPUT),
+    done("MQOO_INQUIRE", MQOO_INQUIRE),
+    done("MQOO_SET", MQOO_SET),
+    done("MQOO_SAVE_ALL_CONTEXT", MQOO_SAVE_ALL_CONTEXT),
+    done("MQOO_PASS_IDENTITY_CONTEXT", MQOO_PASS_IDENTITY_CONTEXT),
+    done("MQOO_PASS_ALL_CONTEXT", MQOO_PASS_ALL_CONTEXT),
+    done("MQOO_SET_IDENTITY_CONTEXT", MQOO_SET_IDENTITY_CONTEXT),
+    done("MQOO_SET_ALL_CONTEXT", MQOO_SET_ALL_CONTEXT),
+    noEffect("MQOO_ALTERNATE_USER_AUTHORITY", MQOO_ALTERNATE_USER_AUTHORITY, noAuthority),
+    done("MQOO_FAIL_IF_QUIESCING", MQOO_FAIL_IF_QUIESCING),
+    noEffect("MQOO_BIND_ON_OPEN", MQOO_BIND_ON_OPEN, noClusters),
+    noEffect("MQOO_BIND_NOT_FIXED", MQOO_BIND_NOT_FIXED, noClusters),
+    refused("MQOO_RESOLVE_NAMES", MQOO_RESOLVE_NAMES, MQRC_OPTIONS_ERROR, "it is for an object-oriented wrapper"),
+    refused("MQOO_CO_OP", MQOO_CO_OP, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
+    done("MQOO_RESOLVE_LOCAL_Q", MQOO_RESOLVE_LOCAL_Q),
+    noEffect("MQOO_NO_READ_AHEAD", MQOO_NO_READ_AHEAD, noChannels),
+    noEffect("MQOO_READ_AHEAD", MQOO_READ_AHEAD, noChannels),
+    noEffect("MQOO_NO_MULTICAST", MQOO_NO_MULTICAST, "messages never travel by multicast"),
+    noEffect("MQOO_BIND_ON_GROUP", MQOO_BIND_ON_GROUP, noClusters),
+};
+
+constexpr OptionRow closeRows[] = {
+    refused("MQCO_DELETE", MQCO_DELETE, MQRC_OPTION_NOT_VALID_FOR_TYPE, dynamicOnly),
+    refused("MQCO_DELETE_PURGE", MQCO_DELETE_PURGE, MQRC_OPTION_NOT_VALID_FOR_TYPE, dynamicOnly),
+    refused("MQCO_KEEP_SUB", MQCO_KEEP_SUB, MQRC_OPTION_NOT_VALID_FOR_TYPE, subscriptionOnly),
+    refused("MQCO_REMOVE_SUB", MQCO_REMOVE_SUB, MQRC_OPTION_NOT_VALID_FOR_TYPE, subscriptionOnly),
+    noEffect("MQCO_QUIESCE", MQCO_QUIESCE, "no messages are read ahead"),
+};
+
+constexpr OptionRow putRows[] = {
+    done("MQPMO_SYNCPOINT", MQPMO_SYNCPOINT),
+    done("MQPMO_NO_SYNCPOINT", MQPMO_NO_SYNCPOINT),
+    done("MQPMO_DEFAULT_CONTEXT", MQPMO_DEFAULT_CONTEXT),
+    done("MQPMO_NEW_MSG_ID", MQPMO_NEW_MSG_ID),
+    done("MQPMO_NEW_CORREL_ID", MQPMO_NEW_CORREL_ID),
+    done("MQPMO_PASS_IDENTITY_CONTEXT", MQPMO_PASS_IDENTITY_CONTEXT),
+    done("MQPMO_PASS_ALL_CONTEXT", MQPMO_PASS_ALL_CONTEXT),
+    done("MQPMO_SET_IDENTITY_CONTEXT", MQPMO_SET_IDENTITY_CONTEXT),
+    done("MQPMO_SET_ALL_CONTEXT", MQPMO_SET_ALL_CONTEXT),
+    noEffect("MQPMO_ALTERNATE_USER_AUTHORITY", MQPMO_ALTERNATE_USER_AUTHORITY, noAuthority),
+    done("MQPMO_FAIL_IF_QUIESCING", MQPMO_FAIL_IF_QUIESCING),
+    done("MQPMO_NO_CONTEXT", MQPMO_NO_CONTEXT),
+    refused("MQPMO_LOGICAL_ORDER", MQPMO_LOGICAL_ORDER, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
+    noEffect("MQPMO_ASYNC_RESPONSE", MQPMO_ASYNC_RESPONSE, noChannels),
+    noEffect("MQPMO_SYNC_RESPONSE", MQPMO_SYNC_RESPONSE, "every response is synchronous"),
+    done("MQPMO_RESOLVE_LOCAL_Q", MQPMO_RESOLVE_LOCAL_Q),
+    refused("MQPMO_WARN_IF_NO_SUBS_MATCHED", MQPMO_WARN_IF_NO_SUBS_MATCHED, MQRC_OPTIONS_ERROR, topicsOnly),
+    refused("MQPMO_RETAIN", MQPMO_RETAIN, MQRC_OPTIONS_ERROR, topicsOnly),
+    refused("MQPMO_MD_FOR_OUTPUT_ONLY", MQPMO_MD_FOR_OUTPUT_ONLY, MQRC_FUNCTION_NOT_SUPPORTED, propertiesLater),
+    refused("MQPMO_SCOPE_QMGR", MQPMO_SCOPE_QMGR, MQRC_OPTIONS_ERROR, topicsOnly),
+    refused("MQPMO_SUPPRESS_REPLYTO", MQPMO_SUPPRESS_REPLYTO, MQRC_OPTIONS_ERROR, topicsOnly),
+    refused("MQPMO_NOT_OWN_SUBS", MQPMO_NOT_OWN_SUBS, MQRC_OPTIONS_ERROR, topicsOnly),
+};
+
+constexpr std::string_view propertiesStay = "a message keeps the MQRFH2 headers that it was put with";
+
+constexpr OptionRow getRows[] = {
+    done("MQGMO_WAIT", MQGMO_WAIT),
+    done("MQGMO_SYNCPOINT", MQGMO_SYNCPOINT),
+    done("MQGMO_NO_SYNCPOINT", MQGMO_NO_SYNCPOINT),
+    refused("MQGMO_SET_SIGNAL", MQGMO_SET_SIGNAL, MQRC_OPTIONS_ERROR, zosOnly),
+    done("MQGMO_BROWSE_FIRST", MQGMO_BROWSE_FIRST),
+    done("MQGMO_BROWSE_NEXT", MQGMO_BROWSE_NEXT),
+    done("MQGMO_ACCEPT_TRUNCATED_MSG", MQGMO_ACCEPT_TRUNCATED_MSG),
+    refused("MQGMO_MARK_SKIP_BACKOUT", MQGMO_MARK_SKIP_BACKOUT, MQRC_OPTIONS_ERROR, zosOnly),
+    done("MQGMO_MSG_UNDER_CURSOR", MQGMO_MSG_UNDER_CURSOR),
+    refused("MQGMO_LOCK", MQGMO_LOCK, MQRC_FUNCTION_NOT_SUPPORTED, locksLater),
+    refused("MQGMO_UNLOCK", MQGMO_UNLOCK, MQRC_FUNCTION_NOT_SUPPORTED, locksLater),
+    done("MQGMO_BROWSE_MSG_UNDER_CURSOR", MQGMO_BROWSE_MSG_UNDER_CURSOR),
+    done("MQGMO_SYNCPOINT_IF_PERSISTENT", MQGMO_SYNCPOINT_IF_PERSISTENT),
+    done("MQGMO_FAIL_IF_QUIESCING", MQGMO_FAIL_IF_QUIESCING),
+    done("MQGMO_CONVERT", MQGMO_CONVERT),
+    refused("MQGMO_LOGICAL_ORDER", MQGMO_LOGICAL_ORDER, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
+    refused("MQGMO_COMPLETE_MSG", MQGMO_COMPLETE_MSG, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
+    refused("MQGMO_ALL_MSGS_AVAILABLE", MQGMO_ALL_MSGS_AVAILABLE, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
+    refused("MQGMO_ALL_SEGMENTS_AVAILABLE", MQGMO_ALL_SEGMENTS_AVAILABLE, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
+    refused("MQGMO_MARK_BROWSE_HANDLE", MQGMO_MARK_BROWSE_HANDLE, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
+    refused("MQGMO_MARK_BROWSE_CO_OP", MQGMO_MARK_BROWSE_CO_OP, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
+    refused("MQGMO_UNMARK_BROWSE_CO_OP", MQGMO_UNMARK_BROWSE_CO_OP, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
+    refused("MQGMO_UNMARK_BROWSE_HANDLE", MQGMO_UNMARK_BROWSE_HANDLE, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
+    refused("MQGMO_UNMARKED_BROWSE_MSG", MQGMO_UNMARKED_BROWSE_MSG, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
+    noEffect("MQGMO_PROPERTIES_FORCE_MQRFH2", MQGMO_PROPERTIES_FORCE_MQRFH2, propertiesStay),
+    refused("MQGMO_NO_PROPERTIES", MQGMO_NO_PROPERTIES, MQRC_FUNCTION_NOT_SUPPORTED, propertiesLater),
+    refused("MQGMO_PROPERTIES_IN_HANDLE", MQGMO_PROPERTIES_IN_HANDLE, MQRC_FUNCTION_NOT_SUPPORTED, propertiesLater),
+    noEffect("MQGMO_PROPERTIES_COMPATIBILITY", MQGMO_PROPERTIES_COMPATIBILITY, propertiesStay),
+};
+
+constexpr OptionRow matchRows[] = {
+    done("MQMO_MATCH_MSG_ID", MQMO_MATCH_MSG_ID),
+    done("MQMO_MATCH_CORREL_ID", MQMO_MATCH_CORREL_ID),
+    done("MQMO_MATCH_GROUP_ID", MQMO_MATCH_GROUP_ID),
+    done("MQMO_MATCH_MSG_SEQ_NUMBER", MQMO_MATCH_MSG_SEQ_NUMBER),
+    done("MQMO_MATCH_OFFSET", MQMO_MATCH_OFFSET),
+    done("MQMO_MATCH_MSG_TOKEN", MQMO_MATCH_MSG_TOKEN),
+};
+
+constexpr std::string_view noException = "a message that cannot be put is refused by MQPUT: none fails later";
+constexpr std::string_view forReceiver = "it tells the program that answers the message what to do";
+constexpr std::string_view mqiReserves = "the MQI reserves the bits and wants them accepted";
+
+constexpr OptionRow reportRows[] = {
+    noEffect("MQRO_EXCEPTION", MQRO_EXCEPTION, noException),
+    noEffect("MQRO_EXCEPTION_WITH_DATA", 0x02000000, noException),
+    noEffect("MQRO_EXCEPTION_WITH_FULL_DATA", 0x04000000, noException),
+    refused("MQRO_EXPIRATION", MQRO_EXPIRATION, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
+    refused("MQRO_EXPIRATION_WITH_DATA", 0x00400000, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
+    refused("MQRO_EXPIRATION_WITH_FULL_DATA", 0x00800000, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
+    refused("MQRO_COA", MQRO_COA, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
+    refused("MQRO_COA_WITH_DATA", 0x00000200, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
+    refused("MQRO_COA_WITH_FULL_DATA", 0x00000400, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
+    refused("MQRO_COD", MQRO_COD, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
+    refused("MQRO_COD_WITH_DATA", 0x00001000, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
+    refused("MQRO_COD_WITH_FULL_DATA", 0x00002000, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
+    noEffect("MQRO_PAN", MQRO_PAN, forReceiver),
+    noEffect("MQRO_NAN", MQRO_NAN, forReceiver),
+    noEffect("MQRO_ACTIVITY", MQRO_ACTIVITY, "no program between MQPUT and MQGET handles the message"),
+    noEffect("MQRO_PASS_MSG_ID", MQRO_PASS_MSG_ID, forReceiver),
+    noEffect("MQRO_PASS_CORREL_ID", MQRO_PASS_CORREL_ID, forReceiver),
+    noEffect("MQRO_DISCARD_MSG", MQRO_DISCARD_MSG, noException),
+    noEffect("MQRO_PASS_DISCARD_AND_EXPIRY", MQRO_PASS_DISCARD_AND_EXPIRY, forReceiver),
+    refused("MQRO_REJECT_UNSUP_MASK_RESERVED", 0x101C0000, MQRC_REPORT_OPTIONS_ERROR,
+            "the MQI reserves the bits and wants them refused"),
+    noEffect("MQRO_ACCEPT_UNSUP_MASK_RESERVED", 0xE0000038, mqiReserves),
+    refused("MQRO_ACCEPT_UNSUP_IF_XMIT_MASK_RESERVED", 0x00038000, MQRC_REPORT_OPTIONS_ERROR,
+            "the MQI wants the bits accepted on transmission queues only"),
+};
+
+constexpr OptionRow flagRows[] = {
+    refused("MQMF_SEGMENTATION_ALLOWED", MQMF_SEGMENTATION_ALLOWED, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
+    refused("MQMF_SEGMENT", MQMF_SEGMENT, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
+    refused("MQMF_LAST_SEGMENT", MQMF_LAST_SEGMENT, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
+    refused("MQMF_MSG_IN_GROUP", MQMF_MSG_IN_GROUP, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
+    refused("MQMF_LAST_MSG_IN_GROUP", MQMF_LAST_MSG_IN_GROUP, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
+    refused("MQMF_REJECT_UNSUP_MASK_RESERVED", 0x00000FE0, MQRC_MSG_FLAGS_ERROR,
+            "the MQI reserves the bits and wants them refused"),
+    refused("MQMF_ACCEPT_UNSUP_IF_XMIT_MASK_RESERVED", 0x000FF000, MQRC_MSG_FLAGS_ERROR,
+            "the MQI wants the bits accepted on transmission queues only"),
+    noEffect("MQMF_ACCEPT_UNSUP_MASK_RESERVED", 0xFFF00000, mqiReserves),
+};
+
+struct Field {
+    std::span<const OptionRow> rows;
+    MQLONG unknown;
+};
+
+// In the order of OptionField.
+constexpr std::array<Field, optionFields> fields = {{
+    {connectRows, MQRC_OPTIONS_ERROR},
+    {openRows, MQRC_OPTIONS_ERROR},
+    {closeRows, MQRC_OPTIONS_ERROR},
+    {putRows, MQRC_OPTIONS_ERROR},
+    {getRows, MQRC_OPTIONS_ERROR},
+    {matchRows, MQRC_MATCH_OPTIONS_ERROR},
+    {reportRows, MQRC_REPORT_OPTIONS_ERROR},
+    {flagRows, MQRC_MSG_FLAGS_ERROR},
+    {{}, MQRC_OPTIONS_ERROR},
+}};
+
+constexpr bool everyBitOnce()
+{
+    for (const Field &field : fields) {
+        MQULONG seen = 0;
+        for (const OptionRow &row : field.rows) {
+            if (row.bits == 0 || (seen & row.bits) != 0) return false;
+            seen |= row.bits;
+        }
+    }
+    return true;
+}
+static_assert(everyBitOnce(), "a bit stands in one row of its field");
+
+constexpr bool everyRowArgues()
+{
+    for (const Field &field : fields)
+        for (const OptionRow &row : field.rows)
+            if ((row.treatment == Treatment::Refused) != (row.reason != MQRC_NONE) ||
+                (row.treatment != Treatment::Done) != !row.why.empty())
+                return false;
+    return true;
+}
+static_assert(everyRowArgues(), "a refusal has its reason, and what is not done says why");
+
+constexpr std::array<MQULONG, optionFields> accepted()
+{
+    std::array<MQULONG, optionFields> masks{};
+    for (std::size_t i = 0; i < optionFields; ++i)
+        for (const OptionRow &row : fields[i].rows)
+            if (row.treatment != Treatment::Refused) masks[i] |= row.bits;
+    return masks;
+}
+
+} // namespace
+
+constexpr std::array<MQULONG, optionFields> acceptedBits = accepted();
+
+std::span<const OptionRow> optionRows(OptionField field)
+{
+    return fields[static_cast<std::size_t>(field)].rows;
+}
+
+MQLONG unknownBitsReason(OptionField field)
+{
+    return fields[static_cast<std::size_t>(field)].unknown;
+}
+
+MQLONG refusalOf(OptionField field, MQULONG options)
+{
+    MQULONG known = 0;
+    for (const OptionRow &row : optionRows(field)) known |= row.bits;
+    if ((options & ~known) != 0) return unknownBitsReason(field);
+    for (const OptionRow &row : optionRows(field))
+        if (row.treatment == Treatment::Refused && (options & row.bits) != 0) return row.reason;
+    return MQRC_NONE;
+}
+
+} // namespace mqrig::qmgr::api

@@ -1,0 +1,75 @@
+// MQGET that leaves the message where it is: a search over a snapshot, from where the handle's browse cursor stands.
+#include <cstddef>
+#include <limits>
+#include <optional>
+
+#include "qmgr/core/get.h"
+#include "qmgr/store/seams.h"
+
+namespace mqrig::qmgr::core {
+namespace {
+
+constexpr std::size_t anyNumber = std::numeric_limits<std::size_t>::max();
+
+Outcome removeExpired(store::Attachment &store, const ExpiredMessages &expired)
+{
+    return store.update(0, [&](store::WriteTransaction &transaction) {
+        discardExpired(transaction, expired);
+        return success();
+    });
+}
+
+// MQGMO_BROWSE_MSG_UNDER_CURSOR: whatever the selection.
+Outcome browseUnderCursor(store::Attachment &store, const OpenObject &object, const GetRequest &request,
+                          GotMessage &got)
+{
+    if (!object.cursor) return failure(MQRC_NO_MSG_UNDER_CURSOR);
+    return store.read([&](store::ReadTransaction &transaction) {
+        const auto header = transaction.find(*object.cursor);
+        if (!header || isExpired(*header, store::currentTime())) return failure(MQRC_NO_MSG_UNDER_CURSOR);
+        got.key = *object.cursor;
+        got.header = *header;
+        return deliver(request, transaction.body(got.key), got);
+    });
+}
+
+Look browseNext(store::Attachment &store, const OpenObject &object, const GetRequest &request, GotMessage &got)
+{
+    const store::QueueId queue = object.hold.queue->id;
+    std::optional<store::MessageKey> behind;
+    if (request.has(MQGMO_BROWSE_NEXT)) behind = object.cursor;
+    SearchResult found;
+    ExpiredMessages expired;
+    for (;;) {
+        Look look{failure(MQRC_NO_MSG_AVAILABLE)};
+        const Outcome looked = store.read([&](store::ReadTransaction &transaction) {
+            search(transaction, {queue, &request.selection, behind, store::currentTime(), anyNumber}, found, expired);
+            if (found.end == SearchEnd::Found) {
+                got.key = found.key;
+                got.header = found.header;
+                look.outcome = deliver(request, transaction.body(found.key), got);
+            } else {
+                look.held = transaction.queue(queue).held != 0;
+            }
+            return success();
+        });
+        if (looked.failed()) return {looked};
+        if (!expired.empty())
+            if (const Outcome removed = removeExpired(store, expired); removed.failed()) return {removed};
+        if (found.end != SearchEnd::Stopped) return look;
+        behind = found.reached;
+    }
+}
+
+} // namespace
+
+Look browseMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got)
+{
+    const Look look = request.has(MQGMO_BROWSE_MSG_UNDER_CURSOR)
+                          ? Look{browseUnderCursor(*connection.store, object, request, got)}
+                          : browseNext(*connection.store, object, request, got);
+    if (!look.outcome.failed() && look.outcome.Reason != MQRC_TRUNCATED_MSG_FAILED) object.cursor = got.key;
+    return look;
+}
+
+} // namespace mqrig::qmgr::core

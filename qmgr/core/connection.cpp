@@ -1,0 +1,56 @@
+#include "qmgr/core/connection.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "qmgr/core/connections.h"
+#include "qmgr/objects/object_name.h"
+#include "qmgr/store/paths.h"
+
+namespace mqrig::qmgr::core {
+namespace {
+
+constexpr std::size_t productLength = 4;
+constexpr std::size_t nameLength = 12;
+
+// Big-endian, so that identifiers sort in the order they were made.
+void writeNumber(MQBYTE *at, std::uint64_t number)
+{
+    for (int i = 0; i < 8; ++i) at[i] = static_cast<MQBYTE>(number >> (8 * (7 - i)));
+}
+
+void makeIdentifier(MQBYTE *identifier, const char *product, const char *queueManager, std::uint64_t number)
+{
+    std::memcpy(identifier, product, productLength);
+    std::memcpy(identifier + productLength, queueManager, nameLength);
+    writeNumber(identifier + productLength + nameLength, number);
+}
+
+} // namespace
+
+Connection::Connection(std::unique_ptr<store::Attachment> attachment, const ConnectRequest &request)
+    : store(std::move(attachment)), catalog(*store), options(request.options), identity(processIdentity())
+{
+    objects::fillField(queueManagerName, store->queueManagerName());
+    makeIdentifier(connectionId.data(), "AMQC", queueManagerName.data(), store->connectionNumber());
+    if (!request.applName.empty())
+        objects::fillField(identity.putApplName, sizeof identity.putApplName, request.applName);
+}
+
+void Connection::newIdentifier(MQBYTE24 &identifier) const
+{
+    makeIdentifier(identifier, "AMQ ", queueManagerName.data(), store->uniqueNumber());
+}
+
+Outcome connect(const ConnectRequest &request, MQHCONN &hconn)
+{
+    store::Attached attached = store::attach(store::defaultStoreFolder(), request.queueManager);
+    if (attached.outcome.failed()) return attached.outcome;
+    auto connection = std::make_unique<Connection>(std::move(attached.attachment), request);
+    if (connection->catalog.queueManager() == nullptr) return failure(MQRC_OBJECT_DAMAGED);
+    hconn = addConnection(std::move(connection));
+    return hconn == MQHC_UNUSABLE_HCONN ? failure(MQRC_MAX_CONNS_LIMIT_REACHED) : attached.outcome;
+}
+
+} // namespace mqrig::qmgr::core

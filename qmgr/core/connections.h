@@ -1,0 +1,50 @@
+// The connections of this process and the numbers (MQHCONN) by which its program knows them.
+//
+// Any thread may use any connection, one call at a time: ConnectionUse holds the connection's lock for one call.
+// Storage of an entry never moves and is never freed, so that a call with a handle that another thread disconnects
+// at that moment finds a lock to take and then a number that is no longer its own.
+//
+// In a process forked from one that was connected, every handle answers MQRC_HCONN_ERROR: the child never takes a
+// lock that a thread of its parent may have held. It may connect anew; numbers go on, so that no handle of the parent
+// ever means a connection of the child.
+#pragma once
+
+#include <memory>
+#include <mutex>
+
+#include "cmqc.h"
+#include "qmgr/core/connection.h"
+#include "qmgr/store/outcome.h"
+
+namespace mqrig::qmgr::core {
+
+struct ConnectionEntry;
+
+// The handle of the connection, or MQHC_UNUSABLE_HCONN when there are too many.
+MQHCONN addConnection(std::unique_ptr<Connection> connection);
+
+// One call's use of a connection.
+class ConnectionUse {
+  public:
+    explicit ConnectionUse(MQHCONN hconn);
+
+    // Whether the call may go on. MQRC_HCONN_ERROR; MQRC_CALL_IN_PROGRESS for a connection made with
+    // MQCNO_HANDLE_SHARE_NO_BLOCK; MQRC_Q_MGR_STOPPING, MQRC_CONNECTION_BROKEN.
+    const Outcome &outcome() const { return outcome_; }
+    // The connection exists, whether or not its queue manager still runs.
+    bool found() const { return lock_.owns_lock(); }
+
+    Connection &operator*() const { return *connection_; }
+    Connection *operator->() const { return connection_; }
+
+    // Takes the connection out of the table; its number means nothing from now on.
+    std::unique_ptr<Connection> remove();
+
+  private:
+    ConnectionEntry *entry_ = nullptr;
+    Connection *connection_ = nullptr;
+    std::unique_lock<std::mutex> lock_;
+    Outcome outcome_;
+};
+
+} // namespace mqrig::qmgr::core

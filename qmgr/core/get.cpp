@@ -1,0 +1,105 @@
+#include "qmgr/core/get.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <optional>
+
+#include "qmgr/store/seams.h"
+
+namespace mqrig::qmgr::core {
+namespace {
+
+// What has to hold before each look, also after a wait.
+Outcome mayGet(Connection &connection, OpenObject &object, const GetRequest &request)
+{
+    if (const Outcome there = connection.catalog.refresh(object.hold); there.failed()) return there;
+    if (object.hold.queue->inhibitGet == MQQA_GET_INHIBITED) return failure(MQRC_GET_INHIBITED);
+    if (request.has(MQGMO_FAIL_IF_QUIESCING) && connection.store->state() == store::State::Quiescing)
+        return failure(MQRC_Q_MGR_QUIESCING);
+    return success();
+}
+
+Outcome mayUseHandle(const OpenObject &object, const GetRequest &request)
+{
+    const bool browses = request.has(browseOptions);
+    if ((browses || request.has(MQGMO_MSG_UNDER_CURSOR)) && !object.allows(MQOO_BROWSE))
+        return failure(MQRC_NOT_OPEN_FOR_BROWSE);
+    if (!browses && !object.allows(MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE))
+        return failure(MQRC_NOT_OPEN_FOR_INPUT);
+    return success();
+}
+
+store::Deadline deadlineOf(const GetRequest &request)
+{
+    if (request.waitInterval == MQWI_UNLIMITED) return store::unlimitedWait;
+    return std::chrono::steady_clock::now() + std::chrono::milliseconds(request.waitInterval);
+}
+
+Outcome lookUntilFound(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got)
+{
+    const bool waits = request.has(MQGMO_WAIT) && request.waitInterval != 0;
+    std::optional<store::Deadline> deadline;
+    for (;;) {
+        if (const Outcome may = mayGet(connection, object, request); may.failed()) return may;
+        const store::QueueId queue = object.hold.queue->id;
+        // Before the look, so that a message that comes between look and sleep ends the sleep.
+        const std::uint32_t observed = connection.store->observe(queue);
+        const Look look = request.has(browseOptions) ? browseMessage(connection, object, request, got)
+                                                     : takeMessage(connection, object, request, got);
+        if (look.outcome.Reason != MQRC_NO_MSG_AVAILABLE) return look.outcome;
+        if (look.held && connection.store->releaseDead()) continue;
+        if (!waits) return look.outcome;
+        if (!deadline) deadline = deadlineOf(request);
+        if (!connection.store->waitForMessage(queue, observed, *deadline)) return look.outcome;
+        if (const Outcome alive = connection.store->check(); alive.failed()) return alive;
+    }
+}
+
+// MQMD.Expiry counts tenths of a second down, and a message that is returned has at least one left.
+MQLONG remainingExpiry(const store::MessageHeader &header)
+{
+    if (header.expiryDeadline == 0) return MQEI_UNLIMITED;
+    constexpr std::int64_t tenth = 100000;
+    const std::int64_t left = (header.expiryDeadline - store::currentTime() + tenth - 1) / tenth;
+    return static_cast<MQLONG>(std::max<std::int64_t>(left, 1));
+}
+
+} // namespace
+
+Outcome getMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got)
+{
+    if (const Outcome may = mayUseHandle(object, request); may.failed()) return may;
+    const bool removes = !request.has(browseOptions);
+    if (removes) object.savedContext.reset();
+
+    const Outcome outcome = lookUntilFound(connection, object, request, got);
+    if (outcome.failed()) return outcome;
+    got.header.md.Expiry = remainingExpiry(got.header);
+    if (removes && object.allows(MQOO_SAVE_ALL_CONTEXT) && outcome.Reason != MQRC_TRUNCATED_MSG_FAILED)
+        object.savedContext = contextOf(got.header.md);
+    return outcome;
+}
+
+Outcome judgeLength(const GetRequest &request, std::size_t bodyLength)
+{
+    if (bodyLength <= request.buffer.size()) return success();
+    return warning(request.has(MQGMO_ACCEPT_TRUNCATED_MSG) ? MQRC_TRUNCATED_MSG_ACCEPTED : MQRC_TRUNCATED_MSG_FAILED);
+}
+
+Outcome deliver(const GetRequest &request, std::span<const std::byte> body, GotMessage &got)
+{
+    const std::size_t returned = std::min(body.size(), request.buffer.size());
+    if (returned != 0) std::memcpy(request.buffer.data(), body.data(), returned);
+    got.dataLength = static_cast<MQLONG>(body.size());
+    got.returnedLength = static_cast<MQLONG>(returned);
+    return judgeLength(request, body.size());
+}
+
+void discardExpired(store::WriteTransaction &transaction, const ExpiredMessages &expired)
+{
+    for (const store::MessageKey &key : expired)
+        if (transaction.find(key)) transaction.discard(key);
+}
+
+} // namespace mqrig::qmgr::core

@@ -1,0 +1,61 @@
+// MQGET on a local queue: selecting, browsing, taking, waiting.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "cmqc.h"
+#include "qmgr/core/connection.h"
+#include "qmgr/core/object_handles.h"
+#include "qmgr/core/search.h"
+#include "qmgr/core/selection.h"
+#include "qmgr/store/message.h"
+#include "qmgr/store/outcome.h"
+
+namespace mqrig::qmgr::core {
+
+struct GetRequest {
+    MQLONG options = MQGMO_NONE; // checked: no two that exclude each other
+    MQLONG waitInterval = 0;     // milliseconds or MQWI_UNLIMITED; with MQGMO_WAIT
+    Selection selection;
+    std::span<std::byte> buffer;
+
+    bool has(MQLONG anyOf) const { return (options & anyOf) != 0; }
+};
+
+inline constexpr MQLONG browseOptions = MQGMO_BROWSE_FIRST | MQGMO_BROWSE_NEXT | MQGMO_BROWSE_MSG_UNDER_CURSOR;
+
+struct GotMessage {
+    store::MessageKey key;
+    store::MessageHeader header; // md.Expiry is what is left
+    MQLONG dataLength = 0;       // of the whole message
+    MQLONG returnedLength = 0;   // of what is in the buffer
+};
+
+// Fills `got` and the buffer unless it fails. Warnings: MQRC_TRUNCATED_MSG_ACCEPTED and MQRC_TRUNCATED_MSG_FAILED (the
+// message stays where it is, the cursor too). Failures: MQRC_NOT_OPEN_FOR_*, MQRC_GET_INHIBITED, MQRC_Q_DELETED,
+// MQRC_NO_MSG_AVAILABLE, MQRC_NO_MSG_UNDER_CURSOR, MQRC_SYNCPOINT_LIMIT_REACHED, MQRC_Q_MGR_QUIESCING, and those of
+// the store.
+Outcome getMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got);
+
+// ---- The two ways of looking once, without waiting ----
+
+// MQRC_NO_MSG_AVAILABLE, with `held` when messages that others hold may have stood in the way.
+struct Look {
+    Outcome outcome;
+    bool held = false;
+};
+Look takeMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got);
+Look browseMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got);
+
+// Copies as much of the body as fits, notes both lengths, and says what the get will answer: success, or one of the
+// two truncation warnings.
+Outcome deliver(const GetRequest &request, std::span<const std::byte> body, GotMessage &got);
+// The same judgement before the body is at hand.
+Outcome judgeLength(const GetRequest &request, std::size_t bodyLength);
+
+// Removes those that are still there.
+void discardExpired(store::WriteTransaction &transaction, const ExpiredMessages &expired);
+
+} // namespace mqrig::qmgr::core

@@ -1,0 +1,136 @@
+#include "qmgr/core/inquire.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "qmgr/objects/attribute.h"
+#include "qmgr/objects/object_name.h"
+#include "qmgr/objects/queue_counters.h"
+
+namespace mqrig::qmgr::core {
+namespace {
+
+using objects::Attribute;
+using objects::ObjectDefinition;
+using objects::ObjectKind;
+
+bool isCharacterSelector(MQLONG selector)
+{
+    return selector >= MQCA_FIRST && selector <= MQCA_LAST;
+}
+
+// An attribute that queues of another type have answers a placeholder.
+bool isOfOtherQueues(ObjectKind kind, MQLONG selector)
+{
+    if (!objects::contains(objects::allQueues, kind)) return false;
+    return std::ranges::any_of(objects::attributes(), [selector](const Attribute &attribute) {
+        return attribute.selector == selector && (attribute.kinds & objects::allQueues) != 0;
+    });
+}
+
+bool isKnown(ObjectKind kind, MQLONG selector)
+{
+    return objects::findSelector(kind, selector) != nullptr || isOfOtherQueues(kind, selector);
+}
+
+// Fills the caller's two arrays in the order of the selectors and remembers what did not go as asked.
+class Answer {
+  public:
+    Answer(const ObjectDefinition &object, const store::QueueStatus &status, const InquireRequest &request)
+        : object_(object), status_(status), intAttrs_(request.intAttrs), charAttrs_(request.charAttrs)
+    {
+    }
+
+    void add(MQLONG selector)
+    {
+        const Attribute *attribute = objects::findSelector(object_.kind(), selector);
+        if (attribute == nullptr) notForType_ = true;
+        if (isCharacterSelector(selector))
+            addText(attribute, selector);
+        else
+            addNumber(attribute, selector);
+    }
+
+    Outcome outcome() const
+    {
+        if (notForType_) return warning(MQRC_SELECTOR_NOT_FOR_TYPE);
+        if (tooFewIntegers_) return warning(MQRC_INT_ATTR_COUNT_TOO_SMALL);
+        if (tooFewCharacters_) return warning(MQRC_CHAR_ATTRS_TOO_SHORT);
+        return success();
+    }
+
+  private:
+    void addNumber(const Attribute *attribute, MQLONG selector)
+    {
+        if (intAttrs_.empty()) {
+            tooFewIntegers_ = true;
+            return;
+        }
+        MQLONG value = MQIAV_NOT_APPLICABLE;
+        if (attribute != nullptr)
+            value = attribute->access == objects::Access::Dynamic ? objects::countedValue(status_, selector)
+                                                                  : object_.number(selector);
+        intAttrs_.front() = value;
+        intAttrs_ = intAttrs_.subspan(1);
+    }
+
+    void addText(const Attribute *attribute, MQLONG selector)
+    {
+        const auto length = static_cast<std::size_t>(objects::textLengthOf(selector));
+        const std::size_t written = std::min(length, charAttrs_.size());
+        if (written < length) tooFewCharacters_ = true;
+        if (attribute == nullptr)
+            std::fill_n(charAttrs_.begin(), written, '*');
+        else
+            objects::fillField(charAttrs_.data(), written, object_.text(selector));
+        charAttrs_ = charAttrs_.subspan(written);
+    }
+
+    const ObjectDefinition &object_;
+    const store::QueueStatus &status_;
+    std::span<MQLONG> intAttrs_;
+    std::span<MQCHAR> charAttrs_;
+    bool notForType_ = false;
+    bool tooFewIntegers_ = false;
+    bool tooFewCharacters_ = false;
+};
+
+bool asksForCounters(ObjectKind kind, const InquireRequest &request)
+{
+    return std::ranges::any_of(request.selectors, [kind](MQLONG selector) {
+        const Attribute *attribute = objects::findSelector(kind, selector);
+        return attribute != nullptr && attribute->access == objects::Access::Dynamic;
+    });
+}
+
+Outcome answer(Connection &connection, const ObjectDefinition &object, store::QueueId queue,
+               const InquireRequest &request)
+{
+    for (const MQLONG selector : request.selectors)
+        if (!isKnown(object.kind(), selector)) return failure(MQRC_SELECTOR_ERROR);
+
+    store::QueueStatus status;
+    if (asksForCounters(object.kind(), request)) {
+        const Outcome counted = connection.store->read([&](store::ReadTransaction &transaction) {
+            status = transaction.queue(queue);
+            return success();
+        });
+        if (counted.failed()) return counted;
+    }
+    Answer answer(object, status, request);
+    for (const MQLONG selector : request.selectors) answer.add(selector);
+    return answer.outcome();
+}
+
+} // namespace
+
+Outcome inquire(Connection &connection, OpenObject &object, const InquireRequest &request)
+{
+    if (!object.allows(MQOO_INQUIRE)) return failure(MQRC_NOT_OPEN_FOR_INQUIRE);
+    if (object.type == MQOT_Q_MGR) return answer(connection, connection.queueManager().object, 0, request);
+    if (const Outcome there = connection.catalog.refresh(object.hold); there.failed()) return there;
+    return answer(connection, object.hold.queue->object, object.hold.queue->id, request);
+}
+
+} // namespace mqrig::qmgr::core

@@ -1,0 +1,64 @@
+// The objects that a connection has open, and the numbers (MQHOBJ) by which its program knows them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "cmqc.h"
+#include "qmgr/core/context.h"
+#include "qmgr/objects/catalog.h"
+#include "qmgr/store/message.h"
+#include "qmgr/store/transaction.h"
+
+namespace mqrig::qmgr::core {
+
+struct OpenObject {
+    MQLONG type = MQOT_Q;    // MQOT_Q or MQOT_Q_MGR
+    MQLONG options = 0;      // MQOO_ bits as granted: input is shared or exclusive, never as-queue-def
+    objects::QueueHold hold; // of a queue
+    store::OpenCounts opens; // what this handle adds to the counts of its queue
+
+    // Where browsing stands: the last message that a browse returned. It may be gone since.
+    std::optional<store::MessageKey> cursor;
+    // With MQOO_SAVE_ALL_CONTEXT: of the message that the last MQGET removed.
+    std::optional<MessageContext> savedContext;
+
+    bool allows(MQLONG anyOf) const { return (options & anyOf) != 0; }
+};
+
+// A handle number is the place of the object and how often the place was used before, so that a handle that was
+// closed does not become another object's at once. Numbers begin with 2 and stay small.
+class ObjectHandles {
+  public:
+    // No place left: MQHO_UNUSABLE_HOBJ.
+    MQHOBJ add(std::unique_ptr<OpenObject> object);
+    // Null for a number that is no open handle.
+    OpenObject *find(MQHOBJ hobj) const
+    {
+        const auto number = static_cast<std::uint32_t>(hobj);
+        const std::size_t place = (number & placeMask) - firstPlace;
+        if (place >= places_.size() || places_[place].uses != number >> placeBits) return nullptr;
+        return places_[place].object.get();
+    }
+    std::unique_ptr<OpenObject> remove(MQHOBJ hobj);
+    std::size_t size() const { return open_; }
+
+  private:
+    static constexpr unsigned placeBits = 20;
+    static constexpr std::uint32_t placeMask = (1U << placeBits) - 1;
+    static constexpr std::uint32_t usesMask = (1U << (31 - placeBits)) - 1;
+    static constexpr std::size_t firstPlace = 2;
+
+    struct Place {
+        std::unique_ptr<OpenObject> object;
+        std::uint32_t uses = 0;
+    };
+    std::vector<Place> places_;
+    std::vector<std::uint32_t> free_;
+    std::size_t open_ = 0;
+};
+
+} // namespace mqrig::qmgr::core

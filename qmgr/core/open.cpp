@@ -1,0 +1,139 @@
+#include "qmgr/core/open.h"
+
+#include <memory>
+#include <utility>
+
+#include "qmgr/objects/object_name.h"
+
+namespace mqrig::qmgr::core {
+namespace {
+
+constexpr MQLONG inputOptions = MQOO_INPUT_AS_Q_DEF | MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE;
+
+// Options that mean something for the queue manager object.
+constexpr MQLONG queueManagerOptions =
+    MQOO_INQUIRE | MQOO_SET | MQOO_FAIL_IF_QUIESCING | MQOO_ALTERNATE_USER_AUTHORITY;
+
+bool isLocal(const Connection &connection, std::string_view queueManager)
+{
+    return queueManager.empty() || queueManager == connection.store->queueManagerName();
+}
+
+// Input as the queue's definition wants it: one of shared and exclusive.
+MQLONG grantedOptions(const objects::QueueDefinition &queue, MQLONG options)
+{
+    if ((options & MQOO_INPUT_AS_Q_DEF) != 0) options = (options & ~MQOO_INPUT_AS_Q_DEF) | queue.defInputOpenOption;
+    if ((options & MQOO_INPUT_SHARED) != 0 && queue.shareability == MQQA_NOT_SHAREABLE)
+        options = (options & ~MQOO_INPUT_SHARED) | MQOO_INPUT_EXCLUSIVE;
+    return options;
+}
+
+store::OpenCounts countsOf(MQLONG options)
+{
+    store::OpenCounts opens;
+    opens.exclusive = (options & MQOO_INPUT_EXCLUSIVE) != 0 ? 1 : 0;
+    opens.input = (options & (MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE)) != 0 ? 1 : 0;
+    opens.output = (options & MQOO_OUTPUT) != 0 ? 1 : 0;
+    opens.browse = (options & MQOO_BROWSE) != 0 ? 1 : 0;
+    return opens;
+}
+
+bool inTheWay(const store::OpenCounts &others, const store::OpenCounts &wanted)
+{
+    return (wanted.exclusive != 0 && others.input != 0) || (wanted.input != 0 && others.exclusive != 0);
+}
+
+// Counts the handle, unless another one's exclusive use forbids it.
+Outcome countOpen(store::Attachment &store, store::QueueId queue, const store::OpenCounts &wanted)
+{
+    for (;;) {
+        const Outcome outcome = store.update(0, [&](store::WriteTransaction &transaction) {
+            if (inTheWay(transaction.queue(queue).opens, wanted)) return failure(MQRC_OBJECT_IN_USE);
+            transaction.addOpens(queue, wanted);
+            return success();
+        });
+        if (outcome.Reason == MQRC_OBJECT_IN_USE && store.releaseDead()) continue;
+        return outcome;
+    }
+}
+
+Outcome openQueue(Connection &connection, const ObjectName &name, OpenObject &object)
+{
+    objects::FoundQueue found = resolveQueue(connection, name);
+    if (found.outcome.failed()) return found.outcome;
+    object.options = grantedOptions(*found.hold.queue, object.options);
+    object.opens = countsOf(object.options);
+    object.hold = std::move(found.hold);
+    return countOpen(*connection.store, object.hold.queue->id, object.opens);
+}
+
+Outcome openQueueManager(const Connection &connection, const ObjectName &name, const OpenObject &object)
+{
+    if ((object.options & ~queueManagerOptions) != 0) return failure(MQRC_OPTION_NOT_VALID_FOR_TYPE);
+    if (!name.name.empty()) return failure(MQRC_UNKNOWN_OBJECT_NAME);
+    return isLocal(connection, name.queueManager) ? success() : failure(MQRC_UNKNOWN_REMOTE_Q_MGR);
+}
+
+Outcome openByType(Connection &connection, const ObjectName &name, OpenObject &object)
+{
+    switch (name.type) {
+    case MQOT_Q:
+        return openQueue(connection, name, object);
+    case MQOT_Q_MGR:
+        return openQueueManager(connection, name, object);
+    // Types of which there are no objects: only inquiry could be meant.
+    case MQOT_PROCESS:
+    case MQOT_NAMELIST:
+        if ((object.options & (inputOptions | MQOO_BROWSE | MQOO_OUTPUT)) != 0)
+            return failure(MQRC_OPTION_NOT_VALID_FOR_TYPE);
+        return failure(MQRC_UNKNOWN_OBJECT_NAME);
+    case MQOT_TOPIC:
+        return failure(MQRC_FUNCTION_NOT_SUPPORTED);
+    default:
+        return failure(MQRC_OBJECT_TYPE_ERROR);
+    }
+}
+
+} // namespace
+
+objects::FoundQueue resolveQueue(Connection &connection, const ObjectName &name)
+{
+    if (!isLocal(connection, name.queueManager)) return {failure(MQRC_UNKNOWN_REMOTE_Q_MGR), {}};
+    return connection.catalog.queue(name.name);
+}
+
+objects::FoundQueue resolveForPut(Connection &connection, const ObjectName &name)
+{
+    if (name.type == MQOT_Q) return resolveQueue(connection, name);
+    return {failure(name.type == MQOT_TOPIC ? MQRC_FUNCTION_NOT_SUPPORTED : MQRC_OBJECT_TYPE_ERROR), {}};
+}
+
+Outcome openObject(Connection &connection, const ObjectName &name, MQLONG options, MQHOBJ &hobj)
+{
+    if ((options & MQOO_FAIL_IF_QUIESCING) != 0 && connection.store->state() == store::State::Quiescing)
+        return failure(MQRC_Q_MGR_QUIESCING);
+    if (connection.handles.size() >= static_cast<std::size_t>(connection.queueManager().maxHandles))
+        return failure(MQRC_HANDLE_NOT_AVAILABLE);
+
+    auto object = std::make_unique<OpenObject>();
+    object->type = name.type;
+    object->options = options;
+    // The handle first: once the open is counted in the store nothing may fail.
+    OpenObject &opened = *object;
+    const MQHOBJ added = connection.handles.add(std::move(object));
+    if (added == MQHO_UNUSABLE_HOBJ) return failure(MQRC_HANDLE_NOT_AVAILABLE);
+    Outcome outcome = failure(MQRC_STORAGE_NOT_AVAILABLE);
+    try {
+        outcome = openByType(connection, name, opened);
+    } catch (...) {
+        connection.handles.remove(added);
+        throw;
+    }
+    if (outcome.failed())
+        connection.handles.remove(added);
+    else
+        hobj = added;
+    return outcome;
+}
+
+} // namespace mqrig::qmgr::core

@@ -1,0 +1,33 @@
+// MQOPEN, and the way to a queue that MQPUT1 shares with it.
+#pragma once
+
+#include <string_view>
+
+#include "cmqc.h"
+#include "qmgr/core/connection.h"
+#include "qmgr/objects/catalog.h"
+#include "qmgr/store/outcome.h"
+
+namespace mqrig::qmgr::core {
+
+// The object that an MQOD names; names without padding.
+struct ObjectName {
+    MQLONG type = MQOT_Q;
+    std::string_view name;
+    std::string_view queueManager;
+};
+
+// Finds the local queue. MQRC_UNKNOWN_OBJECT_NAME, MQRC_UNKNOWN_REMOTE_Q_MGR.
+objects::FoundQueue resolveQueue(Connection &connection, const ObjectName &name);
+// The same for MQPUT1. MQRC_OBJECT_TYPE_ERROR where messages cannot be put.
+objects::FoundQueue resolveForPut(Connection &connection, const ObjectName &name);
+
+// Opens the object with options (MQOO_, checked) and leaves its handle in `hobj`. Beside the reasons of resolveQueue:
+// MQRC_OBJECT_TYPE_ERROR, MQRC_OPTION_NOT_VALID_FOR_TYPE, MQRC_OBJECT_IN_USE, MQRC_HANDLE_NOT_AVAILABLE,
+// MQRC_Q_MGR_QUIESCING.
+Outcome openObject(Connection &connection, const ObjectName &name, MQLONG options, MQHOBJ &hobj);
+
+// MQCLOSE. MQRC_HOBJ_ERROR.
+Outcome closeObject(Connection &connection, MQHOBJ hobj);
+
+} // namespace mqrig::qmgr::core

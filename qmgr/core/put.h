@@ -1,0 +1,38 @@
+// MQPUT and MQPUT1 on a local queue.
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+#include "cmqc.h"
+#include "qmgr/core/connection.h"
+#include "qmgr/objects/catalog.h"
+#include "qmgr/store/message.h"
+#include "qmgr/store/outcome.h"
+
+namespace mqrig::qmgr::core {
+
+struct PutRequest {
+    MQLONG options = MQPMO_NONE;      // checked: no two that exclude each other
+    MQLONG openOptions = MQOO_OUTPUT; // MQOO_ bits of the handle; MQPUT1: those that its options ask for
+    MQHOBJ contextHandle = MQHO_NONE; // MQPMO.Context
+
+    bool has(MQLONG anyOf) const { return (options & anyOf) != 0; }
+};
+
+// Puts the message: `message.header.md` is the program's descriptor in version 2 and becomes that of the message,
+// `message.body` is the program's buffer. Warning: MQRC_PRIORITY_EXCEEDS_MAXIMUM. Failures: MQRC_PUT_INHIBITED,
+// MQRC_Q_DELETED, MQRC_Q_FULL, MQRC_MSG_TOO_BIG_FOR_Q, MQRC_MSG_TOO_BIG_FOR_Q_MGR, MQRC_SYNCPOINT_LIMIT_REACHED,
+// MQRC_Q_MGR_QUIESCING, those of descriptor and context, and those of the store.
+Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue, const PutRequest &request,
+                   store::NewMessage &message);
+
+// The parts of it.
+
+// Checks the fields that the program gives, and fills in what it leaves to the queue manager, context aside.
+Outcome completeDescriptor(Connection &connection, const objects::QueueDefinition &queue, const PutRequest &request,
+                           MQMD &md);
+// Writes the context that the options ask for.
+Outcome completeContext(Connection &connection, const PutRequest &request, std::int64_t putTime, MQMD &md);
+
+} // namespace mqrig::qmgr::core

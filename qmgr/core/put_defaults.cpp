@@ -1,0 +1,142 @@
+// The fields of a message descriptor on their way into a message.
+#include <algorithm>
+#include <cstring>
+
+#include "qmgr/core/put.h"
+
+namespace mqrig::qmgr::core {
+namespace {
+
+bool isMessageType(MQLONG type)
+{
+    switch (type) {
+    case MQMT_REQUEST:
+    case MQMT_REPLY:
+    case MQMT_DATAGRAM:
+    case MQMT_REPORT:
+    case MQMT_MQE_FIELDS_FROM_MQE:
+    case MQMT_MQE_FIELDS:
+        return true;
+    default:
+        return type >= MQMT_APPL_FIRST && type <= MQMT_APPL_LAST;
+    }
+}
+
+bool isFeedback(MQLONG feedback)
+{
+    return feedback >= MQFB_NONE && feedback <= MQFB_APPL_LAST;
+}
+
+bool isBlank(const MQCHAR48 &name)
+{
+    return name[0] == ' ' || name[0] == '\0';
+}
+
+Outcome checkDescriptor(const MQMD &md)
+{
+    if (!isMessageType(md.MsgType)) return failure(MQRC_MSG_TYPE_ERROR);
+    if (md.Expiry != MQEI_UNLIMITED && md.Expiry <= 0) return failure(MQRC_EXPIRY_ERROR);
+    if (!isFeedback(md.Feedback)) return failure(MQRC_FEEDBACK_ERROR);
+    if (md.Priority < MQPRI_PRIORITY_AS_Q_DEF) return failure(MQRC_PRIORITY_ERROR);
+    if (md.Persistence != MQPER_NOT_PERSISTENT && md.Persistence != MQPER_PERSISTENT &&
+        md.Persistence != MQPER_PERSISTENCE_AS_Q_DEF)
+        return failure(MQRC_PERSISTENCE_ERROR);
+    if (md.MsgType == MQMT_REQUEST && isBlank(md.ReplyToQ)) return failure(MQRC_MISSING_REPLY_TO_Q);
+    return success();
+}
+
+bool isNone(const MQBYTE24 &id)
+{
+    return std::all_of(std::begin(id), std::end(id), [](MQBYTE byte) { return byte == 0; });
+}
+
+// A message that is in no group and is no segment carries these values, whatever the program had there.
+void makeSingle(MQMD &md)
+{
+    std::memset(md.GroupId, 0, sizeof md.GroupId);
+    md.MsgSeqNumber = 1;
+    md.Offset = 0;
+    md.OriginalLength = MQOL_UNDEFINED;
+}
+
+// What each context option needs of MQOPEN's options; a stronger one carries the weaker ones.
+struct ContextRight {
+    MQLONG putOption;
+    MQLONG openOptions;
+    MQLONG reason;
+};
+constexpr ContextRight contextRights[] = {
+    {MQPMO_PASS_IDENTITY_CONTEXT,
+     MQOO_PASS_IDENTITY_CONTEXT | MQOO_PASS_ALL_CONTEXT | MQOO_SET_IDENTITY_CONTEXT | MQOO_SET_ALL_CONTEXT,
+     MQRC_NOT_OPEN_FOR_PASS_IDENT},
+    {MQPMO_PASS_ALL_CONTEXT, MQOO_PASS_ALL_CONTEXT | MQOO_SET_ALL_CONTEXT, MQRC_NOT_OPEN_FOR_PASS_ALL},
+    {MQPMO_SET_IDENTITY_CONTEXT, MQOO_SET_IDENTITY_CONTEXT | MQOO_SET_ALL_CONTEXT, MQRC_NOT_OPEN_FOR_SET_IDENT},
+    {MQPMO_SET_ALL_CONTEXT, MQOO_SET_ALL_CONTEXT, MQRC_NOT_OPEN_FOR_SET_ALL},
+};
+
+Outcome passContext(Connection &connection, const PutRequest &request, std::int64_t putTime, MQMD &md)
+{
+    const OpenObject *source = connection.handles.find(request.contextHandle);
+    if (source == nullptr || !source->allows(MQOO_SAVE_ALL_CONTEXT)) return failure(MQRC_CONTEXT_HANDLE_ERROR);
+    if (!source->savedContext) return failure(MQRC_CONTEXT_NOT_AVAILABLE);
+    setIdentity(md, source->savedContext->identity);
+    if (request.has(MQPMO_PASS_ALL_CONTEXT))
+        setOrigin(md, source->savedContext->origin);
+    else
+        setDefaultOrigin(md, connection.identity, connection.clock, putTime);
+    return success();
+}
+
+} // namespace
+
+Outcome completeDescriptor(Connection &connection, const objects::QueueDefinition &queue, const PutRequest &request,
+                           MQMD &md)
+{
+    if (const Outcome checked = checkDescriptor(md); checked.failed()) return checked;
+
+    Outcome outcome;
+    const objects::QueueManagerDefinition &queueManager = connection.queueManager();
+    if (md.Priority == MQPRI_PRIORITY_AS_Q_DEF) md.Priority = queue.defPriority;
+    // The message keeps the number; it stands among those of the highest priority.
+    if (md.Priority > queueManager.maxPriority) outcome = warning(MQRC_PRIORITY_EXCEEDS_MAXIMUM);
+    if (md.Persistence == MQPER_PERSISTENCE_AS_Q_DEF) md.Persistence = queue.defPersistence;
+    if (md.CodedCharSetId == MQCCSI_Q_MGR || md.CodedCharSetId == MQCCSI_INHERIT || md.CodedCharSetId == MQCCSI_APPL)
+        md.CodedCharSetId = queueManager.codedCharSetId;
+
+    padField(md.Format);
+    padField(md.ReplyToQ);
+    padField(md.ReplyToQMgr);
+    if (!isBlank(md.ReplyToQ) && isBlank(md.ReplyToQMgr))
+        std::copy(connection.queueManagerName.begin(), connection.queueManagerName.end(), md.ReplyToQMgr);
+
+    md.BackoutCount = 0;
+    if (request.has(MQPMO_NEW_MSG_ID) || isNone(md.MsgId)) connection.newIdentifier(md.MsgId);
+    if (request.has(MQPMO_NEW_CORREL_ID)) connection.newIdentifier(md.CorrelId);
+    makeSingle(md);
+    return outcome;
+}
+
+Outcome completeContext(Connection &connection, const PutRequest &request, std::int64_t putTime, MQMD &md)
+{
+    for (const ContextRight &right : contextRights)
+        if (request.has(right.putOption) && (request.openOptions & right.openOptions) == 0)
+            return failure(right.reason);
+
+    if (request.has(MQPMO_PASS_IDENTITY_CONTEXT | MQPMO_PASS_ALL_CONTEXT))
+        return passContext(connection, request, putTime, md);
+    if (request.has(MQPMO_NO_CONTEXT)) {
+        setNoContext(md);
+    } else if (request.has(MQPMO_SET_ALL_CONTEXT)) {
+        padIdentity(md);
+        padOrigin(md);
+    } else if (request.has(MQPMO_SET_IDENTITY_CONTEXT)) {
+        padIdentity(md);
+        setDefaultOrigin(md, connection.identity, connection.clock, putTime);
+    } else {
+        setDefaultIdentity(md, connection.identity);
+        setDefaultOrigin(md, connection.identity, connection.clock, putTime);
+    }
+    return success();
+}
+
+} // namespace mqrig::qmgr::core

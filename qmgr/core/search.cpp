@@ -1,0 +1,60 @@
+#include "qmgr/core/search.h"
+
+namespace mqrig::qmgr::core {
+namespace {
+
+// The one message that a token names.
+void searchToken(store::Transaction &transaction, const Search &search, SearchResult &result,
+                 ExpiredMessages &expired)
+{
+    const auto key = search.selection->tokenKey();
+    if (!key || key->queue != search.queue || (search.behind && *key <= *search.behind)) return;
+    const auto header = transaction.find(*key);
+    if (!header || !search.selection->matches(*header)) return;
+    if (isExpired(*header, search.now)) {
+        expired.add(*key);
+        return;
+    }
+    result.end = SearchEnd::Found;
+    result.key = *key;
+    result.header = *header;
+}
+
+void walk(store::MessageCursor &cursor, const Search &search, SearchResult &result, ExpiredMessages &expired)
+{
+    std::size_t looked = 0;
+    for (bool there = search.behind ? cursor.seek(*search.behind) : cursor.first(); there; there = cursor.next()) {
+        const store::MessageHeader &header = cursor.header();
+        if (isExpired(header, search.now)) {
+            expired.add(cursor.key());
+        } else if (search.selection->matches(header)) {
+            result.end = SearchEnd::Found;
+            result.key = cursor.key();
+            result.header = header;
+            return;
+        }
+        if (++looked == search.most || expired.full()) {
+            result.end = SearchEnd::Stopped;
+            result.reached = cursor.key();
+            return;
+        }
+    }
+}
+
+} // namespace
+
+void search(store::Transaction &transaction, const Search &search, SearchResult &result, ExpiredMessages &expired)
+{
+    result.end = SearchEnd::NotFound;
+    result.reached.reset();
+    expired.clear();
+    if (search.selection->byToken()) return searchToken(transaction, search, result, expired);
+    if (const auto indexed = search.selection->indexed()) {
+        store::MessageCursor cursor(transaction, search.queue, indexed->index, store::MessageId(*indexed->id));
+        return walk(cursor, search, result, expired);
+    }
+    store::MessageCursor cursor(transaction, search.queue);
+    walk(cursor, search, result, expired);
+}
+
+} // namespace mqrig::qmgr::core

@@ -1,0 +1,62 @@
+// Finding the next message of a queue that a selection wants, inside a transaction of the caller's.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+#include "qmgr/core/selection.h"
+#include "qmgr/store/message.h"
+#include "qmgr/store/transaction.h"
+
+namespace mqrig::qmgr::core {
+
+// Messages that a search met after their time. They are never returned; whoever searched discards them.
+class ExpiredMessages {
+  public:
+    static constexpr std::size_t most = 32;
+
+    bool empty() const { return count_ == 0; }
+    bool full() const { return count_ == most; }
+    void add(const store::MessageKey &key) { keys_[count_++] = key; }
+    void clear() { count_ = 0; }
+    const store::MessageKey *begin() const { return keys_.data(); }
+    const store::MessageKey *end() const { return keys_.data() + count_; }
+
+  private:
+    std::array<store::MessageKey, most> keys_;
+    std::size_t count_ = 0;
+};
+
+struct Search {
+    store::QueueId queue = 0;
+    const Selection *selection = nullptr;
+    std::optional<store::MessageKey> behind; // begin behind this place; empty: with the first message
+    std::int64_t now = 0;                    // microseconds since 1970 UTC
+    std::size_t most = 0;                    // messages to look at
+};
+
+enum class SearchEnd {
+    Found,
+    NotFound,
+    Stopped, // `most` messages looked at, or too many expired ones met: `reached` is the last one looked at
+};
+
+struct SearchResult {
+    SearchEnd end = SearchEnd::NotFound;
+    store::MessageKey key;
+    store::MessageHeader header;
+    std::optional<store::MessageKey> reached;
+};
+
+// `result` and `expired` are made anew.
+void search(store::Transaction &transaction, const Search &search, SearchResult &result, ExpiredMessages &expired);
+
+// Whether the message's time is over.
+inline bool isExpired(const store::MessageHeader &header, std::int64_t now)
+{
+    return header.expiryDeadline != 0 && header.expiryDeadline <= now;
+}
+
+} // namespace mqrig::qmgr::core

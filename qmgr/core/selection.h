@@ -1,0 +1,43 @@
+// Which messages a MQGET will have: MQGMO.MatchOptions with the fields that they name.
+#pragma once
+
+#include <array>
+#include <optional>
+
+#include "cmqc.h"
+#include "qmgr/store/message.h"
+#include "qmgr/store/transaction.h"
+
+namespace mqrig::qmgr::core {
+
+class Selection {
+  public:
+    // Any message.
+    Selection() = default;
+    // `options`: MQMO_. `md`: version 2. The values MQMI_NONE, MQCI_NONE, MQGI_NONE and MQMTOK_NONE match anything.
+    Selection(MQLONG options, const MQMD &md, const MQBYTE16 &token);
+
+    bool matches(const store::MessageHeader &header) const;
+
+    // The index that holds all messages of this selection, if one of the identifiers is wanted.
+    struct Indexed {
+        store::Index index;
+        const MQBYTE24 *id;
+    };
+    std::optional<Indexed> indexed() const;
+
+    // A token names one message; a token that no message can have names none.
+    bool byToken() const { return (options_ & MQMO_MATCH_MSG_TOKEN) != 0; }
+    std::optional<store::MessageKey> tokenKey() const { return store::keyOfToken(token_); }
+
+  private:
+    MQLONG options_ = MQMO_NONE; // those that select anything
+    MQBYTE24 msgId_{};
+    MQBYTE24 correlId_{};
+    MQBYTE24 groupId_{};
+    MQLONG msgSeqNumber_ = 0;
+    MQLONG offset_ = 0;
+    store::MessageToken token_{};
+};
+
+} // namespace mqrig::qmgr::core

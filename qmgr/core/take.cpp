@@ -1,0 +1,193 @@
+// MQGET that removes a message.
+//
+// The search runs inside the transaction that takes the message, so that choosing and taking are one step. It is the
+// only transaction that others wait for, so it looks at a few messages only: the rest of a long search goes over a
+// snapshot, and the transaction then begins behind the messages that the snapshot has shown to be of no interest.
+#include <cstddef>
+#include <optional>
+
+#include "qmgr/core/get.h"
+#include "qmgr/store/seams.h"
+
+namespace mqrig::qmgr::core {
+namespace {
+
+// Messages looked at while others wait.
+constexpr std::size_t shortSearch = 64;
+constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
+// Bodies from this length on are copied outside the transaction that takes them.
+constexpr std::size_t largeBody = 64 * 1024;
+
+// What the transaction did with the message that it found; made anew whenever it runs again.
+struct Taken {
+    Outcome outcome = failure(MQRC_NO_MSG_AVAILABLE);
+    bool locked = false;    // for the unit of work, or until the large body is copied
+    bool copyLater = false;
+    store::Ticket ticket = 0;
+};
+
+class Taker {
+  public:
+    Taker(Connection &connection, const OpenObject &object, const GetRequest &request, GotMessage &got)
+        : connection_(connection), store_(*connection.store), object_(object), request_(request), got_(got),
+          queue_(object.hold.queue->id),
+          maxUncommitted_(static_cast<std::size_t>(connection.queueManager().maxUncommittedMsgs))
+    {
+    }
+
+    Look underCursor()
+    {
+        if (!object_.cursor) return {failure(MQRC_NO_MSG_UNDER_CURSOR)};
+        connection_.unit.roomForGet();
+        Taken taken;
+        const std::int64_t now = store::currentTime();
+        const Outcome updated = store_.update(0, [&](store::WriteTransaction &transaction) {
+            taken = {};
+            const auto header = transaction.find(*object_.cursor);
+            if (!header || isExpired(*header, now)) return failure(MQRC_NO_MSG_UNDER_CURSOR);
+            got_.key = *object_.cursor;
+            got_.header = *header;
+            return take(transaction, taken);
+        });
+        return {updated.failed() ? updated : finish(taken)};
+    }
+
+    Look next()
+    {
+        connection_.unit.roomForGet();
+        std::optional<store::MessageKey> behind;
+        for (;;) {
+            bool held = false;
+            Taken taken;
+            const Outcome updated = store_.update(0, [&](store::WriteTransaction &transaction) {
+                taken = {};
+                search(transaction, {queue_, &request_.selection, behind, store::currentTime(), shortSearch}, found_,
+                       expired_);
+                if (found_.end == SearchEnd::NotFound) held = transaction.queue(queue_).held != 0;
+                Outcome answer = success();
+                if (found_.end == SearchEnd::Found) {
+                    got_.key = found_.key;
+                    got_.header = found_.header;
+                    answer = take(transaction, taken);
+                }
+                discardExpired(transaction, expired_);
+                return answer;
+            });
+            if (updated.failed()) return {updated};
+            if (found_.end == SearchEnd::Found) return {finish(taken)};
+            if (found_.end == SearchEnd::NotFound) return {failure(MQRC_NO_MSG_AVAILABLE), held};
+            behind = found_.reached;
+            if (expired_.full()) continue;
+            if (const Look look = searchSnapshot(behind); look.outcome.failed()) return look;
+        }
+    }
+
+  private:
+    // Moves `behind` up to the next message that is wanted.
+    Look searchSnapshot(std::optional<store::MessageKey> &behind)
+    {
+        for (;;) {
+            bool held = false;
+            const Outcome looked = store_.read([&](store::ReadTransaction &transaction) {
+                search(transaction, {queue_, &request_.selection, behind, store::currentTime(), anyNumber}, found_,
+                       expired_);
+                held = transaction.queue(queue_).held != 0;
+                return success();
+            });
+            if (looked.failed()) return {looked};
+            if (!expired_.empty()) {
+                const Outcome discarded = store_.update(0, [&](store::WriteTransaction &transaction) {
+                    discardExpired(transaction, expired_);
+                    return success();
+                });
+                if (discarded.failed()) return {discarded};
+            }
+            if (found_.reached) behind = found_.reached;
+            if (found_.end == SearchEnd::Found) return {success()};
+            if (found_.end == SearchEnd::NotFound) return {failure(MQRC_NO_MSG_AVAILABLE), held};
+        }
+    }
+
+    bool inUnitOfWork() const
+    {
+        return request_.has(MQGMO_SYNCPOINT) ||
+               (request_.has(MQGMO_SYNCPOINT_IF_PERSISTENT) && store::isPersistent(got_.header));
+    }
+
+    // Inside the transaction: `got_` names the message.
+    Outcome take(store::WriteTransaction &transaction, Taken &taken)
+    {
+        const std::size_t length = got_.header.bodyLength;
+        taken.outcome = judgeLength(request_, length);
+        if (taken.outcome.Reason == MQRC_TRUNCATED_MSG_FAILED) {
+            taken.outcome = deliver(request_, transaction.body(got_.key), got_);
+            return success();
+        }
+        const bool unit = inUnitOfWork();
+        if (unit && connection_.unit.size() >= maxUncommitted_) return failure(MQRC_SYNCPOINT_LIMIT_REACHED);
+
+        taken.copyLater = length >= largeBody;
+        if (!taken.copyLater) taken.outcome = deliver(request_, transaction.body(got_.key), got_);
+        taken.locked = unit || taken.copyLater;
+        if (taken.locked)
+            transaction.lock(got_.key);
+        else
+            taken.ticket = transaction.take(got_.key);
+        return success();
+    }
+
+    // After the transaction: the large body, the place in the unit of work, the log.
+    Outcome finish(const Taken &taken)
+    {
+        if (!taken.locked) {
+            const Outcome hardened = store_.harden(taken.ticket);
+            return hardened.failed() ? hardened : taken.outcome;
+        }
+        const store::TakenMessage message{got_.key, store::isPersistent(got_.header)};
+        if (taken.copyLater) {
+            const Outcome copied = store_.read([&](store::ReadTransaction &transaction) {
+                (void)deliver(request_, transaction.body(got_.key), got_);
+                return success();
+            });
+            if (copied.failed()) {
+                giveBack();
+                return copied;
+            }
+        }
+        if (inUnitOfWork()) {
+            connection_.unit.addGet(message);
+            return taken.outcome;
+        }
+        const Outcome committed = store_.commit({{}, {&message, 1}});
+        if (committed.Reason == MQRC_BACKED_OUT) return failure(MQRC_STORAGE_NOT_AVAILABLE);
+        return committed.failed() ? committed : taken.outcome;
+    }
+
+    void giveBack()
+    {
+        (void)store_.update(0, [&](store::WriteTransaction &transaction) {
+            transaction.unlock(got_.key);
+            return success();
+        });
+    }
+
+    Connection &connection_;
+    store::Attachment &store_;
+    const OpenObject &object_;
+    const GetRequest &request_;
+    GotMessage &got_;
+    store::QueueId queue_;
+    std::size_t maxUncommitted_;
+    SearchResult found_;
+    ExpiredMessages expired_;
+};
+
+} // namespace
+
+Look takeMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got)
+{
+    Taker taker(connection, object, request, got);
+    return request.has(MQGMO_MSG_UNDER_CURSOR) ? taker.underCursor() : taker.next();
+}
+
+} // namespace mqrig::qmgr::core

@@ -1,0 +1,93 @@
+#include "qmgr/core/unit_of_work.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "qmgr/core/connection.h"
+
+namespace mqrig::qmgr::core {
+namespace {
+
+constexpr std::size_t blockSize = 256 * 1024;
+// Lists that grew beyond this for one large unit are given back with it.
+constexpr std::size_t keptMessages = 1024;
+
+template <class List> void emptyList(List &list)
+{
+    if (list.capacity() > keptMessages)
+        list = List();
+    else
+        list.clear();
+}
+
+} // namespace
+
+std::span<const std::byte> BodyMemory::copy(std::span<const std::byte> body)
+{
+    if (body.empty()) return {};
+    if (blocks_.empty() || blocks_.back().size - used_ < body.size()) {
+        const std::size_t size = std::max(blockSize, body.size());
+        blocks_.push_back({std::make_unique_for_overwrite<std::byte[]>(size), size});
+        used_ = 0;
+    }
+    std::byte *place = blocks_.back().bytes.get() + used_;
+    std::memcpy(place, body.data(), body.size());
+    used_ += body.size();
+    return {place, body.size()};
+}
+
+void BodyMemory::clear()
+{
+    const auto ordinary =
+        std::find_if(blocks_.begin(), blocks_.end(), [](const Block &block) { return block.size == blockSize; });
+    if (ordinary == blocks_.end()) {
+        blocks_.clear();
+    } else {
+        std::iter_swap(blocks_.begin(), ordinary);
+        blocks_.resize(1);
+    }
+    used_ = 0;
+}
+
+void UnitOfWork::keepPut(const store::NewMessage &message)
+{
+    puts_.push_back(message);
+    try {
+        puts_.back().body = bodies_.copy(message.body);
+    } catch (...) {
+        puts_.pop_back();
+        throw;
+    }
+}
+
+void UnitOfWork::roomForGet()
+{
+    if (gets_.size() == gets_.capacity()) gets_.reserve(std::max<std::size_t>(16, gets_.capacity() * 2));
+}
+
+void UnitOfWork::clear()
+{
+    emptyList(puts_);
+    emptyList(gets_);
+    bodies_.clear();
+}
+
+Outcome commit(Connection &connection)
+{
+    connection.begun = false;
+    if (connection.unit.empty()) return success();
+    const Outcome outcome = connection.store->commit(connection.unit.content());
+    connection.unit.clear();
+    return outcome;
+}
+
+Outcome backOut(Connection &connection)
+{
+    connection.begun = false;
+    if (connection.unit.empty()) return success();
+    const Outcome outcome = connection.store->backOut(connection.unit.content());
+    connection.unit.clear();
+    return outcome;
+}
+
+} // namespace mqrig::qmgr::core

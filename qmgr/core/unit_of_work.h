@@ -1,0 +1,67 @@
+// The unit of work of a connection, in the connection's own memory.
+//
+// A put under syncpoint lives here until MQCMIT: nobody else sees the message, but its place in the queue's depth is
+// booked in the store. A get under syncpoint is a lock in the store that this list remembers. The process may die at
+// any moment: the memory goes, and whoever finds the dead connection gives bookings and locks back.
+//
+// Rooms before deeds: what may fail for want of memory happens before the store is changed (keepPut, roomForGet).
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "qmgr/store/message.h"
+#include "qmgr/store/outcome.h"
+
+namespace mqrig::qmgr::core {
+
+// Memory for the bodies of one unit of work: taken piece by piece, given back all at once.
+class BodyMemory {
+  public:
+    std::span<const std::byte> copy(std::span<const std::byte> body);
+    // Keeps one block of ordinary size, so that the next unit of work allocates nothing.
+    void clear();
+
+  private:
+    struct Block {
+        std::unique_ptr<std::byte[]> bytes;
+        std::size_t size = 0;
+    };
+    std::vector<Block> blocks_;
+    std::size_t used_ = 0; // of the last block
+};
+
+class UnitOfWork {
+  public:
+    bool empty() const { return puts_.empty() && gets_.empty(); }
+    // What MAXUMSGS counts.
+    std::size_t size() const { return puts_.size() + gets_.size(); }
+
+    // Copies the message with its body to the end of the unit.
+    void keepPut(const store::NewMessage &message);
+    // The last put could not be booked.
+    void dropLastPut() { puts_.pop_back(); }
+
+    void roomForGet();
+    void addGet(const store::TakenMessage &message) { gets_.push_back(message); }
+
+    // For Attachment::commit and backOut; valid until the unit changes.
+    store::Unit content() const { return {puts_, gets_}; }
+    // After either of them: the unit holds nothing any more.
+    void clear();
+
+  private:
+    std::vector<store::NewMessage> puts_;
+    std::vector<store::TakenMessage> gets_;
+    BodyMemory bodies_;
+};
+
+struct Connection;
+
+// MQCMIT and MQBACK: ends the connection's unit of work and begins an empty one.
+Outcome commit(Connection &connection);
+Outcome backOut(Connection &connection);
+
+} // namespace mqrig::qmgr::core
