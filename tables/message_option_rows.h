@@ -11,10 +11,10 @@ inline constexpr OptionRow BODY_OPTIONS[] = {
      .help = "put a running count in front of the text: 00000001: TEXT"},
     {.flag = "-dl", .kind = OptionKind::Text, .text = &RunParams::LogicalMsgDelimiter,
      .missing = "delimiter for logical messages(-dl)", .value = "TEXT|0xHEX",
-     .help = "cut the body into logical messages here (needs MQMD_VERSION_2; one group: MQPMO_LOGICAL_ORDER or -gi)"},
+     .help = "cut the body into logical messages (MQMD_VERSION_2; one group: MQPMO_LOGICAL_ORDER or -gi)"},
     {.flag = "-as", .kind = OptionKind::Number, .integer = INTEGER(SegmentSize), .minimum = -1, .zeroRefused = true,
      .missing = "segmentation size(-as)", .value = "BYTES",
-     .help = "cut messages into segments of this size (needs MQMD_VERSION_2; one group: MQPMO_LOGICAL_ORDER or -gi)"},
+     .help = "cut messages into segments (MQMD_VERSION_2; one group: MQPMO_LOGICAL_ORDER or -gi)"},
     {.flag = "-smp", .kind = OptionKind::Text, .text = &RunParams::SetMpList, .missing = "MQSETMP parameters(-smp)",
      .value = "PROPERTY,..",
      .help = "put properties: MQTYPE_STRING:property name:value,..:.. (needs MQPMO_VERSION_3)"},
@@ -109,7 +109,7 @@ inline constexpr OptionRow RFH2_OPTIONS[] = {
 
 inline constexpr OptionRow GET_OPTIONS[] = {
     {.flag = "-wi", .kind = OptionKind::Number, .integer = INTEGER(Gmo.WaitInterval),
-     .missing = "MQGMO.WaitInterval(-wi)", .value = "MS", .help = "WaitInterval (needs MQGMO_WAIT)"},
+     .missing = "MQGMO.WaitInterval(-wi)", .value = "MS", .help = "WaitInterval in milliseconds (needs MQGMO_WAIT)"},
     {.flag = "-mt", .kind = OptionKind::HexBytes, .field = FIELD(Gmo.MsgToken), .missing = "MsgToken(-mt)",
      .fault = "MsgToken is too long - MQ_MSG_TOKEN_LENGTH is %d(-mt)\n",
      .badDigits = "Invalid character(s) or odd legth specified - MsgToken with hexadecimal notation(-mt)\n",

@@ -20,7 +20,7 @@ inline constexpr OptionRow OBJECT_OPTIONS[] = {
      .help = "queue to put to, get from, inquire or set"},
     {.flag = "-oq", .kind = OptionKind::Text, .text = &RunParams::OutputQName,
      .missing = "output queue name(-oq)", .value = "QUEUE",
-     .help = "queue to queue: put what -q gives to this queue; * the reply-to queue, ** at its reply-to queue manager"},
+     .help = "queue to queue: get from -q, put here; * to each ReplyToQ, ** at its ReplyToQMgr too"},
     {.flag = "-iq", .kind = OptionKind::Text, .text = &RunParams::InputQName, .missing = "input queue name(-iq)",
      .value = "QUEUE", .help = "send and receive: put to -q, then get the reply from this queue"},
     {.flag = "-p", .kind = OptionKind::Text, .text = &RunParams::ProcessName, .missing = "process name(-p)",
@@ -39,8 +39,7 @@ inline constexpr OptionRow OBJECT_OPTIONS[] = {
      .value = "Q[:QMGR],..", .help = "distribution list: its queues (needs MQOD_VERSION_2 and MQPMO_VERSION_2)"},
     {.flag = "-mr", .kind = OptionKind::Text, .text = &RunParams::PutMsgRecList, .missing = "MQPMO.PutMsgRec(-mr)",
      .value = "FIELD:..,..",
-     .help = "distribution list: fields of each put-message record, those flagged by MQPMRF_*, in the order MsgId, "
-             "CorrelId, GroupId, Feedback, AccountingToken"},
+     .help = "its put-message records, fields as flagged: MsgId:CorrelId:GroupId:Feedback:AccountingToken"},
 };
 
 inline constexpr OptionRow OPERATION_OPTIONS[] = {
@@ -79,13 +78,13 @@ inline constexpr OptionRow RUN_OPTIONS[] = {
      .missing = "messae count for writing or reading(-n)", .value = "COUNT", .help = "messages to put or get (default 1)"},
     {.flag = "-r", .kind = OptionKind::Flag, .integer = INTEGER(GetRepeatedly), .help = "get repeatedly, until the queue is empty"},
     {.flag = "-i", .kind = OptionKind::Number, .integer = INTEGER(IntervalMs), .minimum = 0,
-     .missing = "interval(ms) for writing or reading(-i)", .value = "MS", .help = "pause between messages"},
+     .missing = "interval(ms) for writing or reading(-i)", .value = "MS", .help = "pause between messages, in milliseconds"},
     {.flag = "-b", .kind = OptionKind::Flag, .integer = INTEGER(ForceBackout),
      .help = "end units of work with MQBACK (needs MQPMO_SYNCPOINT or MQGMO_SYNCPOINT)"},
     {.flag = "-c", .kind = OptionKind::Number, .integer = INTEGER(ConnLoopCount), .minimum = 1, .zeroRefused = true,
      .missing = "connection loop count(-c)", .value = "COUNT", .help = "connect, work and disconnect this often (default 1)"},
     {.flag = "-wp", .kind = OptionKind::Number, .integer = INTEGER(WaitMs), .minimum = 0,
-     .missing = "wait time(ms) to next processing(-wp)", .value = "MS", .help = "pause between the rounds of -c and of -cr"},
+     .missing = "wait time(ms) to next processing(-wp)", .value = "MS", .help = "pause between the rounds of -c and of -cr, in milliseconds"},
     {.flag = "-cr", .kind = OptionKind::Number, .integer = INTEGER(ConnRetryCount), .minimum = 1, .zeroRefused = true,
      .missing = "The number of connection retry(-cr)", .value = "COUNT", .help = "try a failed connect again, this often at most"},
     {.flag = "-ca", .kind = OptionKind::Flag, .integer = INTEGER(ContinueOnConnFail),
