@@ -203,15 +203,19 @@ void send(int fd, std::string_view text)
 // Reacts to the output as the test says; every reaction waits for its text behind the one before.
 class Conversation {
 public:
-    Conversation(const std::vector<Reaction> &reactions, int terminal) : reactions_(reactions), terminal_(terminal) {}
+    Conversation(const std::vector<Reaction> &reactions, int terminal, const std::string &folder)
+        : reactions_(reactions), terminal_(terminal), folder_(folder)
+    {}
 
     void hear(const std::string &out)
     {
         while (next_ < reactions_.size()) {
             const std::size_t found = out.find(reactions_[next_].when, heard_);
             if (found == std::string::npos) return;
-            heard_ = found + reactions_[next_].when.size();
-            send(terminal_, reactions_[next_++].keys);
+            const Reaction &reaction = reactions_[next_++];
+            heard_ = found + reaction.when.size();
+            send(terminal_, reaction.keys);
+            if (!reaction.fileName.empty()) writeFile(folder_ + "/" + reaction.fileName, "");
         }
     }
     bool isOver() const { return next_ == reactions_.size(); }
@@ -219,6 +223,7 @@ public:
 private:
     const std::vector<Reaction> &reactions_;
     int terminal_;
+    const std::string &folder_;
     std::size_t next_ = 0;
     std::size_t heard_ = 0;
 };
@@ -235,11 +240,11 @@ bool readable(int fd)
 }
 
 // Follows the client to its end.
-void follow(Client &client, const Run &run, bool onTerminal, Outcome &outcome)
+void follow(Client &client, const Run &run, bool onTerminal, const std::string &folder, Outcome &outcome)
 {
     const auto deadline = std::chrono::steady_clock::now() + longestRun;
     const int outFile = onTerminal ? client.pty.master.get() : client.out.get();
-    Conversation conversation(run.setup.reactions, client.pty.master.get());
+    Conversation conversation(run.setup.reactions, client.pty.master.get(), folder);
     bool outOpen = true;
     bool errOpen = true;
     int status = 0;
@@ -284,7 +289,7 @@ Outcome runClient(const Run &run, bool onTerminal, const Programs &programs, con
         client.in.close();
     }
     Outcome outcome;
-    follow(client, run, onTerminal, outcome);
+    follow(client, run, onTerminal, folder, outcome);
     if (onTerminal && outcome.trouble.empty() && !outcome.exit.starts_with("signal")) {
         termios after;
         checked(::tcgetattr(client.pty.slave.get(), &after), "tcgetattr");

@@ -128,11 +128,13 @@ private:
     void reaction(const std::vector<std::string> &parts)
     {
         if (parts.size() == 3 && parts[1] == "press") {
-            setup_.reactions.push_back({parts[0], parts[2]});
+            setup_.reactions.push_back({parts[0], parts[2], ""});
+        } else if (parts.size() == 3 && parts[1] == "create") {
+            setup_.reactions.push_back({parts[0], "", parts[2]});
         } else if (parts.size() == 2 && parts[1] == "interrupt") {
-            setup_.reactions.push_back({parts[0], "\x03"});
+            setup_.reactions.push_back({parts[0], "\x03", ""});
         } else {
-            fault("when \"text\" press \"keys\", or when \"text\" interrupt");
+            fault("when \"text\" press \"keys\", when \"text\" interrupt, or when \"text\" create FILE");
         }
     }
 

@@ -12,7 +12,8 @@ namespace transcript {
 
 struct Reaction {
     std::string when; // text to wait for, behind what the reaction before waited for
-    std::string keys;
+    std::string keys;     // typed
+    std::string fileName; // or a file that is made, empty
 };
 
 enum class Terminal { Never, Only, Both };
