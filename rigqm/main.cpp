@@ -100,7 +100,8 @@ void printHelp(const Subcommand &row)
 
 int usageFault(const std::string &fault, const std::string &hint)
 {
-    std::fprintf(stderr, "rigqm: %s\n%s", fault.c_str(), hint.c_str());
+    reportFailure(fault);
+    std::fputs(hint.c_str(), stderr);
     return exitUsage;
 }
 

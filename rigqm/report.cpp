@@ -59,8 +59,12 @@ int reportFailure(std::string_view queueManager, const qmgr::Outcome &outcome)
 
 int reportFailure(std::string_view text)
 {
+    // What was typed may stand in the text: one line, without control characters.
+    std::string line(text);
+    for (char &c : line)
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = '.';
     std::fflush(stdout);
-    std::fprintf(stderr, "rigqm: %.*s\n", static_cast<int>(text.size()), text.data());
+    std::fprintf(stderr, "rigqm: %s\n", line.c_str());
     return exitFailed;
 }
 

@@ -1,0 +1,158 @@
+#include "qmgr/command/mqsc_interpreter.h"
+
+#include <random>
+
+#include "qmgr/objects/attribute.h"
+#include "qmgr/objects/attribute_value.h"
+#include "queue_manager_fixture.h"
+
+namespace mqrig::qmgr::command {
+namespace {
+
+class Mqsc : public QueueManagerFixture {};
+
+TEST_F(Mqsc, UnquotedNamesAreFoldedAndQuotedOnesKept)
+{
+    EXPECT_EQ(answer("define ql(my.queue)"), "AMQ8006I: Queue MY.QUEUE was created.\n");
+    EXPECT_EQ(answer("define ql('my.queue')"), "AMQ8006I: Queue my.queue was created.\n");
+    EXPECT_NE(idOf("MY.QUEUE"), idOf("my.queue"));
+}
+
+TEST_F(Mqsc, EverySynonymIsUnderstood)
+{
+    for (const char *command :
+         {"DEF QL(A)", "DEFINE QLOCAL(B)", "ALT QL(A) MAXDEPTH(1)", "ALTER QLOCAL(A)", "DIS QL(A)", "DISPLAY QLOCAL(A)",
+          "DIS Q(A)", "DISPLAY QUEUE(A)", "CLEAR QL(A)", "CLEAR QLOCAL(A)", "DELETE QL(A)", "DELETE QLOCAL(B)",
+          "DIS QMGR", "ALT QMGR", "PING QMGR"})
+        EXPECT_EQ(run(command).result, CommandResult::Done) << command << '\n' << answer(command);
+}
+
+TEST_F(Mqsc, EveryAlterableAttributeComesBackFromDisplay)
+{
+    ASSERT_EQ(run("DEF QL(Q1)").result, CommandResult::Done);
+    for (const auto kind : {objects::ObjectKind::LocalQueue, objects::ObjectKind::QueueManager}) {
+        const std::string object = kind == objects::ObjectKind::LocalQueue ? "QL(Q1)" : "QMGR";
+        for (const objects::Attribute &row : objects::attributes()) {
+            if (!objects::contains(row.kinds, kind) || row.access != objects::Access::Alterable) continue;
+            objects::AttributeValue value;
+            if (row.isText())
+                value.text = "X.Y";
+            else if (row.value == objects::ValueKind::Number)
+                value.number = row.selector == MQIA_Q_DEPTH_LOW_LIMIT ? row.low : row.high;
+            else
+                value.number = row.words.back().value;
+            const std::string shown = objects::formatAttribute(row, value);
+            const CommandAnswer altered = run("ALTER " + object + ' ' + shown);
+            EXPECT_EQ(altered.result, CommandResult::Done) << shown << ' ' << altered.lines[0];
+            const std::string displayed = answer("DISPLAY " + object + ' ' + std::string(row.keyword));
+            EXPECT_NE(displayed.find(shown), std::string::npos) << shown << '\n' << displayed;
+        }
+    }
+}
+
+TEST_F(Mqsc, FixedAndDynamicAttributesCannotBeSet)
+{
+    ASSERT_EQ(run("DEF QL(Q1)").result, CommandResult::Done);
+    for (const char *command : {"ALTER QL(Q1) CURDEPTH(5)", "ALTER QL(Q1) CRDATE(2020-01-01)", "ALTER QMGR QMID(X)",
+                                "ALTER QMGR CMDLEVEL(1)", "DEF QL(Q2) TYPE(QLOCAL)", "ALTER QMGR QMNAME(X)"})
+        EXPECT_EQ(run(command).result, CommandResult::SyntaxError) << command;
+}
+
+TEST_F(Mqsc, FaultsNameTheirPlace)
+{
+    EXPECT_EQ(answer("DEF QL(Q1) MAXDEPTH(abc)"),
+              "AMQ8405E: Syntax error at line 1, column 21: MAXDEPTH is a number from 0 to 999999999.\n"
+              "   DEF QL(Q1) MAXDEPTH(abc)\n"
+              "                       ^\n");
+    EXPECT_EQ(answer("DEF QL(Q1) MAXDEPTH(1000000000)").substr(0, 45), "AMQ8412E: Number out of range at line 1, colu");
+    EXPECT_EQ(answer("DEF QL(Q1) SHARE NOSHARE").substr(0, 41), "AMQ8411E: Keyword given more than once at");
+    EXPECT_EQ(answer("DEF QL(Q1) DESCR('" + std::string(65, 'x') + "')").substr(0, 23), "AMQ8413E: Text too long");
+    EXPECT_EQ(answer("DEF QL(" + std::string(49, 'x') + ")").substr(0, 23), "AMQ8413E: Text too long");
+    EXPECT_EQ(answer("FROBNICATE"),
+              "AMQ8405E: Syntax error at line 1, column 1: the command begins with ALTER, CLEAR, DEFINE, DELETE, "
+              "DISPLAY or PING.\n"
+              "   FROBNICATE\n"
+              "   ^\n");
+    EXPECT_EQ(answer("CLEAR QMGR").substr(0, 79),
+              "AMQ8405E: Syntax error at line 1, column 7: CLEAR is followed by QLOCAL.\n   CLE");
+}
+
+TEST_F(Mqsc, NothingIsDoneByACommandWithAFault)
+{
+    ASSERT_EQ(run("DEF QL(Q1) MAXDEPTH(5)").result, CommandResult::Done);
+    EXPECT_EQ(run("ALTER QL(Q1) MAXDEPTH(6) MAXMSGL(-1)").result, CommandResult::SyntaxError);
+    EXPECT_NE(answer("DIS QL(Q1) MAXDEPTH").find("MAXDEPTH(5)"), std::string::npos);
+}
+
+TEST_F(Mqsc, FailuresAreAnsweredInMqsNumbers)
+{
+    ASSERT_EQ(run("DEF QL(Q1)").result, CommandResult::Done);
+    EXPECT_EQ(answer("DEF QL(Q1)"), "AMQ8150E: Object Q1 exists already.\n");
+    EXPECT_EQ(answer("ALTER QL(Q2) SHARE"), "AMQ8147E: There is no object Q2.\n");
+    EXPECT_EQ(answer("DELETE QL(Q2)"), "AMQ8147E: There is no object Q2.\n");
+    EXPECT_EQ(answer("DIS QL(NO*)"), "AMQ8147E: There is no object NO*.\n");
+    EXPECT_EQ(answer("DEF QL(Q3) LIKE(Q2)"), "AMQ8147E: There is no object Q2.\n");
+    put("Q1", MQPER_NOT_PERSISTENT);
+    EXPECT_EQ(answer("DELETE QL(Q1)"), "AMQ8143E: Queue Q1 has messages.\n");
+    open(*attachment_, idOf("Q1"), {.input = 0, .exclusive = 0, .output = 1, .browse = 0});
+    EXPECT_EQ(answer("CLEAR QL(Q1)"), "AMQ8148E: Object Q1 is in use: a program has it open.\n");
+    EXPECT_EQ(run("CLEAR QL(Q1)").result, CommandResult::Failed);
+}
+
+TEST_F(Mqsc, DisplayShowsWhatIsAskedFor)
+{
+    ASSERT_EQ(run("DEF QL(A.1) MAXDEPTH(5)").result, CommandResult::Done);
+    ASSERT_EQ(run("DEF QL(A.2) MAXDEPTH(6)").result, CommandResult::Done);
+    EXPECT_EQ(answer("DIS QL(A.1)"), "AMQ8409I: Queue details:\n"
+                                     "   QUEUE(A.1)                              TYPE(QLOCAL)\n");
+    EXPECT_EQ(answer("DIS QL(A.*) CURDEPTH MAXDEPTH NOSHARE"),
+              "AMQ8409I: Queue details:\n"
+              "   QUEUE(A.1)                              TYPE(QLOCAL)\n"
+              "   CURDEPTH(0)                             MAXDEPTH(5)\n"
+              "   SHARE\n"
+              "AMQ8409I: Queue details:\n"
+              "   QUEUE(A.2)                              TYPE(QLOCAL)\n"
+              "   CURDEPTH(0)                             MAXDEPTH(6)\n"
+              "   SHARE\n");
+    EXPECT_EQ(answer("DIS QL(A.*) WHERE(MAXDEPTH GT 5)"), "AMQ8409I: Queue details:\n"
+                                                          "   QUEUE(A.2)                              TYPE(QLOCAL)\n"
+                                                          "   MAXDEPTH(6)\n");
+    EXPECT_EQ(run("DIS QL(A.*) WHERE(MAXDEPTH GT 6)").result, CommandResult::Failed);
+    EXPECT_EQ(run("DIS QL(A.*) WHERE(MAXDEPTH)").result, CommandResult::SyntaxError);
+    EXPECT_EQ(run("DIS QL(A*B)").result, CommandResult::SyntaxError);
+}
+
+TEST_F(Mqsc, DisplayAllShowsEveryAttributeOnce)
+{
+    const std::string shown = answer("DIS QL(SYSTEM.DEFAULT.LOCAL.QUEUE) ALL");
+    for (const objects::Attribute &row : objects::attributes()) {
+        if (!objects::contains(row.kinds, objects::ObjectKind::LocalQueue)) continue;
+        if (row.value == objects::ValueKind::Flag) continue;
+        const std::string part = ' ' + std::string(row.keyword) + '(';
+        const std::size_t first = shown.find(part);
+        ASSERT_NE(first, std::string::npos) << row.keyword;
+        EXPECT_EQ(shown.find(part, first + 1), std::string::npos) << row.keyword;
+    }
+}
+
+TEST_F(Mqsc, AnyBytesAreAnswered)
+{
+    std::mt19937 random(2);
+    const std::vector<std::string> parts = {"DEF ",  "ALTER ", "DIS ",    "QL",         "QMGR ", "(",
+                                            ")",     "Q1",     "'",       ",",          ";",     "MAXDEPTH",
+                                            "DESCR", "*",      " ",       "9999999999", "\xff",  std::string(1, '\0'),
+                                            "WHERE", "LIKE",   "REPLACE "};
+    for (int i = 0; i < 3000; ++i) {
+        std::string line = "X";
+        for (std::size_t n = random() % 12; n > 0; --n)
+            line += parts[random() % parts.size()];
+        line.erase(0, random() % 2);
+        if (line.find_first_not_of(" \t") == std::string::npos || line.starts_with('*')) continue;
+        EXPECT_FALSE(run(line).lines.empty());
+    }
+    EXPECT_EQ(run(std::string(1000000, '(')).result, CommandResult::SyntaxError);
+    EXPECT_EQ(run("DEF QL(" + std::string(1000000, 'A') + ")").result, CommandResult::SyntaxError);
+}
+
+} // namespace
+} // namespace mqrig::qmgr::command

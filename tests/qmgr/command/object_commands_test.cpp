@@ -1,0 +1,201 @@
+#include "qmgr/command/object_commands.h"
+
+#include "cmqcfc.h"
+#include "queue_manager_fixture.h"
+
+namespace mqrig::qmgr::command {
+namespace {
+
+constexpr store::OpenCounts input{.input = 1, .exclusive = 0, .output = 0, .browse = 0};
+constexpr store::OpenCounts output{.input = 0, .exclusive = 0, .output = 1, .browse = 0};
+
+class ObjectCommands : public QueueManagerFixture {
+protected:
+    Definition named(const std::string &name)
+    {
+        Definition definition;
+        definition.name = name;
+        return definition;
+    }
+    static Assignment assignment(MQLONG selector, MQLONG value)
+    {
+        return {objects::findSelector(objects::ObjectKind::LocalQueue, selector), {value, {}}};
+    }
+    MQLONG numberOf(const std::string &queue, MQLONG selector)
+    {
+        const InquiredQueues found = inquireQueues(*attachment_, queue, objects::allQueues);
+        EXPECT_EQ(found.queues.size(), 1U);
+        return found.queues.empty() ? -1 : found.queues[0].definition.number(selector);
+    }
+};
+
+TEST_F(ObjectCommands, NewQueueTakesItsAttributesFromTheDefaultQueue)
+{
+    ASSERT_EQ(run("ALTER QL(SYSTEM.DEFAULT.LOCAL.QUEUE) MAXDEPTH(77) DESCR('from default')").result,
+              CommandResult::Done);
+    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    EXPECT_EQ(numberOf("Q1", MQIA_MAX_Q_DEPTH), 77);
+}
+
+TEST_F(ObjectCommands, LikeTakesThemFromTheQueueNamed)
+{
+    Definition first = named("Q1");
+    first.attributes = {assignment(MQIA_MAX_Q_DEPTH, 5), assignment(MQIA_DEF_PERSISTENCE, MQPER_PERSISTENT)};
+    ASSERT_TRUE(defineQueue(*attachment_, first).ok());
+    Definition second = named("Q2");
+    second.like = "Q1";
+    second.attributes = {assignment(MQIA_MAX_Q_DEPTH, 6)};
+    ASSERT_TRUE(defineQueue(*attachment_, second).ok());
+    EXPECT_EQ(numberOf("Q2", MQIA_DEF_PERSISTENCE), MQPER_PERSISTENT);
+    EXPECT_EQ(numberOf("Q2", MQIA_MAX_Q_DEPTH), 6);
+    second.name = "Q3";
+    second.like = "NO.SUCH";
+    EXPECT_EQ(defineQueue(*attachment_, second), failure(MQRC_UNKNOWN_OBJECT_NAME));
+}
+
+TEST_F(ObjectCommands, ExistingQueueIsReplacedOnlyWhenAskedAndKeepsItsMessages)
+{
+    Definition definition = named("Q1");
+    definition.attributes = {assignment(MQIA_MAX_Q_DEPTH, 5)};
+    ASSERT_TRUE(defineQueue(*attachment_, definition).ok());
+    put("Q1", MQPER_PERSISTENT);
+    const store::QueueId id = idOf("Q1");
+    EXPECT_EQ(defineQueue(*attachment_, named("Q1")), failure(MQRCCF_OBJECT_ALREADY_EXISTS));
+    EXPECT_EQ(numberOf("Q1", MQIA_MAX_Q_DEPTH), 5);
+    Definition replacing = named("Q1");
+    replacing.replace = Replace::Yes;
+    ASSERT_TRUE(defineQueue(*attachment_, replacing).ok());
+    EXPECT_EQ(numberOf("Q1", MQIA_MAX_Q_DEPTH), 5000);
+    EXPECT_EQ(idOf("Q1"), id);
+    EXPECT_EQ(statusOf("Q1").depth, 1U);
+}
+
+TEST_F(ObjectCommands, OpenQueueIsNotDeleted)
+{
+    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    const auto other = connect();
+    open(*other, idOf("Q1"), output);
+    EXPECT_EQ(deleteQueue(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::Yes),
+              failure(MQRCCF_OBJECT_OPEN));
+    EXPECT_NE(idOf("Q1"), 0U);
+}
+
+TEST_F(ObjectCommands, QueueWithMessagesIsDeletedOnlyWithPurge)
+{
+    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    put("Q1", MQPER_PERSISTENT);
+    put("Q1", MQPER_NOT_PERSISTENT);
+    EXPECT_EQ(deleteQueue(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::No), failure(MQRC_Q_NOT_EMPTY));
+    EXPECT_TRUE(deleteQueue(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::Yes).ok());
+    EXPECT_EQ(idOf("Q1"), 0U);
+    EXPECT_EQ(deleteQueue(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::Yes),
+              failure(MQRC_UNKNOWN_OBJECT_NAME));
+}
+
+TEST_F(ObjectCommands, UncommittedMessagesKeepAQueueEvenFromPurge)
+{
+    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    const auto other = connect();
+    const store::QueueId id = idOf("Q1");
+    ASSERT_TRUE(other
+                    ->update(0,
+                             [&](store::WriteTransaction &transaction) {
+                                 transaction.bookPut(id);
+                                 return success();
+                             })
+                    .ok());
+    EXPECT_EQ(deleteQueue(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::Yes), failure(MQRC_Q_NOT_EMPTY));
+}
+
+TEST_F(ObjectCommands, ClearRemovesAllMessages)
+{
+    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    for (int i = 0; i < 3; ++i) {
+        put("Q1", MQPER_PERSISTENT);
+        put("Q1", MQPER_NOT_PERSISTENT);
+    }
+    ASSERT_TRUE(clearQueue(*attachment_, "Q1").ok());
+    const store::QueueStatus status = statusOf("Q1");
+    EXPECT_EQ(status.depth, 0U);
+    EXPECT_EQ(status.held, 0U);
+    EXPECT_EQ(status.opens.input, 0);
+    EXPECT_EQ(status.opens.exclusive, 0);
+}
+
+TEST_F(ObjectCommands, ClearTakesMoreMessagesThanOneUnitOfWorkHolds)
+{
+    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    for (int i = 0; i < 2500; ++i)
+        put("Q1", MQPER_NOT_PERSISTENT);
+    ASSERT_TRUE(clearQueue(*attachment_, "Q1").ok());
+    EXPECT_EQ(statusOf("Q1").depth, 0U);
+}
+
+TEST_F(ObjectCommands, OpenQueueIsNotCleared)
+{
+    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    put("Q1", MQPER_NOT_PERSISTENT);
+    const auto other = connect();
+    open(*other, idOf("Q1"), output);
+    EXPECT_EQ(clearQueue(*attachment_, "Q1"), failure(MQRC_OBJECT_IN_USE));
+    EXPECT_EQ(statusOf("Q1").depth, 1U);
+}
+
+TEST_F(ObjectCommands, NoShareWantsForceWhileTwoReadTheQueue)
+{
+    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    const auto other = connect();
+    open(*other, idOf("Q1"), input);
+    Definition change = named("Q1");
+    change.attributes = {assignment(MQIA_SHAREABILITY, MQQA_NOT_SHAREABLE)};
+    Definition back = named("Q1");
+    back.attributes = {assignment(MQIA_SHAREABILITY, MQQA_SHAREABLE)};
+    EXPECT_TRUE(alterQueue(*attachment_, change).ok());
+    EXPECT_TRUE(alterQueue(*attachment_, back).ok());
+    open(*other, idOf("Q1"), input);
+    EXPECT_EQ(alterQueue(*attachment_, change), failure(MQRCCF_OBJECT_OPEN));
+    change.force = Force::Yes;
+    EXPECT_TRUE(alterQueue(*attachment_, change).ok());
+}
+
+TEST_F(ObjectCommands, OtherUsageWantsForceWhileThereAreMessages)
+{
+    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    put("Q1", MQPER_NOT_PERSISTENT);
+    Definition change = named("Q1");
+    change.attributes = {assignment(MQIA_USAGE, MQUS_TRANSMISSION)};
+    EXPECT_EQ(alterQueue(*attachment_, change), failure(MQRCCF_OBJECT_OPEN));
+    change.force = Force::Yes;
+    EXPECT_TRUE(alterQueue(*attachment_, change).ok());
+}
+
+TEST_F(ObjectCommands, LowLimitMayNotStandAboveTheHighOne)
+{
+    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    Definition change = named("Q1");
+    change.attributes = {assignment(MQIA_Q_DEPTH_LOW_LIMIT, 90)};
+    EXPECT_EQ(alterQueue(*attachment_, change), failure(MQRCCF_ATTR_VALUE_ERROR));
+    change.attributes.push_back(assignment(MQIA_Q_DEPTH_HIGH_LIMIT, 95));
+    EXPECT_TRUE(alterQueue(*attachment_, change).ok());
+}
+
+TEST_F(ObjectCommands, InquiryCountsMessagesAndHandles)
+{
+    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    put("Q1", MQPER_NOT_PERSISTENT);
+    const auto other = connect();
+    open(*other, idOf("Q1"), input);
+    open(*other, idOf("Q1"), output);
+    open(*other, idOf("Q1"), output);
+    const InquiredQueues found = inquireQueues(*attachment_, "Q1", objects::allQueues);
+    ASSERT_EQ(found.queues.size(), 1U);
+    const auto valueOf = [&](MQLONG selector) {
+        return found.queues[0].value(*objects::findSelector(objects::ObjectKind::LocalQueue, selector)).number;
+    };
+    EXPECT_EQ(valueOf(MQIA_CURRENT_Q_DEPTH), 1);
+    EXPECT_EQ(valueOf(MQIA_OPEN_INPUT_COUNT), 1);
+    EXPECT_EQ(valueOf(MQIA_OPEN_OUTPUT_COUNT), 2);
+}
+
+} // namespace
+} // namespace mqrig::qmgr::command
