@@ -47,12 +47,12 @@ std::string escaped(std::string_view line)
     return text;
 }
 
-// How much of the text a time pattern such as "dd/dd/dd" takes: each d a digit; npos when it does not fit.
+// How much of the text a shape such as "99/99/99" takes: each 9 a digit; npos when it does not fit.
 std::size_t takeShape(std::string_view text, std::string_view shape)
 {
     if (text.size() < shape.size()) return std::string_view::npos;
     for (std::size_t at = 0; at < shape.size(); ++at) {
-        const bool fits = shape[at] == 'd' ? isDigit(text[at]) : shape[at] == text[at];
+        const bool fits = shape[at] == '9' ? isDigit(text[at]) : shape[at] == text[at];
         if (!fits) return std::string_view::npos;
     }
     return shape.size();
@@ -66,7 +66,7 @@ std::size_t takeNumber(std::string_view text)
     return length == first ? std::string_view::npos : length;
 }
 
-constexpr std::string_view timeShape = "[dd/dd/dd dd:dd:dd.ddddddddd";
+constexpr std::string_view timeShape = "[99/99/99 99:99:99.999999999";
 
 // What a pattern takes of the text; npos when it does not fit.
 std::size_t take(std::string_view pattern, std::string_view text)
@@ -86,7 +86,7 @@ std::size_t take(std::string_view pattern, std::string_view text)
     const std::string_view rest = text.substr(elapsed.size());
     const std::size_t whole = takeNumber(rest);
     if (whole == std::string_view::npos) return whole;
-    const std::size_t fraction = takeShape(rest.substr(whole), ".dddddd sec");
+    const std::size_t fraction = takeShape(rest.substr(whole), ".999999 sec");
     return fraction == std::string_view::npos ? fraction : elapsed.size() + whole + fraction;
 }
 
