@@ -40,7 +40,7 @@ enum class State : std::uint32_t { Running = 1, Quiescing = 2, Ended = 3 };
 struct Definition {
     MQLONG type = 0;
     std::string name;        // without trailing blanks
-    QueueId queue = 0;       // local queues: assigned by the store when defined; other types: 0
+    QueueId queue = 0;       // MQOT_Q: assigned by the store when defined; other types: 0
     std::string bytes;       // opaque
 };
 
@@ -135,7 +135,7 @@ public:
             const Outcome answer = body(transaction);
             const Outcome ended = endUpdate(transaction, answer);
             if (!transaction.outgrown_) return ended;
-            if (const Outcome grown = grow(transaction, bytesToStore); grown.failed()) return grown;
+            if (const Outcome grown = grow(bytesToStore); grown.failed()) return grown;
         }
     }
 
@@ -172,7 +172,7 @@ private:
     Outcome beginRead(ReadTransaction &transaction);
     Outcome beginUpdate(WriteTransaction &transaction, std::size_t bytesToStore);
     Outcome endUpdate(WriteTransaction &transaction, const Outcome &answer);
-    Outcome grow(WriteTransaction &transaction, std::size_t bytesToStore);
+    Outcome grow(std::size_t bytesToStore);
 
     std::shared_ptr<Store> store_;
     std::uint32_t slot_ = 0;

@@ -26,6 +26,9 @@ struct MessageKey {
     auto operator<=>(const MessageKey &) const = default;
 };
 
+// The ids that messages can be found by.
+enum class Index : std::uint8_t { MsgId = 1, CorrelId = 2, GroupId = 3 };
+
 // The message token of MQGMO names the message by its key. A token that no message of ours can have gives nothing.
 [[nodiscard]] MessageToken tokenOfKey(const MessageKey &key);
 [[nodiscard]] std::optional<MessageKey> keyOfToken(const MessageToken &token);

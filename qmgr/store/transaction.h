@@ -24,6 +24,7 @@
 #include <optional>
 #include <span>
 
+#include "qmgr/store/live_key.h"
 #include "qmgr/store/message.h"
 #include "qmgr/store/outcome.h"
 
@@ -33,6 +34,12 @@ struct MDB_cursor;
 namespace mqrig::qmgr::store {
 
 class LiveEnvironment;
+struct Hold;
+struct ConnectionSlot;
+struct Booking;
+struct TransactionScratch;
+enum class StepKind : std::uint32_t;
+enum class UnitKind : std::uint32_t;
 
 // How many handles are open on a queue. `exclusive` counts within `input`.
 struct OpenCounts {
@@ -47,17 +54,18 @@ struct QueueStatus {
     std::uint32_t depth = 0;       // MQ's CURDEPTH: counts uncommitted puts, no longer messages got under syncpoint
     std::uint32_t held = 0;        // messages there but not visible: got and not committed, or on their way to the log
     std::uint32_t uncommitted = 0; // booked puts whose unit is not committed; with `held` MQ's UNCOM
+    std::uint32_t deleted = 0;     // 1 once the queue is being deleted: nothing can be done with it any more
     OpenCounts opens;
 };
-
-enum class Index : std::uint8_t { MsgId = 1, CorrelId = 2, GroupId = 3 };
 
 class Transaction {
 public:
     Transaction(const Transaction &) = delete;
     Transaction &operator=(const Transaction &) = delete;
 
-    // All zero for a queue that nobody has used yet.
+    // Whether the queue is defined. Storing, booking and opening on one that is not (any more) fails the transaction
+    // with MQRC_Q_DELETED, so what a caller knows from a cached definition cannot go astray.
+    [[nodiscard]] bool exists(QueueId queue);
     [[nodiscard]] QueueStatus queue(QueueId queue);
 
     // The header of a message if it is there and visible. (A copy: the stored bytes have no alignment.)
@@ -75,11 +83,29 @@ public:
 protected:
     friend class MessageCursor;
     friend class Attachment;
+    friend class Store;
+    friend struct TransactionScratch;
     Transaction() = default;
     ~Transaction() = default;
 
+    // Steps of the store's own code.
+    struct Value {
+        const void *data = nullptr; // null: not there
+        std::size_t size = 0;
+    };
+    Value get(const LiveKey &key);
+    template <class Visit> void walk(const LiveKey &prefix, Visit &&visit);
+    template <class Visit> void forEach(const LiveKey &prefix, Visit &&visit);
+    template <class Visit> void forFirst(const LiveKey &prefix, Visit &&visit);
+    [[nodiscard]] std::optional<Hold> holdOf(const MessageKey &key);
+    [[nodiscard]] bool isHeld(const MessageKey &key);
+    // Remembers LMDB's error code; MDB_NOTFOUND is none. True if there was no error.
+    bool sticks(int code);
+
     MDB_txn *txn_ = nullptr;
     LiveEnvironment *environment_ = nullptr;
+    TransactionScratch *scratch_ = nullptr; // of the thread; null in a ReadTransaction
+    std::uint32_t records_ = 0;
     Outcome outcome_;
     bool outgrown_ = false; // the error is that the map is full: grow it and run the body again
 };
@@ -130,6 +156,36 @@ public:
 
     // Replaces the header of a message. MsgId, CorrelId, GroupId, persistence and bodyLength must stay as they are.
     void changeHeader(const MessageKey &key, const MessageHeader &header);
+
+protected:
+    friend class Attachment;
+    friend class Store;
+
+    // Steps of the store's own code. Depth counts and holds are kept together: whoever hides or shows a message says
+    // what that does to the depth.
+    QueueStatus &counters(QueueId queue);
+    void createCounters(QueueId queue);
+    // False, and the transaction fails, if the queue is gone.
+    bool mustExist(QueueId queue);
+    Booking &booking(QueueId queue);
+    void insertMessage(const NewMessage &message);
+    void eraseMessage(const MessageKey &key);
+    void setHold(const MessageKey &key, const Hold &hold);
+    void changeHold(const MessageKey &key, const Hold &hold); // of a message that is held
+    void clearHold(const MessageKey &key);
+    void erase(const LiveKey &key);
+    void store(const LiveKey &key, const void *data, std::size_t size);
+    // Erases up to `atMost` records that begin with `prefix`; whether there may be more.
+    bool eraseSome(const LiveKey &prefix, int atMost);
+    void addStep(UnitKind unit, StepKind step, const MessageKey &key, bool persistent, std::uint64_t backoutCount);
+    void returnToQueue(const MessageKey &key);
+    void wakeGetters(QueueId queue);
+    // Writes the counters, bookings and the unit that the steps have collected.
+    void flush();
+    [[nodiscard]] Ticket ticket() const;
+
+    std::uint32_t slot_ = 0;
+    ConnectionSlot *connection_ = nullptr; // of that slot
 };
 
 // Walks visible messages of one queue in delivery order: all of them, or those with one id. Lives inside a
@@ -154,16 +210,20 @@ public:
     [[nodiscard]] std::span<const std::byte> body();
 
 private:
-    bool settle(bool found);
-    bool held(const MessageKey &key);
+    void start(QueueId queue);
+    bool go(const LiveKey &from, bool behind);
+    bool settle(int code, Transaction::Value name, Transaction::Value value);
+    bool isHeld();
 
     Transaction &transaction_;
     MDB_cursor *walk_ = nullptr;   // over messages or over one index
     MDB_cursor *holds_ = nullptr;  // over the queue's holds, beside it; null while the queue has none
+    LiveKey prefix_;               // of the records of the walk
+    bool byIndex_ = false;
     MessageKey key_;
-    std::optional<MessageKey> nextHold_;
-    std::array<std::uint8_t, 32> prefix_{};
-    std::size_t prefixLength_ = 0;
+    std::optional<MessageKey> nextHold_; // first held message not before key_
+    bool nextHoldKnown_ = false;
+    Transaction::Value value_;           // of the message's record, once known
     MessageHeader header_{};
     bool headerRead_ = false;
 };

@@ -1,0 +1,164 @@
+#include "qmgr/store/attachment.h"
+
+#include <utility>
+
+#include "qmgr/store/paths.h"
+#include "qmgr/store/process.h"
+#include "qmgr/store/queue_managers.h"
+#include "qmgr/store/store.h"
+
+namespace mqrig::qmgr::store {
+
+Attached attach(const std::filesystem::path &storeFolder, std::string_view name)
+{
+    const std::string wanted = name.empty() ? defaultQueueManager(storeFolder) : std::string(name);
+    if (!isQueueManagerName(wanted)) return {failure(MQRC_Q_MGR_NAME_ERROR), nullptr};
+    auto [outcome, store] = Store::open(storeFolder / folderOfName(wanted));
+    if (outcome.failed()) return {outcome, nullptr};
+    const auto taken = store->takeSlot();
+    if (taken.outcome.failed()) return {taken.outcome, nullptr};
+    std::unique_ptr<Attachment> attachment(new Attachment(store, taken.slot));
+    // Asked after the slot is taken: whoever quiesces the queue manager counts slots after setting the state, so
+    // either it has seen ours or we see its state.
+    switch (attachment->state()) {
+    case State::Running: return {success(), std::move(attachment)};
+    case State::Quiescing: return {failure(MQRC_Q_MGR_QUIESCING), nullptr};
+    case State::Ended: break;
+    }
+    return {failure(MQRC_Q_MGR_NOT_AVAILABLE), nullptr};
+}
+
+Attachment::Attachment(std::shared_ptr<Store> store, std::uint32_t slot)
+    : store_(std::move(store)), slot_(slot), forks_(forkCount.load(std::memory_order_relaxed)),
+      connectionNumber_(store_->control().slots[slot].connection)
+{}
+
+Attachment::~Attachment()
+{
+    if (forked()) {
+        // The parent's environment must not be closed from here: closing drops locks and unmaps what it shares.
+        static_cast<void>(new std::shared_ptr<Store>(std::move(store_))); // NOLINT: left where it lies
+        return;
+    }
+    store_->freeSlot(slot_);
+}
+
+bool Attachment::forked() const
+{
+    return forkCount.load(std::memory_order_relaxed) != forks_;
+}
+
+Outcome Attachment::check()
+{
+    if (forked()) return failure(MQRC_HCONN_ERROR);
+    if (state() != State::Ended) return success();
+    return failure(std::exchange(toldOfEnd_, true) ? MQRC_CONNECTION_BROKEN : MQRC_Q_MGR_STOPPING);
+}
+
+State Attachment::state() const
+{
+    return store_->control().state.load(std::memory_order_acquire);
+}
+
+State Attachment::waitForStateChange(State seen, Deadline deadline) const
+{
+    return store_->waitForStateChange(seen, deadline);
+}
+
+const std::string &Attachment::queueManagerName() const
+{
+    return store_->name();
+}
+
+std::uint64_t Attachment::uniqueNumber() const
+{
+    return store_->control().sequence.fetch_add(1, std::memory_order_relaxed);
+}
+
+std::uint64_t Attachment::definitionVersion() const
+{
+    return store_->control().definitionVersion.load(std::memory_order_acquire);
+}
+
+std::optional<Definition> Attachment::findDefinition(MQLONG type, std::string_view name)
+{
+    return store_->findDefinition(type, name);
+}
+
+std::vector<Definition> Attachment::definitions(MQLONG type)
+{
+    return store_->definitions(type);
+}
+
+Outcome Attachment::define(Definition &definition)
+{
+    return store_->define(definition);
+}
+
+Outcome Attachment::alter(const Definition &definition)
+{
+    return store_->alter(definition);
+}
+
+Outcome Attachment::remove(MQLONG type, std::string_view name,
+                           const std::function<Outcome(const QueueStatus &)> &mayGo)
+{
+    return store_->remove(type, name, mayGo);
+}
+
+MessageKey Attachment::newKey(QueueId queue, std::uint8_t order)
+{
+    return {.queue = queue, .order = order, .sequence = uniqueNumber()};
+}
+
+Outcome Attachment::beginRead(ReadTransaction &transaction)
+{
+    return store_->begin(transaction);
+}
+
+Outcome Attachment::beginUpdate(WriteTransaction &transaction, std::size_t bytesToStore)
+{
+    return store_->begin(transaction, bytesToStore, slot_);
+}
+
+Outcome Attachment::endUpdate(WriteTransaction &transaction, const Outcome &answer)
+{
+    return store_->end(transaction, answer);
+}
+
+Outcome Attachment::grow(std::size_t bytesToStore)
+{
+    return store_->grow(bytesToStore);
+}
+
+Outcome Attachment::harden(Ticket ticket)
+{
+    return store_->harden(slot_, ticket);
+}
+
+Outcome Attachment::commit(const Unit &unit)
+{
+    return store_->commit(slot_, unit);
+}
+
+Outcome Attachment::backOut(const Unit &unit)
+{
+    return store_->backOut(slot_, unit);
+}
+
+std::uint32_t Attachment::observe(QueueId queue) const
+{
+    return store_->cellOf(queue).word.load(std::memory_order_acquire);
+}
+
+bool Attachment::waitForMessage(QueueId queue, std::uint32_t observed, Deadline deadline)
+{
+    return store_->waitForMessage(slot_, queue, observed, deadline);
+}
+
+bool Attachment::releaseDead()
+{
+    return store_->releaseDead();
+}
+
+} // namespace mqrig::qmgr::store

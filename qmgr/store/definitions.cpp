@@ -1,0 +1,208 @@
+// Object definitions: durable in the log, mirrored in the live state, where every look-up is served.
+//
+// Changes are made under the log lock, in the log first. A holder that dies between the two leaves the next one to
+// read all definitions from the log again (reloadDefinitions).
+
+#include <cstring>
+#include <map>
+
+#include "qmgr/store/seams.h"
+#include "qmgr/store/store.h"
+#include "qmgr/store/transaction_scratch.h"
+#include "qmgr/store/transaction_walk.h"
+
+namespace mqrig::qmgr::store {
+
+namespace {
+
+constexpr std::size_t keyHead = 1 + sizeof(MQLONG);
+
+bool isName(std::string_view name)
+{
+    return !name.empty() && name.size() <= MQ_OBJECT_NAME_LENGTH;
+}
+
+Definition definitionIn(const MDB_val &key, const MDB_val &value)
+{
+    Definition definition;
+    const auto *name = static_cast<const char *>(key.mv_data);
+    std::uint32_t type = 0;
+    std::memcpy(&type, name + 1, sizeof type);
+    definition.type = static_cast<MQLONG>(__builtin_bswap32(type));
+    definition.name.assign(name + keyHead, key.mv_size - keyHead);
+    if (value.mv_size >= sizeof definition.queue) {
+        const auto *bytes = static_cast<const char *>(value.mv_data);
+        std::memcpy(&definition.queue, bytes, sizeof definition.queue);
+        definition.bytes.assign(bytes + sizeof definition.queue, value.mv_size - sizeof definition.queue);
+    }
+    return definition;
+}
+
+} // namespace
+
+// Stores the definition in the live state. A queue also gets its counters, unless it has them.
+void Store::putDefinition(WriteTransaction &transaction, const Definition &definition)
+{
+    std::string value(reinterpret_cast<const char *>(&definition.queue), sizeof definition.queue);
+    value += definition.bytes;
+    transaction.store(LiveKey::definition(definition.type, definition.name), value.data(), value.size());
+    if (definition.queue != 0) transaction.createCounters(definition.queue);
+}
+
+std::optional<Definition> Store::findDefinition(MQLONG type, std::string_view name)
+{
+    std::optional<Definition> found;
+    if (!isName(name)) return found;
+    const Outcome outcome = read([&](ReadTransaction &transaction) {
+        const LiveKey key = LiveKey::definition(type, name);
+        const auto value = transaction.get(key);
+        if (value.data != nullptr) {
+            found = definitionIn(valueOf(key), {value.size, const_cast<void *>(value.data)}); // NOLINT
+        }
+        return success();
+    });
+    static_cast<void>(outcome);
+    return found;
+}
+
+std::vector<Definition> Store::definitions(MQLONG type)
+{
+    std::vector<Definition> all;
+    const Outcome outcome = read([&](ReadTransaction &transaction) {
+        const LiveKey from = type == MQOT_ALL ? LiveKey::definitions() : LiveKey::definitionsOf(type);
+        transaction.forEach(from, [&](const MDB_val &key, const MDB_val &value) {
+            all.push_back(definitionIn(key, value));
+        });
+        return success();
+    });
+    static_cast<void>(outcome);
+    return all;
+}
+
+Outcome Store::define(Definition &definition)
+{
+    if (!isName(definition.name)) return failure(MQRC_OBJECT_NAME_ERROR);
+    const LogLock lock(*this);
+    if (lock.outcome().failed()) return lock.outcome();
+    if (findDefinition(definition.type, definition.name)) return failure(MQRC_OBJECT_ALREADY_EXISTS);
+    if (const Outcome begun = log_->begin(); begun.failed()) return begun;
+    definition.queue = definition.type == MQOT_Q ? log_->takeQueueId() : 0;
+    return logAndStore(definition);
+}
+
+Outcome Store::alter(const Definition &definition)
+{
+    if (!isName(definition.name)) return failure(MQRC_OBJECT_NAME_ERROR);
+    const LogLock lock(*this);
+    if (lock.outcome().failed()) return lock.outcome();
+    const auto known = findDefinition(definition.type, definition.name);
+    if (!known) return failure(MQRC_UNKNOWN_OBJECT_NAME);
+    if (const Outcome begun = log_->begin(); begun.failed()) return begun;
+    Definition changed = definition;
+    changed.queue = known->queue;
+    return logAndStore(changed);
+}
+
+// Ends the log transaction that was begun with this definition, and brings it to the live state.
+Outcome Store::logAndStore(const Definition &definition)
+{
+    log_->storeDefinition(definition);
+    log_->advance(control().stamp.generation, 0);
+    if (const Outcome logged = log_->commit(); logged.failed()) return judgeLog(logged);
+    reached(Step::DefinitionLogged);
+    const Outcome stored = update(definition.bytes.size() + 4096, 0, [&](WriteTransaction &transaction) {
+        putDefinition(transaction, definition);
+        return success();
+    });
+    if (stored.failed()) control().logUnfinished = 1;
+    control().definitionVersion.fetch_add(1);
+    return stored;
+}
+
+// Three steps, so that the disk is not waited for under the live state's lock: the queue is marked as going, which
+// nobody can open or put to any more; the log forgets it; its messages are swept out.
+Outcome Store::remove(MQLONG type, std::string_view name, const std::function<Outcome(const QueueStatus &)> &mayGo)
+{
+    const LogLock lock(*this);
+    if (lock.outcome().failed()) return lock.outcome();
+    const auto known = findDefinition(type, name);
+    if (!known) return failure(MQRC_UNKNOWN_OBJECT_NAME);
+    const QueueId queue = known->queue;
+    const auto mark = [&](std::uint32_t deleted) {
+        return update(0, 0, [&](WriteTransaction &transaction) {
+            const QueueStatus status = queue == 0 ? QueueStatus{} : transaction.queue(queue);
+            if (deleted != 0 && mayGo) {
+                if (const Outcome answer = mayGo(status); answer.failed()) return answer;
+            }
+            if (queue != 0) transaction.counters(queue).deleted = deleted;
+            return success();
+        });
+    };
+    if (const Outcome marked = mark(1); marked.failed()) return marked;
+    Outcome logged = log_->begin();
+    if (!logged.failed()) {
+        log_->deleteDefinition(type, name);
+        if (queue != 0) log_->deleteMessagesOf(queue);
+        log_->advance(control().stamp.generation, 0);
+        logged = log_->commit();
+    }
+    if (logged.failed()) {
+        if (mark(0).failed()) control().logUnfinished = 1;
+        return judgeLog(logged);
+    }
+    reached(Step::DefinitionLogged);
+    const Outcome swept = sweep(*known);
+    if (swept.failed()) control().logUnfinished = 1;
+    control().definitionVersion.fetch_add(1);
+    if (queue != 0) wakeGetters(queue);
+    return swept;
+}
+
+// Removes a definition that the log no longer has, with everything that hangs on its queue, some thousand records to
+// a transaction. The counters go last.
+Outcome Store::sweep(const Definition &definition)
+{
+    Outcome outcome = update(0, 0, [&](WriteTransaction &transaction) {
+        transaction.erase(LiveKey::definition(definition.type, definition.name));
+        return success();
+    });
+    const QueueId queue = definition.queue;
+    if (queue == 0) return outcome;
+    for (const LiveKey &records : {LiveKey::messagesOf(queue), LiveKey::bodiesOf(queue), LiveKey::indexesOf(queue),
+                                   LiveKey::holdsOf(queue), LiveKey::queue(queue)}) {
+        bool more = true;
+        while (more && !outcome.failed()) {
+            outcome = update(0, 0, [&](WriteTransaction &transaction) {
+                more = transaction.eraseSome(records, 2000);
+                return success();
+            });
+        }
+    }
+    return outcome;
+}
+
+// Log lock held. Makes the live definitions equal to the log's.
+Outcome Store::reloadDefinitions()
+{
+    std::map<std::pair<MQLONG, std::string>, Definition> logged;
+    const Outcome outcome = log_->forEachDefinition([&](const Definition &definition) {
+        logged.emplace(std::pair{definition.type, definition.name}, definition);
+        return true;
+    });
+    if (outcome.failed()) return outcome;
+    for (const Definition &live : definitions(MQOT_ALL)) {
+        if (logged.contains({live.type, live.name})) continue;
+        if (const Outcome swept = sweep(live); swept.failed()) return swept;
+    }
+    const Outcome stored = update(1, 0, [&](WriteTransaction &transaction) {
+        for (const auto &[key, definition] : logged) {
+            putDefinition(transaction, definition);
+            if (definition.queue != 0) transaction.counters(definition.queue).deleted = 0;
+        }
+        return success();
+    });
+    control().definitionVersion.fetch_add(1);
+    return stored;
+}
+
+} // namespace mqrig::qmgr::store

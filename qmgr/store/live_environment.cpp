@@ -1,0 +1,296 @@
+#include "qmgr/store/live_environment.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/vfs.h>
+
+#include "qmgr/store/seams.h"
+#include "qmgr/store/store.h"
+
+namespace mqrig::qmgr::store {
+
+namespace {
+
+constexpr unsigned readerSlots = 8192;
+constexpr std::uint64_t pageSize = 4096;
+// Space at the end of the map that only gets, locks and flips may enter, so that a full queue manager can be emptied:
+// a deletion needs a few dozen pages before it frees its own.
+constexpr std::uint64_t margin = std::uint64_t{8} << 20;
+constexpr std::uint64_t largestStep = std::uint64_t{512} << 20;
+constexpr long xfsMagic = 0x58465342;
+
+// The file systems on which a reserved block is proof against a full disk also when written through a mapping.
+bool reservationHolds(const std::filesystem::path &folder)
+{
+    struct statfs system{};
+    if (statfs(folder.c_str(), &system) != 0) return false;
+    return system.f_type == EXT4_SUPER_MAGIC || system.f_type == TMPFS_MAGIC || system.f_type == xfsMagic;
+}
+
+} // namespace
+
+Outcome outcomeOfLive(int code)
+{
+    switch (code) {
+    case MDB_SUCCESS: return success();
+    case MDB_MAP_FULL:
+    case ENOSPC:
+    case EDQUOT: return failure(MQRC_STORAGE_NOT_AVAILABLE);
+    case EACCES:
+    case EPERM:
+    case EROFS: return failure(MQRC_NOT_AUTHORIZED);
+    case ENOMEM:
+    case MDB_READERS_FULL:
+    case MDB_TXN_FULL:
+    case EMFILE:
+    case ENFILE:
+    case EAGAIN: return failure(MQRC_RESOURCE_PROBLEM);
+    default: return failure(MQRC_UNEXPECTED_ERROR);
+    }
+}
+
+void Gate::enter()
+{
+    for (;;) {
+        const std::uint32_t before = inside_.fetch_add(1, std::memory_order_acquire);
+        if ((before & closed) == 0) return;
+        leave();
+        for (std::uint32_t now = inside_.load(); (now & closed) != 0; now = inside_.load()) inside_.wait(now);
+    }
+}
+
+void Gate::leave()
+{
+    const std::uint32_t before = inside_.fetch_sub(1, std::memory_order_release);
+    if ((before & closed) != 0) inside_.notify_all();
+}
+
+void Gate::close()
+{
+    inside_.fetch_or(closed, std::memory_order_acquire);
+    for (std::uint32_t now = inside_.load(); now != closed; now = inside_.load()) inside_.wait(now);
+}
+
+void Gate::open()
+{
+    inside_.fetch_and(~closed, std::memory_order_release);
+    inside_.notify_all();
+}
+
+LiveEnvironment::Opened LiveEnvironment::open(const std::filesystem::path &live, ControlBlock &control,
+                                              LockFile &locks)
+{
+    std::unique_ptr<LiveEnvironment> made(new LiveEnvironment(control, locks));
+    made->writeMapped_ = reservationHolds(live);
+    const std::scoped_lock thread(made->mapMutex_);
+    if (!locks.lock(lockBytes::map)) return {failure(MQRC_RESOURCE_PROBLEM), nullptr};
+    const struct Unlock {
+        LockFile &locks;
+        ~Unlock() { locks.unlock(lockBytes::map); }
+    } unlock{locks};
+
+    int code = mdb_env_create(&made->env_);
+    if (code == 0) code = mdb_env_set_maxreaders(made->env_, readerSlots);
+    const std::uint64_t size = control.mapSize == 0 ? initialSize : control.mapSize.load();
+    if (code == 0) code = mdb_env_set_mapsize(made->env_, size);
+    const unsigned flags = MDB_NOTLS | MDB_NOSYNC | MDB_NORDAHEAD | (made->writeMapped_ ? MDB_WRITEMAP : 0U);
+    if (code == 0) code = mdb_env_open(made->env_, live.c_str(), flags, 0600);
+    if (code != 0) return {outcomeOfLive(code), nullptr};
+    if (control.mapSize == 0) {
+        if (const Outcome reserved = made->reserve(size); reserved.failed()) return {reserved, nullptr};
+        control.mapSize = size;
+    }
+    made->mapped_ = size;
+    MDB_txn *txn = nullptr;
+    code = mdb_txn_begin(made->env_, nullptr, MDB_RDONLY, &txn);
+    if (code == 0) code = mdb_dbi_open(txn, nullptr, 0, &made->records_);
+    if (code == 0) {
+        code = mdb_txn_commit(txn);
+    } else if (txn != nullptr) {
+        mdb_txn_abort(txn);
+    }
+    if (code != 0) return {outcomeOfLive(code), nullptr};
+    int dead = 0;
+    mdb_reader_check(made->env_, &dead);
+    return {success(), std::move(made)};
+}
+
+LiveEnvironment::~LiveEnvironment()
+{
+    for (MDB_txn *reader : readers_) mdb_txn_abort(reader);
+    if (env_ != nullptr) mdb_env_close(env_);
+}
+
+Outcome LiveEnvironment::reserve(std::uint64_t size)
+{
+    if (const int error = injectedError(StorageCall::Reserve); error != 0) return outcomeOfLive(error);
+    // Through the library's own descriptor: closing another one of the file would drop its locks.
+    int fd = -1;
+    if (const int code = mdb_env_get_fd(env_, &fd); code != 0) return outcomeOfLive(code);
+    for (;;) {
+        const int error = posix_fallocate(fd, 0, static_cast<off_t>(size));
+        if (error != EINTR) return outcomeOfLive(error);
+    }
+}
+
+Outcome LiveEnvironment::beginRead(MDB_txn *&txn)
+{
+    for (;;) {
+        if (mapped_.load(std::memory_order_relaxed) != control_.mapSize.load(std::memory_order_acquire)) {
+            if (const Outcome followed = followMap(); followed.failed()) return followed;
+        }
+        gate_.enter();
+        txn = nullptr;
+        {
+            const std::scoped_lock lock(readersMutex_);
+            if (!readers_.empty()) {
+                txn = readers_.back();
+                readers_.pop_back();
+            }
+        }
+        const int code = txn == nullptr ? mdb_txn_begin(env_, nullptr, MDB_RDONLY, &txn) : mdb_txn_renew(txn);
+        if (code == 0) return success();
+        if (txn != nullptr) mdb_txn_abort(txn);
+        gate_.leave();
+        if (code == MDB_MAP_RESIZED) continue; // grown since we looked: the published size is the new one by now
+        if (code == MDB_READERS_FULL) {
+            int dead = 0;
+            if (mdb_reader_check(env_, &dead) == 0 && dead > 0) continue;
+        }
+        return outcomeOfLive(code);
+    }
+}
+
+void LiveEnvironment::endRead(MDB_txn *txn)
+{
+    mdb_txn_reset(txn);
+    {
+        const std::scoped_lock lock(readersMutex_);
+        readers_.push_back(txn);
+    }
+    gate_.leave();
+}
+
+Outcome LiveEnvironment::beginWrite(MDB_txn *&txn, std::size_t room)
+{
+    if (const int error = injectedError(StorageCall::LiveBegin); error != 0) return outcomeOfLive(error);
+    for (;;) {
+        if (mapped_.load(std::memory_order_relaxed) != control_.mapSize.load(std::memory_order_acquire)) {
+            if (const Outcome followed = followMap(); followed.failed()) return followed;
+        }
+        gate_.enter();
+        const int code = mdb_txn_begin(env_, nullptr, 0, &txn);
+        if (code == MDB_MAP_RESIZED) {
+            gate_.leave();
+            continue;
+        }
+        if (code != 0) {
+            gate_.leave();
+            return outcomeOfLive(code);
+        }
+        if (room == 0 || hasRoom(room) || hasFreePages(txn, room)) return success();
+        abortWrite(txn);
+        txn = nullptr;
+        if (const Outcome grown = grow(room); grown.failed()) return grown;
+    }
+}
+
+int LiveEnvironment::commitWrite(MDB_txn *txn)
+{
+    int code = injectedError(StorageCall::LiveCommit);
+    if (code == 0) {
+        code = mdb_txn_commit(txn);
+    } else {
+        mdb_txn_abort(txn);
+    }
+    gate_.leave();
+    return code;
+}
+
+void LiveEnvironment::abortWrite(MDB_txn *txn)
+{
+    mdb_txn_abort(txn);
+    gate_.leave();
+}
+
+// Whether the pages never used yet will do: a moment's arithmetic, and nearly always the answer.
+bool LiveEnvironment::hasRoom(std::size_t room) const
+{
+    MDB_envinfo info{};
+    mdb_env_info(env_, &info);
+    return (info.me_last_pgno + 1) * pageSize + room + margin <= mapped_.load(std::memory_order_relaxed);
+}
+
+// The last page ever used does not come back when messages go, so a map that was once full always looks full: then
+// only the list of free pages knows. It is read only when growing has failed.
+bool LiveEnvironment::hasFreePages(MDB_txn *txn, std::size_t room) const
+{
+    if (cannotGrow_.load(std::memory_order_relaxed) != mapped_.load(std::memory_order_relaxed)) return false;
+    MDB_cursor *cursor = nullptr;
+    if (mdb_cursor_open(txn, 0, &cursor) != 0) return false;
+    std::uint64_t free = 0;
+    MDB_val key{};
+    MDB_val value{};
+    while (mdb_cursor_get(cursor, &key, &value, MDB_NEXT) == 0) {
+        std::size_t pages = 0;
+        std::memcpy(&pages, value.mv_data, sizeof pages);
+        free += pages * pageSize;
+    }
+    mdb_cursor_close(cursor);
+    return free >= 2 * room + margin;
+}
+
+// Takes over the size that another process has published.
+Outcome LiveEnvironment::followMap()
+{
+    return remap([](std::uint64_t published) { return published; });
+}
+
+Outcome LiveEnvironment::grow(std::size_t room)
+{
+    const std::uint64_t before = mapped_.load(std::memory_order_relaxed);
+    const Outcome grown = remap([before, room](std::uint64_t published) {
+        if (published != before) return published; // somebody else has just done it
+        const std::uint64_t step = std::max(std::min(before, largestStep), std::uint64_t{room} + 2 * margin);
+        return (before + step + initialSize - 1) / initialSize * initialSize;
+    });
+    if (grown.failed()) cannotGrow_ = before;
+    return grown;
+}
+
+template <class NewSize> Outcome LiveEnvironment::remap(NewSize &&newSize)
+{
+    const std::scoped_lock thread(mapMutex_);
+    if (!locks_.lock(lockBytes::map)) return failure(MQRC_RESOURCE_PROBLEM);
+    Outcome outcome;
+    const std::uint64_t published = control_.mapSize;
+    const std::uint64_t size = newSize(published);
+    if (size > published) {
+        outcome = reserve(size);
+        // The space is there, or it is not used: a killed process leaves a file that is merely longer than its map.
+        reached(Step::MapReserved);
+        if (!outcome.failed()) control_.mapSize = size;
+    }
+    if (!outcome.failed() && mapped_ != size) {
+        gate_.close();
+        if (broken_) {
+            outcome = failure(MQRC_RESOURCE_PROBLEM);
+        } else if (const int code = mdb_env_set_mapsize(env_, size); code != 0) {
+            // The library has unmapped the old map and has no new one: nothing may touch it any more.
+            broken_ = true;
+            mapped_ = 0;
+            outcome = outcomeOfLive(code);
+        } else {
+            mapped_ = size;
+        }
+        gate_.open();
+    }
+    locks_.unlock(lockBytes::map);
+    return outcome;
+}
+
+} // namespace mqrig::qmgr::store
+

@@ -1,0 +1,250 @@
+#include "qmgr/store/queue_managers.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <fstream>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "qmgr/store/paths.h"
+#include "qmgr/store/process.h"
+#include "qmgr/store/seams.h"
+#include "qmgr/store/store.h"
+
+namespace mqrig::qmgr::store {
+
+namespace {
+
+// Files of the store folder that are no queue manager begin with '.', which no queue manager's folder does.
+constexpr const char *defaultFile = ".default";
+constexpr const char *unfinished = ".new-";
+constexpr const char *discarded = ".old-";
+
+Outcome outcomeOfErrno()
+{
+    switch (errno) {
+    case ENOSPC:
+    case EDQUOT: return failure(MQRC_STORAGE_NOT_AVAILABLE);
+    case EACCES:
+    case EPERM:
+    case EROFS: return failure(MQRC_NOT_AUTHORIZED);
+    case EEXIST:
+    case ENOTEMPTY: return failure(MQRC_OBJECT_ALREADY_EXISTS);
+    case ENOENT: return failure(MQRC_Q_MGR_NAME_ERROR);
+    default: return failure(MQRC_UNEXPECTED_ERROR);
+    }
+}
+
+std::string randomName(const char *prefix)
+{
+    std::uint64_t number = 0;
+    if (getrandom(&number, sizeof number, 0) != sizeof number) number = static_cast<std::uint64_t>(currentTime());
+    return prefix + std::to_string(number);
+}
+
+// Makes a folder that may be there already, and its parents, for nobody else's eyes.
+Outcome makeFolders(const std::filesystem::path &folder)
+{
+    if (mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST) return success();
+    if (errno != ENOENT || !folder.has_parent_path() || folder.parent_path() == folder) return outcomeOfErrno();
+    if (const Outcome parent = makeFolders(folder.parent_path()); parent.failed()) return parent;
+    return mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST ? success() : outcomeOfErrno();
+}
+
+void syncFolder(const std::filesystem::path &folder)
+{
+    const int fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) return;
+    fsync(fd);
+    close(fd);
+}
+
+// What a killed create or delete has left. One that is still at work is younger than that.
+void sweepLeftovers(const std::filesystem::path &storeFolder)
+{
+    constexpr std::int64_t anHour = 3600;
+    std::error_code error;
+    for (const auto &entry : std::filesystem::directory_iterator(storeFolder, error)) {
+        const std::string name = entry.path().filename().string();
+        struct stat status{};
+        if (!name.starts_with(unfinished) && !name.starts_with(discarded)) continue;
+        if (stat(entry.path().c_str(), &status) != 0 || status.st_mtime > currentTime() / 1'000'000 - anHour) continue;
+        std::filesystem::remove_all(entry.path(), error);
+    }
+}
+
+Outcome writeLog(const std::filesystem::path &folder, std::string_view name, std::span<const Definition> objects)
+{
+    auto [outcome, log] = LogDatabase::create(folder / "log.db", name);
+    if (outcome.failed()) return outcome;
+    if (const Outcome begun = log->begin(); begun.failed()) return begun;
+    for (Definition object : objects) {
+        object.queue = object.type == MQOT_Q ? log->takeQueueId() : 0;
+        log->storeDefinition(object);
+    }
+    return log->commit();
+}
+
+} // namespace
+
+Outcome createQueueManager(const std::filesystem::path &storeFolder, std::string_view name,
+                           std::span<const Definition> objects, DefaultQueueManager makeDefault)
+{
+    if (!isQueueManagerName(name)) return failure(MQRC_Q_MGR_NAME_ERROR);
+    if (const Outcome made = makeFolders(storeFolder); made.failed()) return made;
+    sweepLeftovers(storeFolder);
+    const std::filesystem::path folder = storeFolder / folderOfName(name);
+    if (!Store::exists(folder).failed()) return failure(MQRC_OBJECT_ALREADY_EXISTS);
+    const std::filesystem::path building = storeFolder / randomName(unfinished);
+    if (mkdir(building.c_str(), 0700) != 0) return outcomeOfErrno();
+    Outcome outcome = writeLog(building, name, objects);
+    if (!outcome.failed()) {
+        syncFolder(building);
+        reached(Step::CreateWritten);
+        // The one step that makes it a queue manager. A folder with anything in it is never replaced.
+        if (rename(building.c_str(), folder.c_str()) != 0) outcome = outcomeOfErrno();
+    }
+    if (outcome.failed()) {
+        std::error_code ignored;
+        std::filesystem::remove_all(building, ignored);
+        return outcome;
+    }
+    syncFolder(storeFolder);
+    return makeDefault == DefaultQueueManager::Yes ? setDefaultQueueManager(storeFolder, name) : success();
+}
+
+Outcome deleteQueueManager(const std::filesystem::path &storeFolder, std::string_view name)
+{
+    if (!isQueueManagerName(name)) return failure(MQRC_Q_MGR_NAME_ERROR);
+    const std::filesystem::path folder = storeFolder / folderOfName(name);
+    const auto [outcome, state] = stateOf(storeFolder, name);
+    if (outcome.failed()) return outcome;
+    if (state != State::Ended) return failure(MQRC_Q_MGR_ACTIVE);
+    const std::filesystem::path grave = storeFolder / randomName(discarded);
+    if (rename(folder.c_str(), grave.c_str()) != 0) return outcomeOfErrno();
+    syncFolder(storeFolder);
+    {
+        Process &process = thisProcess();
+        const std::scoped_lock lock(process.mutex);
+        process.stores.erase(folder.string());
+    }
+    std::error_code error;
+    std::filesystem::remove_all(grave, error);
+    if (defaultQueueManager(storeFolder) == name) std::filesystem::remove(storeFolder / defaultFile, error);
+    return success();
+}
+
+std::vector<QueueManagerEntry> listQueueManagers(const std::filesystem::path &storeFolder)
+{
+    std::vector<QueueManagerEntry> entries;
+    const std::string byDefault = defaultQueueManager(storeFolder);
+    std::error_code error;
+    for (const auto &entry : std::filesystem::directory_iterator(storeFolder, error)) {
+        const auto name = nameOfFolder(entry.path().filename().string());
+        if (!name || Store::exists(entry.path()).failed()) continue;
+        const auto [outcome, state] = stateOf(storeFolder, *name);
+        entries.push_back({.name = *name, .isDefault = *name == byDefault, .outcome = outcome, .state = state});
+    }
+    std::sort(entries.begin(), entries.end(), [](const auto &a, const auto &b) { return a.name < b.name; });
+    return entries;
+}
+
+std::string defaultQueueManager(const std::filesystem::path &storeFolder)
+{
+    std::ifstream file(storeFolder / defaultFile);
+    std::string name;
+    std::getline(file, name);
+    return isQueueManagerName(name) ? name : std::string();
+}
+
+Outcome setDefaultQueueManager(const std::filesystem::path &storeFolder, std::string_view name)
+{
+    if (!isQueueManagerName(name)) return failure(MQRC_Q_MGR_NAME_ERROR);
+    if (const Outcome there = Store::exists(storeFolder / folderOfName(name)); there.failed()) return there;
+    const std::filesystem::path written = storeFolder / randomName(unfinished);
+    {
+        std::ofstream file(written);
+        file << name << '\n';
+        if (!file.flush()) return failure(MQRC_STORAGE_NOT_AVAILABLE);
+    }
+    return rename(written.c_str(), (storeFolder / defaultFile).c_str()) == 0 ? success() : outcomeOfErrno();
+}
+
+Outcome startQueueManager(const std::filesystem::path &storeFolder, std::string_view name)
+{
+    const auto [outcome, state] = stateOf(storeFolder, name);
+    if (outcome.failed()) return outcome;
+    if (state == State::Quiescing) return failure(MQRC_Q_MGR_QUIESCING);
+    if (state == State::Running) return failure(MQRC_Q_MGR_ACTIVE);
+    return Store::start(storeFolder / folderOfName(name));
+}
+
+Outcome endQueueManager(const std::filesystem::path &storeFolder, std::string_view name, End how)
+{
+    if (!isQueueManagerName(name)) return failure(MQRC_Q_MGR_NAME_ERROR);
+    auto [outcome, store] = Store::open(storeFolder / folderOfName(name));
+    if (outcome.Reason == MQRC_Q_MGR_NOT_AVAILABLE) return failure(MQRC_Q_MGR_NOT_ACTIVE);
+    return outcome.failed() ? outcome : store->end(how);
+}
+
+StateOfQueueManager stateOf(const std::filesystem::path &storeFolder, std::string_view name)
+{
+    if (!isQueueManagerName(name)) return {failure(MQRC_Q_MGR_NAME_ERROR)};
+    const std::filesystem::path folder = storeFolder / folderOfName(name);
+    const StateOfQueueManager found = Store::look(folder);
+    if (found.outcome.failed() || found.state != State::Quiescing) return found;
+    if (auto [outcome, store] = Store::open(folder); !outcome.failed()) {
+        if (!store->releaseDead() && !store->anyConnection()) store->completeQuiesce();
+        return {success(), store->control().state};
+    }
+    return Store::look(folder);
+}
+
+// Log lock held. The state is on disk before anybody in this life sees it.
+Outcome Store::logState(State state)
+{
+    if (const Outcome begun = log_->begin(); begun.failed()) return begun;
+    log_->setState(control().stamp.generation, state);
+    return judgeLog(log_->commit());
+}
+
+Outcome Store::end(End how)
+{
+    {
+        const LogLock lock(*this);
+        if (lock.outcome().Reason == MQRC_CONNECTION_BROKEN) return failure(MQRC_Q_MGR_NOT_ACTIVE);
+        if (lock.outcome().failed()) return lock.outcome();
+        if (how == End::Immediate) {
+            // Calls in progress complete: what they have prepared is logged now; what they prepare from now on is
+            // refused by the log lock, and goes with the life.
+            if (const Outcome logged = logPrepared(); logged.failed()) return logged;
+            if (const Outcome logged = logState(State::Ended); logged.failed()) return logged;
+            reached(Step::EndLogged);
+            endLife();
+            return success();
+        }
+        if (control().state == State::Running) {
+            if (const Outcome logged = logState(State::Quiescing); logged.failed()) return logged;
+            control().state = State::Quiescing;
+            wakeEverybody();
+        }
+    }
+    releaseDead();
+    if (!anyConnection()) completeQuiesce();
+    return success();
+}
+
+void Store::completeQuiesce()
+{
+    const LogLock lock(*this);
+    // Somebody else may have completed it, and a connection may have come before it began.
+    if (lock.outcome().failed() || control().state != State::Quiescing || anyConnection()) return;
+    if (logPrepared().failed() || logState(State::Ended).failed()) return;
+    reached(Step::EndLogged);
+    endLife();
+}
+
+} // namespace mqrig::qmgr::store

@@ -1,0 +1,151 @@
+// Connection slots: who is connected, who has died, and what dead connections held.
+//
+// A slot belongs to the process that holds the record lock on its byte in `live/slots` (lock_file.h). The lock is
+// taken before the slot says Taken and given up after it says Free, so a Taken slot whose lock nobody else has, and
+// which is not this process's own, is a dead connection's. Its clean-up runs while its byte is locked: nobody else
+// cleans or takes it meanwhile.
+
+#include <unistd.h>
+
+#include "qmgr/store/process.h"
+#include "qmgr/store/seams.h"
+#include "qmgr/store/store.h"
+#include "qmgr/store/transaction_scratch.h"
+#include "qmgr/store/transaction_walk.h"
+
+namespace mqrig::qmgr::store {
+
+namespace {
+
+bool isAlive(const ConnectionSlot &slot, std::uint32_t number, const LockFile &locks)
+{
+    if (slot.process == thisProcess().token) return true;
+    if (seams.slotAlive != nullptr) return seams.slotAlive(number);
+    return locks.lockedByOther(number);
+}
+
+} // namespace
+
+bool Store::anyConnection()
+{
+    ControlBlock &block = control();
+    for (std::uint32_t number = 0; number < block.slotLimit; ++number) {
+        const ConnectionSlot &slot = block.slots[number];
+        if (slot.state == SlotState::Taken && isAlive(slot, number, *slotLocks_)) return true;
+    }
+    return false;
+}
+
+Store::SlotTaken Store::takeSlot()
+{
+    ControlBlock &block = control();
+    const std::uint64_t ours = pidNamespaceOfThisProcess();
+    if (block.pidNamespace != ours) {
+        // Process ids mean nothing across the border, and the reader table of the live state goes by them.
+        if (anyConnection()) return {failure(MQRC_ENVIRONMENT_ERROR)};
+        block.pidNamespace = ours;
+    }
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        {
+            const std::scoped_lock lock(slotsMutex_);
+            for (std::uint32_t number = 0; number < maxSlots; ++number) {
+                ConnectionSlot &slot = block.slots[number];
+                if (slot.state != SlotState::Free || !slotLocks_->tryLock(number)) continue;
+                if (slot.state != SlotState::Free) { // taken by a process that has died since
+                    slotLocks_->unlock(number);
+                    continue;
+                }
+                slot.pid = getpid();
+                slot.process = thisProcess().token;
+                slot.connection = block.connections.fetch_add(1) + 1;
+                slot.undone = 0;
+                slot.waitsOn = 0;
+                slot.holds = 0;
+                slot.state = SlotState::Taken;
+                for (std::uint32_t limit = block.slotLimit; limit <= number;) {
+                    if (block.slotLimit.compare_exchange_weak(limit, number + 1)) break;
+                }
+                reached(Step::SlotTaken);
+                return {success(), number, slot.connection};
+            }
+        }
+        if (!releaseDead()) break;
+    }
+    return {failure(MQRC_MAX_CONNS_LIMIT_REACHED)};
+}
+
+void Store::freeSlot(std::uint32_t number)
+{
+    {
+        const std::scoped_lock lock(slotsMutex_);
+        cleanUp(number);
+        control().slots[number].state = SlotState::Free;
+        slotLocks_->unlock(number);
+    }
+    if (control().state == State::Quiescing && !anyConnection()) completeQuiesce();
+}
+
+bool Store::releaseDead()
+{
+    ControlBlock &block = control();
+    bool any = false;
+    {
+        const std::scoped_lock lock(slotsMutex_);
+        for (std::uint32_t number = 0; number < block.slotLimit; ++number) {
+            ConnectionSlot &slot = block.slots[number];
+            if (slot.state != SlotState::Taken || isAlive(slot, number, *slotLocks_)) continue;
+            if (!slotLocks_->tryLock(number)) continue; // somebody else is at it
+            if (slot.state == SlotState::Taken && slot.process != thisProcess().token) {
+                cleanUp(number);
+                if (const std::uint32_t cell = slot.waitsOn; cell != 0) block.cells[cell - 1].waiters.fetch_sub(1);
+                slot.state = SlotState::Free;
+                any = true;
+            }
+            slotLocks_->unlock(number);
+        }
+    }
+    if (!any) return false;
+    // It may have died between preparing a unit and finishing it.
+    if (anyPrepared()) static_cast<void>(finishPrepared());
+    if (block.state == State::Quiescing && !anyConnection()) completeQuiesce();
+    return true;
+}
+
+// Gives back whatever a connection holds that ends: the messages it got go back to their queues as by a backout, the
+// places it booked and the handles it had open are uncounted. What it had prepared is not its own any more. If
+// storage fails, the slot stays as it is in the live state, and whoever takes it inherits the bookings.
+void Store::cleanUp(std::uint32_t number)
+{
+    if (control().state == State::Ended) return;
+    const bool mayHold = control().slots[number].holds != 0;
+    const Outcome cleaned = update(0, number, [&](WriteTransaction &transaction) {
+        std::vector<MessageKey> gots;
+        if (mayHold) {
+            transaction.forEach(LiveKey::holds(), [&](const MDB_val &key, const MDB_val &value) {
+                const auto hold = recordIn<Hold>(value);
+                if (hold && hold->kind == HoldKind::Got && hold->slot == number) gots.push_back(messageOf(key));
+            });
+        }
+        std::vector<std::pair<QueueId, Booking>> booked;
+        transaction.forEach(LiveKey::bookingsOf(number), [&](const MDB_val &key, const MDB_val &value) {
+            booked.emplace_back(numberAtEnd<QueueId>(key), recordIn<Booking>(value).value_or(Booking{}));
+        });
+        if (gots.empty() && booked.empty()) return failure(MQRC_NONE); // nothing to commit
+        for (const MessageKey &key : gots) transaction.returnToQueue(key);
+        for (const auto &[queue, booking] : booked) {
+            QueueStatus &status = transaction.counters(queue);
+            status.depth -= booking.puts;
+            status.uncommitted -= booking.puts;
+            status.opens.input -= booking.opens.input;
+            status.opens.exclusive -= booking.opens.exclusive;
+            status.opens.output -= booking.opens.output;
+            status.opens.browse -= booking.opens.browse;
+            transaction.erase(LiveKey::booking(number, queue));
+            transaction.wakeGetters(queue);
+        }
+        return success();
+    });
+    static_cast<void>(cleaned);
+}
+
+} // namespace mqrig::qmgr::store

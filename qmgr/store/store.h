@@ -1,0 +1,178 @@
+// One life of one queue manager, open in this process: control block, live state, log and locks, and the mechanisms
+// over them. Shared by all connections of the process; the floors above see Attachment only.
+//
+// Lock order: start-up lock, slots mutex, log lock, SQLite, map lock, gate, LMDB's writer lock, control block.
+// Nothing is waited for under LMDB's writer lock.
+//
+// Where things are:
+//   store.cpp         opening the present life, transactions
+//   rebuild.cpp       beginning a life: the live state rebuilt from the log
+//   slots.cpp         connections of this and other processes, the clean-up of dead ones
+//   commit.cpp        units of work: prepare, log, flip (the protocol and why it is right)
+//   definitions.cpp   object definitions
+//   waiting.cpp       sleeping and waking, state changes
+//   queue_managers.cpp  create, delete, list, start, end
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "qmgr/store/attachment.h"
+#include "qmgr/store/control_block.h"
+#include "qmgr/store/live_environment.h"
+#include "qmgr/store/lock_file.h"
+#include "qmgr/store/log_database.h"
+#include "qmgr/store/queue_managers.h"
+#include "qmgr/store/transaction.h"
+
+namespace mqrig::qmgr::store {
+
+class Store {
+public:
+    struct Opened {
+        Outcome outcome;
+        std::shared_ptr<Store> store;
+    };
+    // The present life of the queue manager in this folder: the one this process has open, else opened, else begun
+    // (first use after a boot, a copied folder). A queue manager that is ended has none: MQRC_Q_MGR_NOT_AVAILABLE.
+    static Opened open(const std::filesystem::path &folder);
+    // Begins a new life of an ended queue manager.
+    static Outcome start(const std::filesystem::path &folder);
+    // The state, without opening the life or beginning one.
+    static StateOfQueueManager look(const std::filesystem::path &folder);
+    // Whether a queue manager's folder is there: MQRC_Q_MGR_NAME_ERROR if not.
+    static Outcome exists(const std::filesystem::path &folder);
+
+    [[nodiscard]] ControlBlock &control() const { return **control_; }
+    [[nodiscard]] const std::string &name() const { return name_; }
+
+    // ---- Transactions (store.cpp) ----
+    Outcome begin(ReadTransaction &transaction);
+    Outcome begin(WriteTransaction &transaction, std::size_t room, std::uint32_t slot);
+    // Commits and wakes, or gives everything up if the answer or a step failed. The body's answer, or the failure.
+    Outcome end(WriteTransaction &transaction, const Outcome &answer);
+    Outcome grow(std::size_t room) { return live_->grow(room); }
+    template <class Body> Outcome read(Body &&body)
+    {
+        ReadTransaction transaction;
+        if (const Outcome begun = begin(transaction); begun.failed()) return begun;
+        const Outcome answer = body(transaction);
+        return transaction.outcome().failed() ? transaction.outcome() : answer;
+    }
+    template <class Body> Outcome update(std::size_t room, std::uint32_t slot, Body &&body)
+    {
+        for (;;) {
+            WriteTransaction transaction;
+            if (const Outcome begun = begin(transaction, room, slot); begun.failed()) return begun;
+            const Outcome ended = end(transaction, body(transaction));
+            if (!transaction.outgrown_) return ended;
+            if (const Outcome grown = grow(room); grown.failed()) return grown;
+        }
+    }
+
+    // ---- Connections (slots.cpp) ----
+    struct SlotTaken {
+        Outcome outcome;
+        std::uint32_t slot = 0;
+        std::uint64_t connection = 0;
+    };
+    SlotTaken takeSlot();
+    // Gives back what the connection holds, as a backout does, and the slot.
+    void freeSlot(std::uint32_t slot);
+    bool releaseDead();
+    [[nodiscard]] bool anyConnection();
+
+    // ---- Units of work (commit.cpp) ----
+    Outcome commit(std::uint32_t slot, const Unit &unit);
+    Outcome backOut(std::uint32_t slot, const Unit &unit);
+    // The unit's outcome once it is finished.
+    Outcome harden(std::uint32_t slot, Ticket ticket);
+    // Logs and flips whatever is prepared, also by processes that died.
+    Outcome finishPrepared();
+    [[nodiscard]] bool anyPrepared();
+
+    // ---- Definitions (definitions.cpp) ----
+    std::optional<Definition> findDefinition(MQLONG type, std::string_view name);
+    std::vector<Definition> definitions(MQLONG type);
+    Outcome define(Definition &definition);
+    Outcome alter(const Definition &definition);
+    Outcome remove(MQLONG type, std::string_view name, const std::function<Outcome(const QueueStatus &)> &mayGo);
+
+    // ---- Waiting (waiting.cpp) ----
+    [[nodiscard]] WaitCell &cellOf(QueueId queue) const;
+    void wakeGetters(QueueId queue);
+    void wakeOneGetter(QueueId queue);
+    void wakeEverybody();
+    bool waitForMessage(std::uint32_t slot, QueueId queue, std::uint32_t observed, Deadline deadline);
+    State waitForStateChange(State seen, Deadline deadline) const;
+
+    // ---- States (queue_managers.cpp) ----
+    Outcome end(End how);
+    // Completes a quiesce whose last connection has gone.
+    void completeQuiesce();
+
+private:
+    friend class LogLock;
+    Store(std::filesystem::path folder, LockFile &locks) : folder_(std::move(folder)), locks_(locks) {}
+
+    static Opened openUnderLock(const std::filesystem::path &folder, LockFile &locks);
+    static Opened openLife(const std::filesystem::path &folder, LockFile &locks, std::unique_ptr<ControlMapping> control);
+    static Opened beginLife(const std::filesystem::path &folder, LockFile &locks, LogDatabase &log);
+    Outcome fill(LogDatabase &log);
+    static void putDefinition(WriteTransaction &transaction, const Definition &definition);
+
+    // The log, opened at its first use in this process. Log lock held.
+    Outcome openLog();
+    Outcome finishLogged();
+    Outcome logPrepared();
+    struct PreparedUnit;
+    std::vector<PreparedUnit> preparedUnits(Outcome &outcome);
+    Outcome logUnits(std::span<const PreparedUnit> units);
+    Outcome flip(Ticket upTo);
+    Outcome undo(const PreparedUnit &unit);
+    Outcome judgeLog(const Outcome &outcome);
+    Outcome logAndStore(const Definition &definition);
+    Outcome sweep(const Definition &definition);
+    Outcome reloadDefinitions();
+    Outcome logState(State state);
+    void cleanUp(std::uint32_t slot);
+    void endLife();
+
+    std::filesystem::path folder_;
+    LockFile &locks_;
+    LockFile *slotLocks_ = nullptr;
+    std::string name_;
+    std::unique_ptr<ControlMapping> control_;
+    std::unique_ptr<LiveEnvironment> live_;
+    std::unique_ptr<LogDatabase> log_; // log lock
+    std::mutex slotsMutex_;            // record locks do not tell the threads of a process apart
+};
+
+namespace lockBytes {
+constexpr std::uint32_t start = 0;
+constexpr std::uint32_t map = 1;
+} // namespace lockBytes
+
+// The log lock of a life, held while it exists. Finishes first what a killed holder has left.
+class LogLock {
+public:
+    explicit LogLock(Store &store);
+    ~LogLock();
+    LogLock(const LogLock &) = delete;
+    LogLock &operator=(const LogLock &) = delete;
+    // MQRC_CONNECTION_BROKEN: the life has ended. Failed: the log must not be used.
+    [[nodiscard]] Outcome outcome() const { return outcome_; }
+
+private:
+    Store &store_;
+    bool held_ = false;
+    Outcome outcome_;
+};
+
+} // namespace mqrig::qmgr::store

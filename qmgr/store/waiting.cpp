@@ -1,0 +1,94 @@
+// Sleeping getters and who wakes them.
+//
+// Every queue has a wait cell in the control block (queues may share one). A getter takes the cell's number, looks
+// for a message, and sleeps only while the number is the same; whoever makes messages visible raises the number
+// after its transaction has committed. So a message is either seen by the look or has raised the number. The system
+// call to wake is made only if the cell counts waiters: the number is raised before the count is read, and a sleeper
+// raises the count before the kernel compares the number, so one of the two notices the other.
+//
+// A process that is killed raises nothing. What it had locked or prepared was there, held, when a sleeper last looked
+// or else raises the number later; so a sleeper whose queue has held messages wakes every 500 ms to see whether
+// somebody died. To make that true for units prepared while it slept, the prepare wakes one sleeper, which from then
+// on keeps the watch, and hands it on when it leaves. A sleeper whose queue has nothing held sleeps without a pause.
+
+#include "qmgr/store/futex.h"
+#include "qmgr/store/process.h"
+#include "qmgr/store/store.h"
+
+namespace mqrig::qmgr::store {
+
+namespace {
+
+constexpr std::chrono::milliseconds watchInterval{500};
+
+} // namespace
+
+WaitCell &Store::cellOf(QueueId queue) const
+{
+    return control().cells[queue % waitCells];
+}
+
+void Store::wakeGetters(QueueId queue)
+{
+    WaitCell &cell = cellOf(queue);
+    cell.word.fetch_add(1);
+    if (cell.waiters != 0) futexWake(&cell.word);
+}
+
+void Store::wakeOneGetter(QueueId queue)
+{
+    WaitCell &cell = cellOf(queue);
+    cell.word.fetch_add(1);
+    if (cell.waiters != 0) futexWake(&cell.word, 1);
+}
+
+void Store::wakeEverybody()
+{
+    for (WaitCell &cell : control().cells) {
+        cell.word.fetch_add(1);
+        if (cell.waiters != 0) futexWake(&cell.word);
+    }
+    // The state is rarely changed: no count of who waits for it.
+    futexWake(&control().state);
+}
+
+State Store::waitForStateChange(State seen, Deadline deadline) const
+{
+    while (control().state == seen) {
+        if (!futexWait(&control().state, static_cast<std::uint32_t>(seen), deadline)) break;
+    }
+    return control().state;
+}
+
+bool Store::waitForMessage(std::uint32_t slot, QueueId queue, std::uint32_t observed, Deadline deadline)
+{
+    WaitCell &cell = cellOf(queue);
+    const State before = control().state;
+    ConnectionSlot &own = control().slots[slot];
+    while (cell.word == observed) {
+        if (control().state != before || before == State::Ended) return true;
+        if (std::chrono::steady_clock::now() >= deadline) return false;
+        bool watching = false;
+        const Outcome looked = read([&](ReadTransaction &transaction) {
+            watching = transaction.queue(queue).held > 0;
+            return success();
+        });
+        if (looked.failed()) return true; // the caller's next look says what is wrong
+        Deadline until = deadline;
+        if (watching) until = std::min(until, std::chrono::steady_clock::now() + watchInterval);
+
+        own.waitsOn = queue % waitCells + 1;
+        cell.waiters.fetch_add(1);
+        const bool woken = futexWait(&cell.word, observed, until);
+        cell.waiters.fetch_sub(1);
+        own.waitsOn = 0;
+
+        if (woken || !watching) continue;
+        if (releaseDead()) return true;
+        if (anyPrepared() && !finishPrepared().failed() && cell.word != observed) return true;
+        if (std::chrono::steady_clock::now() >= deadline && cell.waiters != 0) futexWake(&cell.word, 1);
+    }
+    return true;
+}
+
+} // namespace mqrig::qmgr::store

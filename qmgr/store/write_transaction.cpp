@@ -1,0 +1,338 @@
+#include <algorithm>
+
+#include "qmgr/store/control_block.h"
+#include "qmgr/store/live_environment.h"
+#include "qmgr/store/live_records.h"
+#include "qmgr/store/seams.h"
+#include "qmgr/store/transaction.h"
+#include "qmgr/store/transaction_scratch.h"
+
+namespace mqrig::qmgr::store {
+
+namespace {
+
+bool isNoId(const MQBYTE *id)
+{
+    return std::all_of(id, id + 24, [](MQBYTE byte) { return byte == 0; });
+}
+
+// Runs `act` on the index key of every id that the message has.
+template <class Act> void forEachIndex(const MessageKey &key, const MQMD &md, Act &&act)
+{
+    if (!isNoId(md.MsgId)) act(LiveKey::indexed(key, Index::MsgId, md.MsgId));
+    if (!isNoId(md.CorrelId)) act(LiveKey::indexed(key, Index::CorrelId, md.CorrelId));
+    if (!isNoId(md.GroupId)) act(LiveKey::indexed(key, Index::GroupId, md.GroupId));
+}
+
+// The stored bytes of a record with its header changed. Read out before anything is written: the page moves.
+struct SmallRecord {
+    std::array<std::byte, sizeof(MessageHeader) + inlineBody> bytes;
+    std::size_t size;
+};
+
+} // namespace
+
+TransactionScratch &TransactionScratch::ofThisThread()
+{
+    thread_local TransactionScratch scratch;
+    return scratch;
+}
+
+WriteTransaction::~WriteTransaction()
+{
+    if (txn_ != nullptr) environment_->abortWrite(txn_);
+}
+
+Ticket WriteTransaction::ticket() const
+{
+    // LMDB numbers write transactions in the order in which they hold the writer lock: the order of the log, too.
+    return mdb_txn_id(txn_);
+}
+
+void WriteTransaction::store(const LiveKey &key, const void *data, std::size_t size)
+{
+    if (outcome_.failed()) return;
+    if (const int error = injectedError(StorageCall::LivePut); error != 0) {
+        sticks(error);
+        return;
+    }
+    MDB_val name = valueOf(key);
+    MDB_val value{size, const_cast<void *>(data)}; // NOLINT: the library takes no const
+    sticks(mdb_put(txn_, records_, &name, &value, 0));
+}
+
+void WriteTransaction::erase(const LiveKey &key)
+{
+    if (outcome_.failed()) return;
+    MDB_val name = valueOf(key);
+    sticks(mdb_del(txn_, records_, &name, nullptr));
+}
+
+QueueStatus &WriteTransaction::counters(QueueId queue)
+{
+    return scratch_->entryOf(*this, queue).status;
+}
+
+void WriteTransaction::createCounters(QueueId queue)
+{
+    scratch_->entryOf(*this, queue).present = true;
+}
+
+bool WriteTransaction::mustExist(QueueId queue)
+{
+    if (outcome_.failed()) return false;
+    if (exists(queue)) return true;
+    if (!outcome_.failed()) outcome_ = failure(MQRC_Q_DELETED);
+    return false;
+}
+
+bool WriteTransaction::eraseSome(const LiveKey &prefix, int atMost)
+{
+    if (outcome_.failed()) return false;
+    MDB_cursor *cursor = nullptr;
+    if (!sticks(mdb_cursor_open(txn_, records_, &cursor))) return false;
+    MDB_val key = valueOf(prefix);
+    MDB_val value{};
+    int code = mdb_cursor_get(cursor, &key, &value, MDB_SET_RANGE);
+    int erased = 0;
+    for (; code == MDB_SUCCESS && prefix.isPrefixOf(key.mv_data, key.mv_size) && erased < atMost; ++erased) {
+        code = mdb_cursor_del(cursor, 0);
+        // The cursor stands on the record behind the erased one, if the page has one more.
+        if (code == MDB_SUCCESS) code = mdb_cursor_get(cursor, &key, &value, MDB_GET_CURRENT);
+        if (code == MDB_SUCCESS) continue;
+        key = valueOf(prefix);
+        code = mdb_cursor_get(cursor, &key, &value, MDB_SET_RANGE);
+    }
+    sticks(code);
+    mdb_cursor_close(cursor);
+    return erased == atMost && !outcome_.failed();
+}
+
+Booking &WriteTransaction::booking(QueueId queue)
+{
+    for (auto &entry : scratch_->bookings) {
+        if (entry.queue == queue) return entry.booking;
+    }
+    const auto booking = recordIn<Booking>(get(LiveKey::booking(slot_, queue)));
+    return scratch_->bookings.emplace_back(queue, booking.value_or(Booking{})).booking;
+}
+
+void WriteTransaction::flush()
+{
+    for (const auto &entry : scratch_->queues) {
+        if (!entry.present) continue;
+        const auto stored = get(LiveKey::queue(entry.queue));
+        if (stored.size == sizeof entry.status && std::memcmp(stored.data, &entry.status, stored.size) == 0) continue;
+        store(LiveKey::queue(entry.queue), &entry.status, sizeof entry.status);
+    }
+    for (const auto &entry : scratch_->bookings) {
+        const LiveKey key = LiveKey::booking(slot_, entry.queue);
+        constexpr Booking nothing{};
+        if (std::memcmp(&entry.booking, &nothing, sizeof nothing) == 0) {
+            erase(key);
+        } else {
+            store(key, &entry.booking, sizeof entry.booking);
+        }
+    }
+    if (scratch_->steps.empty() || outcome_.failed()) return;
+    const UnitRecord unit{
+        .kind = scratch_->unitKind, .slot = slot_, .connection = connection_->connection.load(), .steps = scratch_->steps.size()};
+    const std::size_t stepBytes = scratch_->steps.size() * sizeof(UnitStep);
+    const LiveKey key = LiveKey::unit(ticket());
+    MDB_val name = valueOf(key);
+    MDB_val value{sizeof unit + stepBytes, nullptr};
+    if (!sticks(mdb_put(txn_, records_, &name, &value, MDB_RESERVE))) return;
+    std::memcpy(value.mv_data, &unit, sizeof unit);
+    std::memcpy(static_cast<std::byte *>(value.mv_data) + sizeof unit, scratch_->steps.data(), stepBytes);
+}
+
+void WriteTransaction::insertMessage(const NewMessage &message)
+{
+    if (outcome_.failed()) return;
+    if (const int error = injectedError(StorageCall::LivePut); error != 0) {
+        sticks(error);
+        return;
+    }
+    MessageHeader header = message.header;
+    header.bodyLength = static_cast<std::uint32_t>(message.body.size());
+    const bool isInline = message.body.size() <= inlineBody;
+    const LiveKey key = LiveKey::message(message.key);
+    MDB_val name = valueOf(key);
+    MDB_val value{sizeof header + (isInline ? message.body.size() : 0), nullptr};
+    if (!sticks(mdb_put(txn_, records_, &name, &value, MDB_RESERVE))) return;
+    std::memcpy(value.mv_data, &header, sizeof header);
+    if (isInline) {
+        if (!message.body.empty()) {
+            std::memcpy(static_cast<std::byte *>(value.mv_data) + sizeof header, message.body.data(),
+                        message.body.size());
+        }
+    } else {
+        const LiveKey bodyKey = LiveKey::body(message.key);
+        MDB_val bodyName = valueOf(bodyKey);
+        MDB_val body{message.body.size(), nullptr};
+        if (!sticks(mdb_put(txn_, records_, &bodyName, &body, MDB_RESERVE))) return;
+        std::memcpy(body.mv_data, message.body.data(), message.body.size());
+    }
+    forEachIndex(message.key, header.md, [this](const LiveKey &index) { store(index, nullptr, 0); });
+}
+
+void WriteTransaction::eraseMessage(const MessageKey &key)
+{
+    const auto header = findHeld(key);
+    if (!header) return;
+    erase(LiveKey::message(key));
+    if (header->bodyLength > inlineBody) erase(LiveKey::body(key));
+    forEachIndex(key, header->md, [this](const LiveKey &index) { erase(index); });
+}
+
+void WriteTransaction::setHold(const MessageKey &key, const Hold &hold)
+{
+    store(LiveKey::hold(key), &hold, sizeof hold);
+    counters(key.queue).held += 1;
+}
+
+void WriteTransaction::changeHold(const MessageKey &key, const Hold &hold)
+{
+    store(LiveKey::hold(key), &hold, sizeof hold);
+}
+
+void WriteTransaction::clearHold(const MessageKey &key)
+{
+    erase(LiveKey::hold(key));
+    counters(key.queue).held -= 1;
+}
+
+void WriteTransaction::addStep(UnitKind unit, StepKind step, const MessageKey &key, bool persistent,
+                               std::uint64_t backoutCount)
+{
+    if (unit != UnitKind::Note) scratch_->unitKind = unit;
+    scratch_->steps.push_back({.kind = step,
+                               .persistent = persistent ? 1U : 0U,
+                               .queue = key.queue,
+                               .order = key.order,
+                               .sequence = key.sequence,
+                               .backoutCount = backoutCount});
+}
+
+void WriteTransaction::wakeGetters(QueueId queue)
+{
+    auto &wake = scratch_->wake;
+    if (std::find(wake.begin(), wake.end(), queue) == wake.end()) wake.push_back(queue);
+}
+
+Ticket WriteTransaction::put(const NewMessage &message)
+{
+    if (!mustExist(message.key.queue)) return 0;
+    insertMessage(message);
+    counters(message.key.queue).depth += 1;
+    wakeGetters(message.key.queue);
+    if (!isPersistent(message.header)) return 0;
+    setHold(message.key, {.kind = HoldKind::Hidden, .slot = slot_, .ticket = ticket()});
+    addStep(UnitKind::Single, StepKind::Put, message.key, true, 0);
+    return ticket();
+}
+
+Ticket WriteTransaction::take(const MessageKey &key)
+{
+    const auto header = find(key);
+    if (!header) return 0;
+    counters(key.queue).depth -= 1;
+    if (!isPersistent(*header)) {
+        eraseMessage(key);
+        return 0;
+    }
+    setHold(key, {.kind = HoldKind::Prepared, .slot = slot_, .ticket = ticket()});
+    addStep(UnitKind::Single, StepKind::Get, key, true, 0);
+    return ticket();
+}
+
+void WriteTransaction::discard(const MessageKey &key)
+{
+    const auto header = find(key);
+    if (!header) return;
+    counters(key.queue).depth -= 1;
+    eraseMessage(key);
+    if (isPersistent(*header)) addStep(UnitKind::Note, StepKind::Forget, key, true, 0);
+}
+
+void WriteTransaction::bookPut(QueueId queue)
+{
+    if (!mustExist(queue)) return;
+    QueueStatus &status = counters(queue);
+    status.depth += 1;
+    status.uncommitted += 1;
+    booking(queue).puts += 1;
+}
+
+void WriteTransaction::unbookPut(QueueId queue)
+{
+    Booking &booked = booking(queue);
+    if (booked.puts == 0) return;
+    booked.puts -= 1;
+    QueueStatus &status = counters(queue);
+    status.depth -= 1;
+    status.uncommitted -= 1;
+}
+
+void WriteTransaction::lock(const MessageKey &key)
+{
+    if (!find(key)) return;
+    connection_->holds.fetch_add(1);
+    setHold(key, {.kind = HoldKind::Got, .slot = slot_, .ticket = 0});
+    counters(key.queue).depth -= 1;
+}
+
+void WriteTransaction::unlock(const MessageKey &key)
+{
+    const auto hold = holdOf(key);
+    if (!hold || hold->kind != HoldKind::Got || hold->slot != slot_) return;
+    clearHold(key);
+    counters(key.queue).depth += 1;
+    wakeGetters(key.queue);
+}
+
+void WriteTransaction::addOpens(QueueId queue, const OpenCounts &change)
+{
+    const bool opening = change.input > 0 || change.output > 0 || change.browse > 0;
+    if (opening && !mustExist(queue)) return;
+    const auto add = [&change](OpenCounts &counts) {
+        counts.input += change.input;
+        counts.exclusive += change.exclusive;
+        counts.output += change.output;
+        counts.browse += change.browse;
+    };
+    add(counters(queue).opens);
+    add(booking(queue).opens);
+}
+
+void WriteTransaction::changeHeader(const MessageKey &key, const MessageHeader &header)
+{
+    const Value stored = get(LiveKey::message(key));
+    const auto before = recordIn<MessageHeader>(stored);
+    SmallRecord record; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below as far as it is used
+    if (!before || stored.size > record.bytes.size()) return;
+    record.size = stored.size;
+    std::memcpy(record.bytes.data(), stored.data, stored.size);
+    MessageHeader after = header;
+    after.bodyLength = before->bodyLength;
+    std::memcpy(record.bytes.data(), &after, sizeof after);
+    store(LiveKey::message(key), record.bytes.data(), record.size);
+}
+
+// A message got by a unit of work that is backed out: visible again, its backout count raised. What is persistent
+// keeps the count over a restart, so a note goes to the log.
+void WriteTransaction::returnToQueue(const MessageKey &key)
+{
+    clearHold(key);
+    auto header = findHeld(key);
+    if (!header) return;
+    counters(key.queue).depth += 1;
+    wakeGetters(key.queue);
+    header->md.BackoutCount += 1;
+    changeHeader(key, *header);
+    if (isPersistent(*header)) {
+        addStep(UnitKind::Note, StepKind::Backout, key, true, static_cast<std::uint64_t>(header->md.BackoutCount));
+    }
+}
+
+} // namespace mqrig::qmgr::store

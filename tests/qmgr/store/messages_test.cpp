@@ -1,0 +1,207 @@
+#include "store_test.h"
+
+namespace mqrig::qmgr::store::test {
+namespace {
+
+using Messages = StoreTest;
+using Texts = std::vector<std::string>;
+
+TEST_F(Messages, AreDeliveredInTheOrderTheyWerePut)
+{
+    const auto a = connect();
+    for (const char *text : {"one", "two", "three"}) ASSERT_EQ(put(*a, q1_, text), success());
+    EXPECT_EQ(browse(*a, q1_), (Texts{"one", "two", "three"}));
+    EXPECT_EQ(get(*a, q1_), "one");
+    EXPECT_EQ(get(*a, q1_), "two");
+    EXPECT_EQ(get(*a, q1_), "three");
+    EXPECT_EQ(get(*a, q1_), "");
+}
+
+TEST_F(Messages, OfHigherPriorityComeFirst)
+{
+    const auto a = connect();
+    ASSERT_EQ(put(*a, q1_, "low", {.priority = 1}), success());
+    ASSERT_EQ(put(*a, q1_, "high", {.priority = 9}), success());
+    ASSERT_EQ(put(*a, q1_, "low too", {.priority = 1}), success());
+    ASSERT_EQ(put(*a, q1_, "middle", {.persistence = MQPER_PERSISTENT, .priority = 5}), success());
+    EXPECT_EQ(browse(*a, q1_), (Texts{"high", "middle", "low", "low too"}));
+}
+
+TEST_F(Messages, StayOnTheirOwnQueue)
+{
+    const auto a = connect();
+    ASSERT_EQ(put(*a, q1_, "first"), success());
+    ASSERT_EQ(put(*a, q2_, "second"), success());
+    EXPECT_EQ(browse(*a, q1_), (Texts{"first"}));
+    EXPECT_EQ(browse(*a, q2_), (Texts{"second"}));
+}
+
+TEST_F(Messages, KeepHeaderAndBodyByteForByte)
+{
+    const auto a = connect();
+    for (const std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{1500}, std::size_t{1501},
+                                   std::size_t{100'000}, std::size_t{100} << 20}) {
+        for (const MQLONG persistence : {MQPER_NOT_PERSISTENT, MQPER_PERSISTENT}) {
+            std::string text(size, 'x');
+            for (std::size_t at = 0; at < size; at += 4099) text[at] = static_cast<char>('a' + at % 26);
+            ASSERT_EQ(put(*a, q1_, text, {.persistence = persistence, .priority = 3, .msgId = "id", .correlId = "correl"}),
+                      success());
+            MessageHeader header{};
+            ASSERT_EQ(a->read([&](ReadTransaction &transaction) {
+                MessageCursor cursor(transaction, q1_);
+                EXPECT_TRUE(cursor.first());
+                header = cursor.header();
+                return success();
+            }),
+                      success());
+            EXPECT_EQ(header.bodyLength, size);
+            EXPECT_EQ(header.md.Priority, 3);
+            EXPECT_EQ(std::memcmp(header.md.CorrelId, "correl", 7), 0);
+            EXPECT_TRUE(get(*a, q1_) == text) << size;
+        }
+    }
+}
+
+TEST_F(Messages, AreFoundByTheirIdsInDeliveryOrder)
+{
+    const auto a = connect();
+    ASSERT_EQ(put(*a, q1_, "1", {.priority = 1, .msgId = "m1", .correlId = "c", .groupId = "g"}), success());
+    ASSERT_EQ(put(*a, q1_, "2", {.priority = 2, .msgId = "m2", .correlId = "c"}), success());
+    ASSERT_EQ(put(*a, q1_, "3", {.priority = 1, .msgId = "m3", .correlId = "d", .groupId = "g"}), success());
+    ASSERT_EQ(put(*a, q2_, "4", {.priority = 1, .msgId = "m1", .correlId = "c", .groupId = "g"}), success());
+    const auto found = [&](Index index, std::string_view id) {
+        Texts texts;
+        MQBYTE24 bytes{};
+        std::memcpy(bytes, id.data(), id.size());
+        EXPECT_EQ(a->read([&](ReadTransaction &transaction) {
+            MessageCursor cursor(transaction, q1_, index, bytes);
+            for (bool on = cursor.first(); on; on = cursor.next()) texts.push_back(textOf(cursor.body()));
+            return success();
+        }),
+                  success());
+        return texts;
+    };
+    EXPECT_EQ(found(Index::MsgId, "m1"), (Texts{"1"}));
+    EXPECT_EQ(found(Index::CorrelId, "c"), (Texts{"2", "1"}));
+    EXPECT_EQ(found(Index::GroupId, "g"), (Texts{"1", "3"}));
+    EXPECT_EQ(found(Index::CorrelId, "e"), (Texts{}));
+    UnitOfWork unit(*a);
+    EXPECT_EQ(unit.get(q1_), "2");
+    EXPECT_EQ(found(Index::CorrelId, "c"), (Texts{"1"}));
+    EXPECT_EQ(unit.commit(), success());
+    EXPECT_EQ(found(Index::MsgId, "m2"), (Texts{}));
+}
+
+TEST_F(Messages, AreBrowsedOnFromAKeyThatIsGone)
+{
+    const auto a = connect();
+    for (const char *text : {"1", "2", "3", "4"}) ASSERT_EQ(put(*a, q1_, text), success());
+    MessageKey first;
+    ASSERT_EQ(a->read([&](ReadTransaction &transaction) {
+        MessageCursor cursor(transaction, q1_);
+        EXPECT_TRUE(cursor.first());
+        first = cursor.key();
+        return success();
+    }),
+              success());
+    const auto behindFirst = [&] {
+        std::string text;
+        EXPECT_EQ(a->read([&](ReadTransaction &transaction) {
+            MessageCursor cursor(transaction, q1_);
+            if (cursor.seek(first)) text = textOf(cursor.body());
+            return success();
+        }),
+                  success());
+        return text;
+    };
+    EXPECT_EQ(behindFirst(), "2");
+    EXPECT_EQ(get(*a, q1_), "1");
+    EXPECT_EQ(behindFirst(), "2");
+    EXPECT_EQ(get(*a, q1_), "2");
+    EXPECT_EQ(behindFirst(), "3");
+}
+
+TEST_F(Messages, HeldInTheMiddleArePassedOver)
+{
+    const auto a = connect();
+    const auto b = connect();
+    for (int n = 0; n < 10; ++n) ASSERT_EQ(put(*a, q1_, std::to_string(n)), success());
+    UnitOfWork unit(*a);
+    ASSERT_EQ(unit.get(q1_), "0");
+    ASSERT_EQ(unit.get(q1_), "1");
+    UnitOfWork other(*b);
+    ASSERT_EQ(other.get(q1_), "2");
+    ASSERT_EQ(unit.get(q1_), "3");
+    EXPECT_EQ(browse(*b, q1_), (Texts{"4", "5", "6", "7", "8", "9"}));
+    EXPECT_EQ(other.backOut(), success());
+    EXPECT_EQ(browse(*b, q1_), (Texts{"2", "4", "5", "6", "7", "8", "9"}));
+    EXPECT_EQ(unit.backOut(), success());
+    EXPECT_EQ(browse(*b, q1_), (Texts{"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"}));
+}
+
+TEST_F(Messages, AreNamedByTheirToken)
+{
+    const MessageKey key{.queue = 0x01020304, .order = 7, .sequence = 0x1122334455667788};
+    EXPECT_EQ(keyOfToken(tokenOfKey(key)), key);
+    EXPECT_FALSE(keyOfToken(MessageToken{}).has_value());
+}
+
+TEST_F(Messages, HeaderChangesLeaveTheBodyAlone)
+{
+    const auto a = connect();
+    ASSERT_EQ(put(*a, q1_, "small"), success());
+    const std::string large(200'000, 'L');
+    ASSERT_EQ(put(*a, q1_, large), success());
+    ASSERT_EQ(a->update(0, [&](WriteTransaction &transaction) {
+        std::vector<MessageKey> keys;
+        {
+            MessageCursor cursor(transaction, q1_);
+            for (bool on = cursor.first(); on; on = cursor.next()) keys.push_back(cursor.key());
+        }
+        for (const MessageKey &key : keys) {
+            auto header = transaction.find(key);
+            EXPECT_TRUE(header.has_value());
+            header->md.BackoutCount = 7;
+            transaction.changeHeader(key, *header);
+        }
+        return success();
+    }),
+              success());
+    EXPECT_EQ(browse(*a, q1_), (Texts{"small", large}));
+}
+
+TEST_F(Messages, OfARefusedUpdateAreNotThere)
+{
+    const auto a = connect();
+    const NewMessage message{a->newKey(q1_, 0), headerOf({}), bytesOf("never")};
+    EXPECT_EQ(a->update(5, [&](WriteTransaction &transaction) {
+        transaction.put(message);
+        return failure(MQRC_Q_FULL);
+    }),
+              failure(MQRC_Q_FULL));
+    EXPECT_EQ(browse(*a, q1_), (Texts{}));
+    EXPECT_EQ(statusOf(*a, q1_).depth, 0U);
+}
+
+TEST_F(Messages, DiscardedAreGoneAtOnce)
+{
+    const auto a = connect();
+    ASSERT_EQ(put(*a, q1_, "expired", {.persistence = MQPER_PERSISTENT}), success());
+    ASSERT_EQ(put(*a, q1_, "alive", {.persistence = MQPER_PERSISTENT}), success());
+    ASSERT_EQ(a->update(0, [&](WriteTransaction &transaction) {
+        MessageKey key;
+        {
+            MessageCursor cursor(transaction, q1_);
+            EXPECT_TRUE(cursor.first());
+            key = cursor.key();
+        }
+        transaction.discard(key);
+        return success();
+    }),
+              success());
+    EXPECT_EQ(browse(*a, q1_), (Texts{"alive"}));
+    EXPECT_EQ(statusOf(*a, q1_).depth, 1U);
+}
+
+} // namespace
+} // namespace mqrig::qmgr::store::test
