@@ -37,8 +37,8 @@ TEST(RigqmHostileInput, EndlessLineIsOneCommandThatIsTooLong)
 TEST(RigqmHostileInput, LongAndStrangeArgumentsGetOneLine)
 {
     const TemporaryFolder folder;
-    for (const std::string &argument : {std::string(100000, 'A'), std::string("../../etc"), std::string("a b"),
-                                        std::string("\xff\xfe"), std::string("QM\n1"), std::string("")}) {
+    for (const std::string &argument : {std::string(100000, 'A'), std::string("a b"), std::string("\xff\xfe"),
+                                        std::string("QM\n1"), std::string("")}) {
         for (const char *command : {"create", "start", "end", "delete", "mqsc"}) {
             const CommandResult result =
                 runShell(std::string("rigqm ") + command + " -- '" + argument + "'", "", folder.path() / "store");
