@@ -1,6 +1,6 @@
 #include "qmgr/api/api.h"
-#include "qmgr/api/structures.h"
 #include "qmgr/api/option_table.h"
+#include "qmgr/api/structures.h"
 #include "qmgr/core/connections.h"
 
 using namespace mqrig::qmgr;

@@ -12,7 +12,8 @@ Outcome close(MQHCONN Hconn, PMQHOBJ pHobj, MQLONG options)
     const core::ConnectionUse use(Hconn);
     if (use.outcome().failed()) return use.outcome();
     if (pHobj == nullptr || use->handles.find(*pHobj) == nullptr) return failure(MQRC_HOBJ_ERROR);
-    if (api::severalOf(options, MQCO_DELETE | MQCO_DELETE_PURGE) || api::severalOf(options, MQCO_KEEP_SUB | MQCO_REMOVE_SUB))
+    if (api::severalOf(options, MQCO_DELETE | MQCO_DELETE_PURGE) ||
+        api::severalOf(options, MQCO_KEEP_SUB | MQCO_REMOVE_SUB))
         return failure(MQRC_OPTIONS_ERROR);
     if (const MQLONG reason = api::checkOptions(api::OptionField::Close, options)) return failure(reason);
     const Outcome closed = core::closeObject(*use, *pHobj);

@@ -14,8 +14,8 @@ namespace {
 
 constexpr MQLONG cursorOptions = core::browseOptions | MQGMO_MSG_UNDER_CURSOR;
 constexpr MQLONG syncpointOptions = MQGMO_SYNCPOINT | MQGMO_SYNCPOINT_IF_PERSISTENT | MQGMO_NO_SYNCPOINT;
-constexpr MQLONG propertyOptions = MQGMO_PROPERTIES_FORCE_MQRFH2 | MQGMO_NO_PROPERTIES | MQGMO_PROPERTIES_IN_HANDLE |
-                                   MQGMO_PROPERTIES_COMPATIBILITY;
+constexpr MQLONG propertyOptions =
+    MQGMO_PROPERTIES_FORCE_MQRFH2 | MQGMO_NO_PROPERTIES | MQGMO_PROPERTIES_IN_HANDLE | MQGMO_PROPERTIES_COMPATIBILITY;
 
 MQLONG checkGetOptions(const MQGMO &gmo)
 {
@@ -80,7 +80,8 @@ Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, M
     MQMD md;
     api::loadMd(pMsgDesc, md);
 
-    const core::GetRequest request{gmo.Options, gmo.WaitInterval,
+    const core::GetRequest request{gmo.Options,
+                                   gmo.WaitInterval,
                                    core::Selection(gmo.MatchOptions, md, gmo.MsgToken),
                                    {static_cast<std::byte *>(pBuffer), static_cast<std::size_t>(bufferLength)}};
     core::GotMessage got;
@@ -101,7 +102,6 @@ Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, M
 MQI_EXPORT void MQENTRY MQGET(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, MQLONG BufferLength,
                               PMQVOID pBuffer, PMQLONG pDataLength, PMQLONG pCompCode, PMQLONG pReason) noexcept
 {
-    api::answer(pCompCode, pReason, [=] {
-        return get(Hconn, Hobj, pMsgDesc, pGetMsgOpts, BufferLength, pBuffer, pDataLength);
-    });
+    api::answer(pCompCode, pReason,
+                [=] { return get(Hconn, Hobj, pMsgDesc, pGetMsgOpts, BufferLength, pBuffer, pDataLength); });
 }

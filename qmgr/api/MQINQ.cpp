@@ -31,7 +31,8 @@ MQLONG check(const Arrays &arrays)
     return MQRC_NONE;
 }
 
-template <class T> std::span<T> spanOf(T *first, MQLONG count)
+template <class T>
+std::span<T> spanOf(T *first, MQLONG count)
 {
     return {first, static_cast<std::size_t>(count)};
 }
@@ -50,12 +51,11 @@ Outcome inquire(MQHCONN Hconn, MQHOBJ Hobj, const Arrays &arrays)
 
 } // namespace
 
-MQI_EXPORT void MQENTRY MQINQ(MQHCONN Hconn, MQHOBJ Hobj, MQLONG SelectorCount, PMQLONG pSelectors,
-                              MQLONG IntAttrCount, PMQLONG pIntAttrs, MQLONG CharAttrLength, PMQCHAR pCharAttrs,
-                              PMQLONG pCompCode, PMQLONG pReason) noexcept
+MQI_EXPORT void MQENTRY MQINQ(MQHCONN Hconn, MQHOBJ Hobj, MQLONG SelectorCount, PMQLONG pSelectors, MQLONG IntAttrCount,
+                              PMQLONG pIntAttrs, MQLONG CharAttrLength, PMQCHAR pCharAttrs, PMQLONG pCompCode,
+                              PMQLONG pReason) noexcept
 {
     api::answer(pCompCode, pReason, [=] {
-        return inquire(Hconn, Hobj,
-                       {SelectorCount, pSelectors, IntAttrCount, pIntAttrs, CharAttrLength, pCharAttrs});
+        return inquire(Hconn, Hobj, {SelectorCount, pSelectors, IntAttrCount, pIntAttrs, CharAttrLength, pCharAttrs});
     });
 }

@@ -25,7 +25,8 @@
 namespace mqrig::qmgr::api {
 
 // Runs the call and reports what it answers. A program that passes no place for the codes does without.
-template <class Call> void answer(PMQLONG pCompCode, PMQLONG pReason, Call &&call) noexcept
+template <class Call>
+void answer(PMQLONG pCompCode, PMQLONG pReason, Call &&call) noexcept
 {
     Outcome outcome;
     try {

@@ -155,12 +155,9 @@ constexpr OptionRow getRows[] = {
 };
 
 constexpr OptionRow matchRows[] = {
-    done("MQMO_MATCH_MSG_ID", MQMO_MATCH_MSG_ID),
-    done("MQMO_MATCH_CORREL_ID", MQMO_MATCH_CORREL_ID),
-    done("MQMO_MATCH_GROUP_ID", MQMO_MATCH_GROUP_ID),
-    done("MQMO_MATCH_MSG_SEQ_NUMBER", MQMO_MATCH_MSG_SEQ_NUMBER),
-    done("MQMO_MATCH_OFFSET", MQMO_MATCH_OFFSET),
-    done("MQMO_MATCH_MSG_TOKEN", MQMO_MATCH_MSG_TOKEN),
+    done("MQMO_MATCH_MSG_ID", MQMO_MATCH_MSG_ID),     done("MQMO_MATCH_CORREL_ID", MQMO_MATCH_CORREL_ID),
+    done("MQMO_MATCH_GROUP_ID", MQMO_MATCH_GROUP_ID), done("MQMO_MATCH_MSG_SEQ_NUMBER", MQMO_MATCH_MSG_SEQ_NUMBER),
+    done("MQMO_MATCH_OFFSET", MQMO_MATCH_OFFSET),     done("MQMO_MATCH_MSG_TOKEN", MQMO_MATCH_MSG_TOKEN),
 };
 
 constexpr std::string_view noException = "a message that cannot be put is refused by MQPUT: none fails later";
@@ -275,7 +272,8 @@ MQLONG unknownBitsReason(OptionField field)
 MQLONG refusalOf(OptionField field, MQULONG options)
 {
     MQULONG known = 0;
-    for (const OptionRow &row : optionRows(field)) known |= row.bits;
+    for (const OptionRow &row : optionRows(field))
+        known |= row.bits;
     if ((options & ~known) != 0) return unknownBitsReason(field);
     for (const OptionRow &row : optionRows(field))
         if (row.treatment == Treatment::Refused && (options & row.bits) != 0) return row.reason;

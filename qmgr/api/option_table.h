@@ -61,7 +61,8 @@ MQLONG refusalOf(OptionField field, MQULONG options);
 inline MQLONG checkOptions(OptionField field, MQLONG options)
 {
     const auto given = static_cast<MQULONG>(options);
-    if ((given & ~acceptedBits[static_cast<std::size_t>(field)]) == 0) [[likely]] return MQRC_NONE;
+    if ((given & ~acceptedBits[static_cast<std::size_t>(field)]) == 0) [[likely]]
+        return MQRC_NONE;
     return refusalOf(field, given);
 }
 

@@ -15,8 +15,7 @@ constexpr MQLONG contextOptions = MQPMO_DEFAULT_CONTEXT | MQPMO_NO_CONTEXT | MQP
 MQLONG checkPutOptions(MQLONG options)
 {
     if (const MQLONG reason = checkOptions(OptionField::Put, options)) return reason;
-    const bool wrong = severalOf(options, MQPMO_SYNCPOINT | MQPMO_NO_SYNCPOINT) ||
-                       severalOf(options, contextOptions) ||
+    const bool wrong = severalOf(options, MQPMO_SYNCPOINT | MQPMO_NO_SYNCPOINT) || severalOf(options, contextOptions) ||
                        severalOf(options, MQPMO_ASYNC_RESPONSE | MQPMO_SYNC_RESPONSE);
     return wrong ? MQRC_OPTIONS_ERROR : MQRC_NONE;
 }

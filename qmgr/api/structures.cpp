@@ -46,7 +46,8 @@ void overlay(const void *from, const std::size_t (&lengths)[N], Structure &struc
     std::memcpy(static_cast<void *>(&structure), from, lengths[headOf(from).Version - 1]);
 }
 
-template <class Field> void copyField(Field &to, const Field &from)
+template <class Field>
+void copyField(Field &to, const Field &from)
 {
     std::memcpy(to, from, sizeof to);
 }

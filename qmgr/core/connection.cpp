@@ -17,7 +17,8 @@ constexpr std::size_t nameLength = 12;
 // Big-endian, so that identifiers sort in the order they were made.
 void writeNumber(MQBYTE *at, std::uint64_t number)
 {
-    for (int i = 0; i < 8; ++i) at[i] = static_cast<MQBYTE>(number >> (8 * (7 - i)));
+    for (int i = 0; i < 8; ++i)
+        at[i] = static_cast<MQBYTE>(number >> (8 * (7 - i)));
 }
 
 void makeIdentifier(MQBYTE *identifier, const char *product, const char *queueManager, std::uint64_t number)

@@ -19,9 +19,9 @@
 namespace mqrig::qmgr::core {
 
 struct ConnectRequest {
-    std::string_view queueManager;  // without padding; empty: the default queue manager
-    MQLONG options = MQCNO_NONE;    // MQCNO_; the reconnect options are for the event handler of the connection
-    std::string_view applName;      // empty: the program's file name
+    std::string_view queueManager; // without padding; empty: the default queue manager
+    MQLONG options = MQCNO_NONE;   // MQCNO_; the reconnect options are for the event handler of the connection
+    std::string_view applName;     // empty: the program's file name
 };
 
 struct Connection {

@@ -16,7 +16,7 @@ struct ConnectionEntry {
     std::unique_ptr<Connection> connection; // guarded by inUse
     MQHCONN hconn = MQHC_UNUSABLE_HCONN;    // guarded by inUse
     std::uint32_t place = 0;
-    std::atomic<bool> blocks{true};         // MQCNO_HANDLE_SHARE_NO_BLOCK was not given
+    std::atomic<bool> blocks{true}; // MQCNO_HANDLE_SHARE_NO_BLOCK was not given
 };
 
 namespace {
@@ -29,7 +29,7 @@ constexpr std::uint32_t turnMask = (1U << (31 - placeBits)) - 1;
 struct Table {
     std::array<std::atomic<ConnectionEntry *>, maxPlaces> entries{};
     std::mutex growing;
-    std::uint32_t used = 0;            // guarded by growing
+    std::uint32_t used = 0;              // guarded by growing
     std::vector<ConnectionEntry *> free; // guarded by growing
 };
 
@@ -95,7 +95,8 @@ MQHCONN addConnection(std::unique_ptr<Connection> connection)
     if (entry == nullptr) return MQHC_UNUSABLE_HCONN;
     const std::lock_guard lock(entry->inUse);
     std::uint32_t number = 0;
-    do number = (turn.fetch_add(1, std::memory_order_relaxed) + 1) & turnMask;
+    do
+        number = (turn.fetch_add(1, std::memory_order_relaxed) + 1) & turnMask;
     while (number == 0);
     entry->blocks.store((connection->options & MQCNO_HANDLE_SHARE_NO_BLOCK) == 0, std::memory_order_relaxed);
     entry->connection = std::move(connection);

@@ -25,7 +25,7 @@ MQHCONN addConnection(std::unique_ptr<Connection> connection);
 
 // One call's use of a connection.
 class ConnectionUse {
-  public:
+public:
     explicit ConnectionUse(MQHCONN hconn);
 
     // Whether the call may go on. MQRC_HCONN_ERROR; MQRC_CALL_IN_PROGRESS for a connection made with
@@ -40,7 +40,7 @@ class ConnectionUse {
     // Takes the connection out of the table; its number means nothing from now on.
     std::unique_ptr<Connection> remove();
 
-  private:
+private:
     ConnectionEntry *entry_ = nullptr;
     Connection *connection_ = nullptr;
     std::unique_lock<std::mutex> lock_;

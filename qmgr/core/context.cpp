@@ -5,12 +5,14 @@
 namespace mqrig::qmgr::core {
 namespace {
 
-template <class Field> void copyField(Field &to, const Field &from)
+template <class Field>
+void copyField(Field &to, const Field &from)
 {
     std::memcpy(to, from, sizeof to);
 }
 
-template <std::size_t N> void blank(char (&field)[N])
+template <std::size_t N>
+void blank(char (&field)[N])
 {
     std::memset(field, ' ', N);
 }

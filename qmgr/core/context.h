@@ -45,7 +45,8 @@ void padOrigin(MQMD &md);
 
 // Blanks from the first zero to the end of the field.
 void padField(char *field, std::size_t length);
-template <std::size_t N> void padField(char (&field)[N])
+template <std::size_t N>
+void padField(char (&field)[N])
 {
     padField(field, N);
 }

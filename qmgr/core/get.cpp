@@ -25,8 +25,7 @@ Outcome mayUseHandle(const OpenObject &object, const GetRequest &request)
     const bool browses = request.has(browseOptions);
     if ((browses || request.has(MQGMO_MSG_UNDER_CURSOR)) && !object.allows(MQOO_BROWSE))
         return failure(MQRC_NOT_OPEN_FOR_BROWSE);
-    if (!browses && !object.allows(MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE))
-        return failure(MQRC_NOT_OPEN_FOR_INPUT);
+    if (!browses && !object.allows(MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE)) return failure(MQRC_NOT_OPEN_FOR_INPUT);
     return success();
 }
 

@@ -36,7 +36,7 @@ bool isKnown(ObjectKind kind, MQLONG selector)
 
 // Fills the caller's two arrays in the order of the selectors and remembers what did not go as asked.
 class Answer {
-  public:
+public:
     Answer(const ObjectDefinition &object, const store::QueueStatus &status, const InquireRequest &request)
         : object_(object), status_(status), intAttrs_(request.intAttrs), charAttrs_(request.charAttrs)
     {
@@ -60,7 +60,7 @@ class Answer {
         return success();
     }
 
-  private:
+private:
     void addNumber(const Attribute *attribute, MQLONG selector)
     {
         if (intAttrs_.empty()) {
@@ -119,7 +119,8 @@ Outcome answer(Connection &connection, const ObjectDefinition &object, store::Qu
         if (counted.failed()) return counted;
     }
     Answer answer(object, status, request);
-    for (const MQLONG selector : request.selectors) answer.add(selector);
+    for (const MQLONG selector : request.selectors)
+        answer.add(selector);
     return answer.outcome();
 }
 

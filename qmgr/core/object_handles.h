@@ -32,7 +32,7 @@ struct OpenObject {
 // A handle number is the place of the object and how often the place was used before, so that a handle that was
 // closed does not become another object's at once. Numbers begin with 2 and stay small.
 class ObjectHandles {
-  public:
+public:
     // No place left: MQHO_UNUSABLE_HOBJ.
     MQHOBJ add(std::unique_ptr<OpenObject> object);
     // Null for a number that is no open handle.
@@ -46,7 +46,7 @@ class ObjectHandles {
     std::unique_ptr<OpenObject> remove(MQHOBJ hobj);
     std::size_t size() const { return open_; }
 
-  private:
+private:
     static constexpr unsigned placeBits = 20;
     static constexpr std::uint32_t placeMask = (1U << placeBits) - 1;
     static constexpr std::uint32_t usesMask = (1U << (31 - placeBits)) - 1;

@@ -11,8 +11,7 @@ namespace {
 constexpr MQLONG inputOptions = MQOO_INPUT_AS_Q_DEF | MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE;
 
 // Options that mean something for the queue manager object.
-constexpr MQLONG queueManagerOptions =
-    MQOO_INQUIRE | MQOO_SET | MQOO_FAIL_IF_QUIESCING | MQOO_ALTERNATE_USER_AUTHORITY;
+constexpr MQLONG queueManagerOptions = MQOO_INQUIRE | MQOO_SET | MQOO_FAIL_IF_QUIESCING | MQOO_ALTERNATE_USER_AUTHORITY;
 
 bool isLocal(const Connection &connection, std::string_view queueManager)
 {

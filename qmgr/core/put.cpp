@@ -45,21 +45,20 @@ Outcome updateWithRoom(store::Attachment &store, const objects::QueueDefinition 
 Outcome putNow(store::Attachment &store, const objects::QueueDefinition &queue, const store::NewMessage &message)
 {
     store::Ticket ticket = 0;
-    const Outcome stored =
-        updateWithRoom(store, queue, message.body.size(),
-                       [&](store::WriteTransaction &transaction) { ticket = transaction.put(message); });
+    const Outcome stored = updateWithRoom(store, queue, message.body.size(), [&](store::WriteTransaction &transaction) {
+        ticket = transaction.put(message);
+    });
     return stored.failed() ? stored : store.harden(ticket);
 }
 
-Outcome putInUnitOfWork(Connection &connection, const objects::QueueDefinition &queue,
-                        const store::NewMessage &message)
+Outcome putInUnitOfWork(Connection &connection, const objects::QueueDefinition &queue, const store::NewMessage &message)
 {
     UnitOfWork &unit = connection.unit;
     if (unit.size() >= static_cast<std::size_t>(connection.queueManager().maxUncommittedMsgs))
         return failure(MQRC_SYNCPOINT_LIMIT_REACHED);
     unit.keepPut(message);
-    const Outcome booked = updateWithRoom(
-        *connection.store, queue, 0, [&](store::WriteTransaction &transaction) { transaction.bookPut(queue.id); });
+    const Outcome booked = updateWithRoom(*connection.store, queue, 0,
+                                          [&](store::WriteTransaction &transaction) { transaction.bookPut(queue.id); });
     if (booked.failed()) unit.dropLastPut();
     return booked;
 }
@@ -92,8 +91,8 @@ Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue
 
     message.header.expiryDeadline = deadlineOf(md, message.header.putTime);
     message.key = store.newKey(queue.id, rankOf(queue, md.Priority));
-    const Outcome put = request.has(MQPMO_SYNCPOINT) ? putInUnitOfWork(connection, queue, message)
-                                                     : putNow(store, queue, message);
+    const Outcome put =
+        request.has(MQPMO_SYNCPOINT) ? putInUnitOfWork(connection, queue, message) : putNow(store, queue, message);
     return put.failed() ? put : completed;
 }
 

@@ -12,11 +12,11 @@ namespace mqrig::qmgr::core {
 // "20261121" and "09300512" (hours, minutes, seconds, hundredths), UTC. Belongs to one connection: messages of the
 // same second share the texts that were made for it.
 class PutClock {
-  public:
+public:
     // `time`: microseconds since 1970 UTC.
     void write(std::int64_t time, MQCHAR8 &putDate, MQCHAR8 &putTime);
 
-  private:
+private:
     void makeTexts(std::int64_t second);
 
     std::int64_t second_ = std::numeric_limits<std::int64_t>::min();

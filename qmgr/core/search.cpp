@@ -4,8 +4,7 @@ namespace mqrig::qmgr::core {
 namespace {
 
 // The one message that a token names.
-void searchToken(store::Transaction &transaction, const Search &search, SearchResult &result,
-                 ExpiredMessages &expired)
+void searchToken(store::Transaction &transaction, const Search &search, SearchResult &result, ExpiredMessages &expired)
 {
     const auto key = search.selection->tokenKey();
     if (!key || key->queue != search.queue || (search.behind && *key <= *search.behind)) return;

@@ -14,7 +14,7 @@ namespace mqrig::qmgr::core {
 
 // Messages that a search met after their time. They are never returned; whoever searched discards them.
 class ExpiredMessages {
-  public:
+public:
     static constexpr std::size_t most = 32;
 
     bool empty() const { return count_ == 0; }
@@ -24,7 +24,7 @@ class ExpiredMessages {
     const store::MessageKey *begin() const { return keys_.data(); }
     const store::MessageKey *end() const { return keys_.data() + count_; }
 
-  private:
+private:
     std::array<store::MessageKey, most> keys_;
     std::size_t count_ = 0;
 };

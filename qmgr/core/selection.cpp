@@ -6,7 +6,8 @@
 namespace mqrig::qmgr::core {
 namespace {
 
-template <class Bytes> bool isNone(const Bytes &id)
+template <class Bytes>
+bool isNone(const Bytes &id)
 {
     return std::all_of(std::begin(id), std::end(id), [](MQBYTE byte) { return byte == 0; });
 }

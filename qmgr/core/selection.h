@@ -11,7 +11,7 @@
 namespace mqrig::qmgr::core {
 
 class Selection {
-  public:
+public:
     // Any message.
     Selection() = default;
     // `options`: MQMO_. `md`: version 2. The values MQMI_NONE, MQCI_NONE, MQGI_NONE and MQMTOK_NONE match anything.
@@ -30,7 +30,7 @@ class Selection {
     bool byToken() const { return (options_ & MQMO_MATCH_MSG_TOKEN) != 0; }
     std::optional<store::MessageKey> tokenKey() const { return store::keyOfToken(token_); }
 
-  private:
+private:
     MQLONG options_ = MQMO_NONE; // those that select anything
     MQBYTE24 msgId_{};
     MQBYTE24 correlId_{};

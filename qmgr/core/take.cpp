@@ -21,13 +21,13 @@ constexpr std::size_t largeBody = 64 * 1024;
 // What the transaction did with the message that it found; made anew whenever it runs again.
 struct Taken {
     Outcome outcome = failure(MQRC_NO_MSG_AVAILABLE);
-    bool locked = false;    // for the unit of work, or until the large body is copied
+    bool locked = false; // for the unit of work, or until the large body is copied
     bool copyLater = false;
     store::Ticket ticket = 0;
 };
 
 class Taker {
-  public:
+public:
     Taker(Connection &connection, const OpenObject &object, const GetRequest &request, GotMessage &got)
         : connection_(connection), store_(*connection.store), object_(object), request_(request), got_(got),
           queue_(object.hold.queue->id),
@@ -82,7 +82,7 @@ class Taker {
         }
     }
 
-  private:
+private:
     // Moves `behind` up to the next message that is wanted.
     Look searchSnapshot(std::optional<store::MessageKey> &behind)
     {

@@ -12,7 +12,8 @@ constexpr std::size_t blockSize = 256 * 1024;
 // Lists that grew beyond this for one large unit are given back with it.
 constexpr std::size_t keptMessages = 1024;
 
-template <class List> void emptyList(List &list)
+template <class List>
+void emptyList(List &list)
 {
     if (list.capacity() > keptMessages)
         list = List();

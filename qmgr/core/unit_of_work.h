@@ -19,12 +19,12 @@ namespace mqrig::qmgr::core {
 
 // Memory for the bodies of one unit of work: taken piece by piece, given back all at once.
 class BodyMemory {
-  public:
+public:
     std::span<const std::byte> copy(std::span<const std::byte> body);
     // Keeps one block of ordinary size, so that the next unit of work allocates nothing.
     void clear();
 
-  private:
+private:
     struct Block {
         std::unique_ptr<std::byte[]> bytes;
         std::size_t size = 0;
@@ -34,7 +34,7 @@ class BodyMemory {
 };
 
 class UnitOfWork {
-  public:
+public:
     bool empty() const { return puts_.empty() && gets_.empty(); }
     // What MAXUMSGS counts.
     std::size_t size() const { return puts_.size() + gets_.size(); }
@@ -52,7 +52,7 @@ class UnitOfWork {
     // After either of them: the unit holds nothing any more.
     void clear();
 
-  private:
+private:
     std::vector<store::NewMessage> puts_;
     std::vector<store::TakenMessage> gets_;
     BodyMemory bodies_;
