@@ -5,7 +5,10 @@
 namespace mqrig::rigqm {
 namespace {
 
-#define ROW(name, text) {name, #name, text}
+#define ROW(name, text)                                                                                                \
+    {                                                                                                                  \
+        name, #name, text                                                                                              \
+    }
 
 // Reasons of commands (PCF), in the order of their numbers.
 constexpr Reason rows[] = {
@@ -280,6 +283,7 @@ constexpr Reason rows[] = {
     ROW(MQRCCF_STREAMQ_DEST_CONFLICT, ""),
     ROW(MQRCCF_STREAMQ_NOT_SUPPORTED, ""),
     ROW(MQRCCF_STREAMQ_CONFLICT, ""),
+    ROW(MQRCCF_INCOMPATIBLE_QM_IN_QSG, ""),
     ROW(MQRCCF_OBJECT_ALREADY_EXISTS, "An object of that name exists already; replace it if that is meant."),
     ROW(MQRCCF_OBJECT_WRONG_TYPE, "The object of that name is of another kind than the command is for."),
     ROW(MQRCCF_LIKE_OBJECT_WRONG_TYPE, "The object whose attributes should be taken is of another kind."),
@@ -372,6 +376,8 @@ constexpr Reason rows[] = {
     ROW(MQRCCF_RETAINED_NOT_SUPPORTED, ""),
     ROW(MQRCCF_KWD_VALUE_WRONG_TYPE, ""),
     ROW(MQRCCF_APPL_STATUS_NOT_FOUND, ""),
+    ROW(MQRCCF_NHA_NOT_AVAILABLE, ""),
+    ROW(MQRCCF_Q_MGR_STATUS_NOT_FOUND, ""),
 };
 
 #undef ROW

@@ -5,11 +5,16 @@
 namespace mqrig::rigqm {
 namespace {
 
-#define ROW(name, text) {name, #name, text}
+#define ROW(name, text)                                                                                                \
+    {                                                                                                                  \
+        name, #name, text                                                                                              \
+    }
 
 // Reasons of the MQI up to 2199, in the order of their numbers.
 constexpr Reason rows[] = {
     ROW(MQRC_NONE, "The call did all that was asked; there is nothing to explain."),
+    ROW(MQRC_APPL_FIRST, ""),
+    ROW(MQRC_APPL_LAST, ""),
     ROW(MQRC_ALIAS_BASE_Q_TYPE_ERROR,
         "The alias queue points at a queue of a kind that no alias may name; look at its TARGET."),
     ROW(MQRC_ALREADY_CONNECTED, "The program is connected already; it goes on with the connection handle that it has."),
@@ -101,7 +106,8 @@ constexpr Reason rows[] = {
     ROW(MQRC_SECOND_MARK_NOT_ALLOWED,
         "A message is marked to skip backout already in this unit of work; only one can be."),
     ROW(MQRC_SECURITY_ERROR, "The security service of the queue manager failed."),
-    ROW(MQRC_SELECTOR_COUNT_ERROR, "SelectorCount is outside the range from 0 to 256."),
+    ROW(MQRC_TOKEN_TIMESTAMP_NOT_VALID, ""),
+    ROW(MQRC_SELECTOR_COUNT_ERROR, "SelectorCount is negative, or zero where there must be one."),
     ROW(MQRC_SELECTOR_LIMIT_EXCEEDED, "More selectors were given than one call takes."),
     ROW(MQRC_SELECTOR_ERROR, "A selector is no attribute of this kind of object."),
     ROW(MQRC_SELECTOR_NOT_FOR_TYPE,

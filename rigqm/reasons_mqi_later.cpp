@@ -5,7 +5,10 @@
 namespace mqrig::rigqm {
 namespace {
 
-#define ROW(name, text) {name, #name, text}
+#define ROW(name, text)                                                                                                \
+    {                                                                                                                  \
+        name, #name, text                                                                                              \
+    }
 
 // Reasons of the MQI from 2200 on, in the order of their numbers.
 constexpr Reason rows[] = {
@@ -15,14 +18,14 @@ constexpr Reason rows[] = {
     ROW(MQRC_CONNECTION_QUIESCING, "The connection is about to end; calls with a fail-if-quiescing option fail."),
     ROW(MQRC_CONNECTION_STOPPING, "The connection is ending now."),
     ROW(MQRC_ADAPTER_NOT_AVAILABLE, "The adapter between program and queue manager is not there or not ready."),
-    ROW(MQRC_MSG_ID_ERROR, "The MsgId may not be given for this message, or names no report option that exists."),
-    ROW(MQRC_CORREL_ID_ERROR, "The CorrelId may not be given for this message."),
+    ROW(MQRC_MSG_ID_ERROR, "Messages of this queue cannot be selected by MsgId."),
+    ROW(MQRC_CORREL_ID_ERROR, "Messages of this queue cannot be selected by CorrelId."),
     ROW(MQRC_FILE_SYSTEM_ERROR, "An operation on a file failed."),
     ROW(MQRC_NO_MSG_LOCKED, "There is no locked message that could be unlocked."),
     ROW(MQRC_SOAP_DOTNET_ERROR, ""),
     ROW(MQRC_SOAP_AXIS_ERROR, ""),
     ROW(MQRC_SOAP_URL_ERROR, ""),
-    ROW(MQRC_FILE_NOT_AUDITED, "The file of the log is not audited."),
+    ROW(MQRC_FILE_NOT_AUDITED, ""),
     ROW(MQRC_CONNECTION_NOT_AUTHORIZED, "The user may not connect to this queue manager."),
     ROW(MQRC_MSG_TOO_BIG_FOR_CHANNEL,
         "The message is longer than the channel carries; raise MAXMSGL at both of its ends."),
@@ -67,7 +70,7 @@ constexpr Reason rows[] = {
     ROW(MQRC_WRONG_GMO_VERSION, "The options want a later Version of the get-options structure."),
     ROW(MQRC_WRONG_MD_VERSION,
         "The options want Version 2 of the message descriptor: groups and segments stand there."),
-    ROW(MQRC_GROUP_ID_ERROR, "The GroupId may not be given for this message."),
+    ROW(MQRC_GROUP_ID_ERROR, "Messages of this queue cannot be selected by GroupId."),
     ROW(MQRC_INCONSISTENT_BROWSE,
         "MQGMO_BROWSE_NEXT with logical order does not go on where the browsing before stopped."),
     ROW(MQRC_XQH_ERROR, "The transmission queue header in the message is not valid."),
@@ -167,7 +170,7 @@ constexpr Reason rows[] = {
     ROW(MQRC_UOW_ENLISTMENT_ERROR, "The queue manager could not join the global unit of work."),
     ROW(MQRC_UOW_MIX_NOT_SUPPORTED, "Kinds of calls were mixed that cannot share a unit of work."),
     ROW(MQRC_WXP_ERROR, ""),
-    ROW(MQRC_CURRENT_RECORD_ERROR, "An exit gave a record that is not valid."),
+    ROW(MQRC_CURRENT_RECORD_ERROR, "A cluster workload exit gave a record that is not valid."),
     ROW(MQRC_NEXT_OFFSET_ERROR, ""),
     ROW(MQRC_NO_RECORD_AVAILABLE, "There is no further record."),
     ROW(MQRC_OBJECT_LEVEL_INCOMPATIBLE, "The object's attributes want a later level of the queue manager."),
@@ -287,6 +290,7 @@ constexpr Reason rows[] = {
     ROW(MQRC_OPERATION_ERROR, "The Operation of MQCB or MQCTL is unknown, or not possible now."),
     ROW(MQRC_BMHO_ERROR, "The buffer-to-handle options are not valid."),
     ROW(MQRC_UNSUPPORTED_PROPERTY, "The message has a property that is not understood here and must be."),
+    ROW(MQRC_MSG_LENGTH_ERROR, ""),
     ROW(MQRC_PROP_NAME_NOT_CONVERTED, "The property's name was returned as it is: it could not be converted."),
     ROW(MQRC_GET_ENABLED, "The queue allows getting again: the callback is called once more."),
     ROW(MQRC_MODULE_NOT_FOUND, "The program module of a callback was not found."),
@@ -326,7 +330,7 @@ constexpr Reason rows[] = {
     ROW(MQRC_MSG_HANDLE_COPY_FAILURE, "The properties of a message handle could not be copied."),
     ROW(MQRC_DEST_CLASS_NOT_ALTERABLE, "A subscription's kind of destination cannot be changed."),
     ROW(MQRC_OPERATION_NOT_ALLOWED,
-        "The operation is not allowed in this state, for example a get of properties that were never set."),
+        "The operation is not allowed in the present state of the callbacks on this connection."),
     ROW(MQRC_ACTION_ERROR, "Action in the put options is unknown, or not possible with this message handle."),
     ROW(MQRC_CHANNEL_NOT_AVAILABLE, "The channel cannot be used now; it may be stopped or have no place left."),
     ROW(MQRC_HOST_NOT_AVAILABLE,
@@ -397,6 +401,7 @@ constexpr Reason rows[] = {
     ROW(MQRC_Q_MGR_RECONNECT_REQUESTED, "The queue manager asks its programs to connect again, perhaps elsewhere."),
     ROW(MQRC_BNO_ERROR, "The balancing options (MQBNO) are not valid."),
     ROW(MQRC_OUTBOUND_SNI_NOT_VALID, "The setting for the TLS server name is not valid."),
+    ROW(MQRC_HTTPS_KEYSTORE_ERROR, "The key repository for HTTPS connections cannot be used."),
     ROW(MQRC_REOPEN_EXCL_INPUT_ERROR, ""),
     ROW(MQRC_REOPEN_INQUIRE_ERROR, ""),
     ROW(MQRC_REOPEN_SAVED_CONTEXT_ERR, ""),
