@@ -24,9 +24,9 @@ inline constexpr char pad_s = ' ';
 
 /// A directory that is put one file per call; owned by the paired operations.
 struct DirectoryCursor {
-    MQLONG filesPut = 0;    ///< files put by the last call
-    MQLONG openedHere = 0;  ///< whether the directory routine opened the output queue itself
-    void *stream = nullptr; ///< the open DIR, read on by each call
+    MQLONG filesPut = 0;          ///< files put by the last call
+    Status lastStatus = StatusOk; ///< of the last file, which `PutFromDir2` does not answer
+    void *stream = nullptr;       ///< the open DIR, read on by each call
 };
 
 Status PutFromCmdLine(RunParams *params, MQHCONN hconn);

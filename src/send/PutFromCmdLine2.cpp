@@ -5,11 +5,11 @@
 #include "display.h"
 #include "display/shown_length.h"
 #include "mqicalls.h"
+#include "send/message_buffer.h"
 #include "send/put_round.h"
+#include "send/put_target.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <climits>
 #include <cstdint>
 #include <cstring>
 
@@ -45,23 +45,11 @@ bool has_counter(const RunParams *params)
     return params->MsgText != nullptr && params->AppendCounter != 0;
 }
 
-/// Memory for `size` bytes, reported as `reported` when it cannot be had. More than the MQI can count cannot be had.
-Buffer<> allocate(RunParams *params, std::int64_t size, std::int64_t reported, Caller caller)
-{
-    errno = ENOMEM;
-    Buffer<> memory(size - 1 <= INT_MAX ? static_cast<char *>(std::malloc(static_cast<std::size_t>(size))) : nullptr);
-    if (memory == nullptr) {
-        report_failure(params, caller, "malloc()", errno, "malloc() failed. size=%lld\n",
-                       static_cast<long long>(reported));
-    }
-    return memory;
-}
-
 /// A buffer for `length` bytes and one more; a counter fits in behind the header even if the body is shorter than it.
 Buffer<> allocate_counted(RunParams *params, std::int64_t length, MQLONG headerLength, Caller caller)
 {
     const std::int64_t room = has_counter(params) ? std::int64_t{headerLength} + CounterDigits : 0;
-    return allocate(params, std::max(length + 1, room), length + 1, caller);
+    return allocate_message(params, std::max(length + 1, room), length + 1, caller);
 }
 
 Status read_given_body(RunParams *params, GivenBody &body)
@@ -80,7 +68,7 @@ Status read_given_body(RunParams *params, GivenBody &body)
     body.copied = std::min(body.length, body.natural);
 
     // One byte more than is copied, and than is reported: the converter of hexadecimal digits writes at least one.
-    body.bytes = allocate(params, std::int64_t{body.copied} + 1, body.copied, {"PutFromCmdLine"});
+    body.bytes = allocate_message(params, std::int64_t{body.copied} + 1, body.copied, {"PutFromCmdLine"});
     if (body.bytes == nullptr) return StatusLocalFailure;
     if (text != nullptr) {
         std::memcpy(body.bytes.get(), text, static_cast<std::size_t>(body.copied));
@@ -94,15 +82,9 @@ Status read_given_body(RunParams *params, GivenBody &body)
 /// Header, body and padding into the put buffer, and the start of the body into the display buffer.
 Status build_message(RunParams *params, const GivenBody &body, Message &message)
 {
-    Buffer<> header;
-    if (params->UseRfh2 != 0) {
-        params->DataEncoding = params->Md.Encoding;
-        header.reset(make_rfh2(params));
-        if (header == nullptr) return StatusLocalFailure;
-        MQLONG strucLength = 0;
-        std::memcpy(&strucLength, header.get() + offsetof(MQRFH2, StrucLength), sizeof strucLength);
-        message.headerLength = reverseEndian(strucLength, params);
-    }
+    MessageHeader header;
+    if (header.build(params) != StatusOk) return StatusLocalFailure;
+    message.headerLength = header.length;
 
     const std::int64_t putLength = std::int64_t{body.length} + message.headerLength;
     message.put = allocate_counted(params, putLength, message.headerLength, {"PutFromCmdLine"});
@@ -110,7 +92,7 @@ Status build_message(RunParams *params, const GivenBody &body, Message &message)
     message.putLength = static_cast<MQLONG>(putLength);
     char *const start = message.put.get();
     std::memset(start, pad_c, static_cast<std::size_t>(putLength));
-    if (header != nullptr) std::memcpy(start, header.get(), static_cast<std::size_t>(message.headerLength));
+    header.copy_to(start);
     std::memcpy(start + message.headerLength, body.bytes.get(), static_cast<std::size_t>(body.copied));
 
     message.displayLength = body.length;
@@ -143,13 +125,9 @@ Status put_messages(RunParams *params, MQHCONN hconn, MQHOBJ hobj, Message &mess
 
 Status PutFromCmdLine2(RunParams *params, MQHCONN hconn, MQLONG ownUnitOfWork, MQLONG messageNumber)
 {
-    const bool openedHere = params->OutputHobj == 0;
-    MQHOBJ hobj = params->OutputHobj;
-    if (openedHere && MQSeriesQOpenForOutput(hconn, &hobj, params) != StatusOk) return StatusLocalFailure;
-    if (params->SetMpList != nullptr &&
-        (MQSeriesCreateMH(hconn, params) != StatusOk || make_mp(params, hconn) != StatusOk)) {
-        return StatusLocalFailure;
-    }
+    PutTarget target;
+    if (target.open(params, hconn) != StatusOk) return StatusLocalFailure;
+    if (target.set_properties(params, hconn) != StatusOk) return StatusLocalFailure;
 
     GivenBody body;
     Message message;
@@ -158,10 +136,6 @@ Status PutFromCmdLine2(RunParams *params, MQHCONN hconn, MQLONG ownUnitOfWork, M
     if (params->MsgCount == 0) params->MsgCount = 1;
     if (ownUnitOfWork != 0 && begin_unit_of_work(params) != StatusOk) return StatusLocalFailure;
 
-    Status status = put_messages(params, hconn, hobj, message, messageNumber);
-
-    if (params->SetMpList != nullptr && MQSeriesDeleteMH(hconn, params) != StatusOk) status = StatusLocalFailure;
-    if (ownUnitOfWork != 0) status = end_unit_of_work(params, hconn, status);
-    if (openedHere && MQSeriesQClose(hconn, &hobj, params) != StatusOk) status = StatusLocalFailure;
-    return status;
+    const Status status = put_messages(params, hconn, target.hobj, message, messageNumber);
+    return target.finish(params, hconn, ownUnitOfWork, status);
 }

@@ -1,8 +1,6 @@
 #include "send.h"
 
-#include "common.h"
-
-Status PutFromDir(RunParams *, MQHCONN)
+Status PutFromDir(RunParams *params, MQHCONN hconn)
 {
-    return not_built_yet("PutFromDir");
+    return PutFromDir2(params, hconn, 1, 0);
 }

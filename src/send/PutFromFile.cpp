@@ -1,8 +1,6 @@
 #include "send.h"
 
-#include "common.h"
-
-Status PutFromFile(RunParams *, MQHCONN)
+Status PutFromFile(RunParams *params, MQHCONN hconn)
 {
-    return not_built_yet("PutFromFile");
+    return PutFromFile2(params, hconn, 1, nullptr, 0);
 }
