@@ -159,7 +159,7 @@ Outcome Store::remove(MQLONG type, std::string_view name, const std::function<Ou
 }
 
 // Removes a definition that the log no longer has, with everything that hangs on its queue, some thousand records to
-// a transaction. The counters go last.
+// a transaction.
 Outcome Store::sweep(const Definition &definition)
 {
     Outcome outcome = update(0, 0, [&](WriteTransaction &transaction) {
@@ -168,8 +168,8 @@ Outcome Store::sweep(const Definition &definition)
     });
     const QueueId queue = definition.queue;
     if (queue == 0) return outcome;
-    for (const LiveKey &records : {LiveKey::messagesOf(queue), LiveKey::bodiesOf(queue), LiveKey::indexesOf(queue),
-                                   LiveKey::holdsOf(queue), LiveKey::queue(queue)}) {
+    for (const LiveKey &records : {LiveKey::bodiesOf(queue), LiveKey::indexesOf(queue), LiveKey::holdsOf(queue),
+                                   LiveKey::messagesOf(queue)}) {
         bool more = true;
         while (more && !outcome.failed()) {
             outcome = update(0, 0, [&](WriteTransaction &transaction) {

@@ -7,8 +7,8 @@
 //   'D' type name                   -> object definition: queue id, bytes
 //   'H' queue order sequence        -> Hold: the message is there but not visible, and who has it
 //   'I' queue index id order sequence -> nothing; for every id that is not all zero
+//   'M' queue                       -> QueueStatus: on the page of the queue's first messages, which a get changes anyway
 //   'M' queue order sequence        -> MessageHeader, then the body unless it is large
-//   'Q' queue                       -> QueueStatus
 //   'S' slot queue                  -> Booking: what the connection has of the queue
 //   'U' ticket                      -> a prepared unit of work: UnitRecord, then its steps
 #pragma once
@@ -35,7 +35,7 @@ public:
     static LiveKey bodiesOf(QueueId queue) { return LiveKey('B').u32(queue); }
     static LiveKey indexesOf(QueueId queue) { return LiveKey('I').u32(queue); }
     static LiveKey holds() { return LiveKey('H'); }
-    static LiveKey queue(QueueId queue) { return LiveKey('Q').u32(queue); }
+    static LiveKey queue(QueueId queue) { return messagesOf(queue); }
     static LiveKey booking(std::uint32_t slot, QueueId queue) { return LiveKey('S').u32(slot).u32(queue); }
     static LiveKey bookingsOf(std::uint32_t slot) { return LiveKey('S').u32(slot); }
     static LiveKey bookings() { return LiveKey('S'); }

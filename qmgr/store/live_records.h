@@ -84,7 +84,7 @@ struct UnitRecord {
     return {.queue = __builtin_bswap32(queue), .order = *place, .sequence = __builtin_bswap64(sequence)};
 }
 
-// The number at the end of a key of kind 'Q', 'S' (the queue) or 'U' (the ticket).
+// The number at the end of a key of kind 'S' (the queue) or 'U' (the ticket).
 template <class Number> [[nodiscard]] Number numberAtEnd(const MDB_val &key)
 {
     Number number = 0;

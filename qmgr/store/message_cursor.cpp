@@ -48,7 +48,7 @@ void MessageCursor::start(QueueId queue)
 bool MessageCursor::first()
 {
     nextHoldKnown_ = false;
-    return go(prefix_, false);
+    return go(prefix_, true); // the queue's counters stand before its messages
 }
 
 bool MessageCursor::seek(const MessageKey &behind)
