@@ -138,7 +138,7 @@ TEST_F(Processes, ThatExitWithoutDisconnectingAreBackedOut)
 {
     const auto a = connect();
     ASSERT_EQ(put(*a, q1_, "1"), success());
-    EXPECT_EQ(runProcess([&] {
+    EXPECT_EQ(runProcess([&]() -> int {
         auto attached = attach(folder_, "QM1");
         UnitOfWork unit(*attached.attachment);
         _exit(unit.get(q1_) == "1" ? 0 : 1); // no destructor runs
