@@ -11,6 +11,7 @@
 namespace mqrig::rigqm {
 namespace {
 
+constexpr std::span<const Option> noOptions;
 constexpr Option createOptions[] = {{"-d", "", "make it the default queue manager"}};
 constexpr Option endOptions[] = {
     {"-i", "", "end at once: calls in progress complete, later ones fail"},
@@ -26,19 +27,13 @@ constexpr Subcommand table[] = {
      "SYSTEM. queues. It lives in a folder of $MQRIG_STORE, else of $XDG_DATA_HOME/mqrig,\n"
      "else of ~/.local/share/mqrig.\n",
      createCommand},
-    {"start",
-     "NAME",
-     1,
-     1,
-     {},
-     "start a queue manager that has ended",
-     "Persistent messages are there again; non-persistent ones and uncommitted work are gone.\n",
-     startCommand},
+    {"start", "NAME", 1, 1, noOptions, "start a queue manager that has ended",
+     "Persistent messages are there again; non-persistent ones and uncommitted work are gone.\n", startCommand},
     {"end", "NAME", 1, 1, endOptions, "end a queue manager",
      "Without an option it quiesces: it takes no new connections and ends when the last one\n"
      "has gone.\n",
      endCommand},
-    {"list", "", 0, 0, {}, "list the queue managers and their states", "", listCommand},
+    {"list", "", 0, 0, noOptions, "list the queue managers and their states", "", listCommand},
     {"delete", "NAME", 1, 1, deleteOptions, "delete an ended queue manager with all its messages", "", deleteCommand},
     {"mqsc", "[NAME]", 0, 1, mqscOptions, "run MQSC commands, from standard input or -e",
      "Without NAME on the default queue manager. Commands:\n"
@@ -53,14 +48,8 @@ constexpr Subcommand table[] = {
      "A line that begins with * is a comment; + or - at the end of a line continues it.\n"
      "Names in lower case stand between single quotes. END ends the input.\n",
      mqscCommand},
-    {"explain",
-     "REASON...",
-     1,
-     1000,
-     {},
-     "say what a reason code means",
-     "REASON is a number or a name: 2085, MQRC_UNKNOWN_OBJECT_NAME, MQRCCF_OBJECT_OPEN.\n",
-     explainCommand},
+    {"explain", "REASON...", 1, 1000, noOptions, "say what a reason code means",
+     "REASON is a number or a name: 2085, MQRC_UNKNOWN_OBJECT_NAME, MQRCCF_OBJECT_OPEN.\n", explainCommand},
 };
 
 void printList(std::FILE *to)

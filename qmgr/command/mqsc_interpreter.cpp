@@ -102,6 +102,8 @@ CommandAnswer runMqsc(store::Attachment &attachment, const CommandText &text)
     const auto row = std::find_if(std::begin(table), std::end(table),
                                   [&](const Row &r) { return r.verb == verb && r.object == objectWord; });
     if (row == std::end(table)) return fault(object.offset, objectsOf(verb));
+    if (const Outcome alive = attachment.check(); alive.failed())
+        return {CommandResult::Failed, {formatFailure(alive, attachment.queueManagerName())}};
     return row->run({attachment, text, parsed.words});
 }
 
