@@ -83,16 +83,25 @@ Outcome mayChange(Attachment &attachment, const Found &before, const ObjectDefin
     return first.Reason == MQRCCF_OBJECT_OPEN && attachment.releaseDead() ? judge() : first;
 }
 
+// MQRC_OBJECT_CHANGED where another connection has changed the object since it was found.
 Outcome storeChange(Attachment &attachment, Found &found, ObjectDefinition changed)
 {
     changed.stampAltered();
-    found.stored.bytes = changed.encode();
-    return attachment.alter(found.stored);
+    const std::string seen = std::exchange(found.stored.bytes, changed.encode());
+    return attachment.alter(found.stored, seen);
 }
 
-} // namespace
+// Makes a change again, from what is stored then, for as long as other connections change the object meanwhile.
+template <typename Change>
+Outcome untilUndisturbed(Change change)
+{
+    Outcome outcome = change();
+    while (outcome.Reason == MQRC_OBJECT_CHANGED)
+        outcome = change();
+    return outcome;
+}
 
-Outcome defineQueue(Attachment &attachment, const Definition &definition)
+Outcome tryDefine(Attachment &attachment, const Definition &definition)
 {
     if (!objects::checkObjectName(definition.name)) return failure(MQRCCF_OBJECT_NAME_ERROR);
     Found existing = find(attachment, MQOT_Q, definition.name);
@@ -129,7 +138,7 @@ Outcome defineQueue(Attachment &attachment, const Definition &definition)
     return defined.Reason == MQRC_OBJECT_ALREADY_EXISTS ? failure(MQRCCF_OBJECT_ALREADY_EXISTS) : defined;
 }
 
-Outcome alterQueue(Attachment &attachment, const Definition &change)
+Outcome tryAlter(Attachment &attachment, const Definition &change)
 {
     Found found = findQueue(attachment, change.kind, change.name);
     if (found.outcome.failed()) return found.outcome;
@@ -137,6 +146,32 @@ Outcome alterQueue(Attachment &attachment, const Definition &change)
     assign(changed, change.attributes);
     if (const Outcome may = mayChange(attachment, found, changed, change.force); may.failed()) return may;
     return storeChange(attachment, found, std::move(changed));
+}
+
+Outcome tryAlterQueueManager(Attachment &attachment, const std::vector<Assignment> &changes)
+{
+    Found found = find(attachment, MQOT_Q_MGR, attachment.queueManagerName());
+    if (found.outcome.failed()) return found.outcome;
+    ObjectDefinition changed = found.object;
+    assign(changed, changes);
+    return storeChange(attachment, found, std::move(changed));
+}
+
+} // namespace
+
+Outcome defineQueue(Attachment &attachment, const Definition &definition)
+{
+    return untilUndisturbed([&] { return tryDefine(attachment, definition); });
+}
+
+Outcome alterQueue(Attachment &attachment, const Definition &change)
+{
+    return untilUndisturbed([&] { return tryAlter(attachment, change); });
+}
+
+Outcome alterQueueManager(Attachment &attachment, const std::vector<Assignment> &changes)
+{
+    return untilUndisturbed([&] { return tryAlterQueueManager(attachment, changes); });
 }
 
 Outcome deleteQueue(Attachment &attachment, ObjectKind kind, const std::string &name, Purge purge)
@@ -152,15 +187,6 @@ Outcome deleteQueue(Attachment &attachment, ObjectKind kind, const std::string &
     const Outcome first = attachment.remove(MQOT_Q, name, mayGo);
     const bool refused = first.Reason == MQRCCF_OBJECT_OPEN || first.Reason == MQRC_Q_NOT_EMPTY;
     return refused && attachment.releaseDead() ? attachment.remove(MQOT_Q, name, mayGo) : first;
-}
-
-Outcome alterQueueManager(Attachment &attachment, const std::vector<Assignment> &changes)
-{
-    Found found = find(attachment, MQOT_Q_MGR, attachment.queueManagerName());
-    if (found.outcome.failed()) return found.outcome;
-    ObjectDefinition changed = found.object;
-    assign(changed, changes);
-    return storeChange(attachment, found, std::move(changed));
 }
 
 objects::AttributeValue InquiredObject::value(const objects::Attribute &attribute) const

@@ -95,9 +95,9 @@ Outcome Attachment::define(Definition &definition)
     return store_->define(definition);
 }
 
-Outcome Attachment::alter(const Definition &definition)
+Outcome Attachment::alter(const Definition &definition, std::optional<std::string_view> seen)
 {
-    return store_->alter(definition);
+    return store_->alter(definition, seen);
 }
 
 Outcome Attachment::remove(MQLONG type, std::string_view name,

@@ -103,8 +103,9 @@ public:
     [[nodiscard]] std::vector<Definition> definitions(MQLONG type);
     // MQRC_OBJECT_ALREADY_EXISTS. `queue` of the argument is ignored; the number given is left in it.
     Outcome define(Definition &definition);
-    // Replaces the bytes. MQRC_UNKNOWN_OBJECT_NAME.
-    Outcome alter(const Definition &definition);
+    // Replaces the bytes. MQRC_UNKNOWN_OBJECT_NAME. With `seen` only while the stored bytes are still these, else
+    // MQRC_OBJECT_CHANGED: who changes a part of them reads again, so that no change of another is lost.
+    Outcome alter(const Definition &definition, std::optional<std::string_view> seen = std::nullopt);
     // Deletes a definition, and a queue's messages with it. `mayGo` sees the queue's counters inside the transaction
     // that removes it and may refuse (MQRC_OBJECT_IN_USE, MQRC_Q_NOT_EMPTY); null allows. MQRC_UNKNOWN_OBJECT_NAME.
     Outcome remove(MQLONG type, std::string_view name, const std::function<Outcome(const QueueStatus &)> &mayGo);

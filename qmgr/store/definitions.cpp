@@ -90,13 +90,14 @@ Outcome Store::define(Definition &definition)
     return logAndStore(definition);
 }
 
-Outcome Store::alter(const Definition &definition)
+Outcome Store::alter(const Definition &definition, std::optional<std::string_view> seen)
 {
     if (!isName(definition.name)) return failure(MQRC_OBJECT_NAME_ERROR);
     const LogLock lock(*this);
     if (lock.outcome().failed()) return lock.outcome();
     const auto known = findDefinition(definition.type, definition.name);
     if (!known) return failure(MQRC_UNKNOWN_OBJECT_NAME);
+    if (seen && *seen != known->bytes) return failure(MQRC_OBJECT_CHANGED);
     if (const Outcome begun = log_->begin(); begun.failed()) return begun;
     Definition changed = definition;
     changed.queue = known->queue;

@@ -101,7 +101,7 @@ public:
     std::optional<Definition> findDefinition(MQLONG type, std::string_view name);
     std::vector<Definition> definitions(MQLONG type);
     Outcome define(Definition &definition);
-    Outcome alter(const Definition &definition);
+    Outcome alter(const Definition &definition, std::optional<std::string_view> seen);
     Outcome remove(MQLONG type, std::string_view name, const std::function<Outcome(const QueueStatus &)> &mayGo);
 
     // ---- Waiting (waiting.cpp) ----

@@ -1,5 +1,7 @@
 #include "qmgr/command/object_commands.h"
 
+#include <thread>
+
 #include "cmqcfc.h"
 #include "queue_manager_fixture.h"
 
@@ -177,6 +179,28 @@ TEST_F(ObjectCommands, LowLimitMayNotStandAboveTheHighOne)
     EXPECT_EQ(alterQueue(*attachment_, change), failure(MQRCCF_ATTR_VALUE_ERROR));
     change.attributes.push_back(assignment(MQIA_Q_DEPTH_HIGH_LIMIT, 95));
     EXPECT_TRUE(alterQueue(*attachment_, change).ok());
+}
+
+TEST_F(ObjectCommands, ConcurrentChangesOfOneQueueAreAllKept)
+{
+    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    const auto alterAlone = [this](MQLONG selector) {
+        const auto connection = connect();
+        for (MQLONG value = 1; value <= 100; ++value) {
+            Definition change = named("Q1");
+            change.attributes = {assignment(selector, value)};
+            EXPECT_TRUE(alterQueue(*connection, change).ok());
+            const InquiredQueues now = inquireQueues(*connection, "Q1", objects::allQueues);
+            ASSERT_EQ(now.queues.size(), 1U);
+            EXPECT_EQ(now.queues[0].definition.number(selector), value);
+        }
+    };
+    std::thread depth(alterAlone, MQIA_MAX_Q_DEPTH);
+    std::thread length(alterAlone, MQIA_MAX_MSG_LENGTH);
+    depth.join();
+    length.join();
+    EXPECT_EQ(numberOf("Q1", MQIA_MAX_Q_DEPTH), 100);
+    EXPECT_EQ(numberOf("Q1", MQIA_MAX_MSG_LENGTH), 100);
 }
 
 TEST_F(ObjectCommands, InquiryCountsMessagesAndHandles)
