@@ -53,9 +53,9 @@ std::string counted(int number, const char *one, const char *many)
 }
 
 // One run of MQSC: commands in, echo and answers out.
-class Session {
+class MqscRun {
 public:
-    Session(qmgr::store::Attachment &attachment, MqscReader::NextLine nextLine)
+    MqscRun(qmgr::store::Attachment &attachment, MqscReader::NextLine nextLine)
         : attachment_(attachment),
           reader_(std::move(nextLine), [this](std::string_view line, bool begins) { echo(line, begins); })
     {
@@ -100,7 +100,7 @@ private:
         std::printf("%s read.\n%s.\n%s.\n", read.c_str(), syntax.c_str(), failed.c_str());
     }
 
-    // END, EXIT and QUIT end the session before its input does.
+    // END, EXIT and QUIT end it before the input does.
     static bool isEnd(std::string_view text)
     {
         while (!text.empty() && (text.back() == ' ' || text.back() == ';'))
@@ -151,8 +151,8 @@ int mqscCommand(const Arguments &arguments)
         return reportFailure(name, attached.outcome);
     }
     const auto commands = arguments.values("-e");
-    Session session(*attached.attachment, commands.empty() ? MqscReader::NextLine(readLine) : linesOf(commands));
-    return session.run();
+    MqscRun commandRun(*attached.attachment, commands.empty() ? MqscReader::NextLine(readLine) : linesOf(commands));
+    return commandRun.run();
 }
 
 } // namespace mqrig::rigqm
