@@ -203,29 +203,56 @@ void send(int fd, std::string_view text)
 // Reacts to the output as the test says; every reaction waits for its text behind the one before.
 class Conversation {
 public:
-    Conversation(const std::vector<Reaction> &reactions, int terminal, const std::string &folder)
-        : reactions_(reactions), terminal_(terminal), folder_(folder)
+    Conversation(const std::vector<Reaction> &reactions, const Pty &pty, const std::string &folder)
+        : reactions_(reactions), pty_(pty), folder_(folder)
     {}
 
     void hear(const std::string &out)
     {
         while (next_ < reactions_.size()) {
-            const std::size_t found = out.find(reactions_[next_].when, heard_);
-            if (found == std::string::npos) return;
-            const Reaction &reaction = reactions_[next_++];
-            heard_ = found + reaction.when.size();
-            send(terminal_, reaction.keys);
-            if (!reaction.fileName.empty()) writeFile(folder_ + "/" + reaction.fileName, "");
+            const Reaction &reaction = reactions_[next_];
+            if (!waiting_) {
+                const std::size_t found = out.find(reaction.when, heard_);
+                if (found == std::string::npos) return;
+                heard_ = found + reaction.when.size();
+                waiting_ = true;
+                since_ = std::chrono::steady_clock::now();
+            }
+            if (reaction.fileName.empty() && !isReady()) return;
+            react(reaction);
+            waiting_ = false;
+            ++next_;
         }
     }
     bool isOver() const { return next_ == reactions_.size(); }
 
 private:
+    // A prompt is written before the terminal is told to hand out single keys; nobody types that fast. Where the
+    // client does not set the terminal, the key comes all the same.
+    bool isReady() const
+    {
+        termios settings{};
+        ::tcgetattr(pty_.slave.get(), &settings);
+        const bool handsOutKeys = (settings.c_lflag & ICANON) == 0;
+        return handsOutKeys || std::chrono::steady_clock::now() - since_ > std::chrono::milliseconds(500);
+    }
+
+    void react(const Reaction &reaction) const
+    {
+        if (reaction.fileName.empty()) {
+            send(pty_.master.get(), reaction.keys);
+        } else {
+            writeFile(folder_ + "/" + reaction.fileName, "");
+        }
+    }
+
     const std::vector<Reaction> &reactions_;
-    int terminal_;
+    const Pty &pty_;
     const std::string &folder_;
     std::size_t next_ = 0;
     std::size_t heard_ = 0;
+    bool waiting_ = false;
+    std::chrono::steady_clock::time_point since_;
 };
 
 std::string exitOf(int status)
@@ -244,7 +271,7 @@ void follow(Client &client, const Run &run, bool onTerminal, const std::string &
 {
     const auto deadline = std::chrono::steady_clock::now() + longestRun;
     const int outFile = onTerminal ? client.pty.master.get() : client.out.get();
-    Conversation conversation(run.setup.reactions, client.pty.master.get(), folder);
+    Conversation conversation(run.setup.reactions, client.pty, folder);
     bool outOpen = true;
     bool errOpen = true;
     int status = 0;
@@ -264,6 +291,8 @@ void follow(Client &client, const Run &run, bool onTerminal, const std::string &
         }
     }
     outcome.exit = exitOf(status);
+    // The terminal itself shows an interrupt that is typed while it is not in the client's hands.
+    if (outcome.exit == "signal 2" && outcome.out.ends_with("^C")) outcome.out.resize(outcome.out.size() - 2);
     if (outcome.trouble.empty() && !conversation.isOver()) outcome.trouble = "the client never wrote what was waited for";
 }
 
