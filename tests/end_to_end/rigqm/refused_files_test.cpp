@@ -60,14 +60,16 @@ TEST(RigqmRefusedFiles, FullDiskIsSaid)
     const std::filesystem::path store = folder.path() / "store";
     std::filesystem::create_directory(store);
     const std::string unshare = geteuid() == 0 ? "unshare -m" : "unshare -r -m";
-    const std::string mount = "mount -t tmpfs -o size=1m none '" + store.string() + "'";
+    const std::string mount = "mount -t tmpfs -o size=64m none '" + store.string() + "'";
     const bool mounts = runShell(unshare + " sh -c \"" + mount + "\"", "", store).exitCode == 0;
-    std::cout << (mounts ? "on a tmpfs of 1 MiB\n" : "with a limit on file sizes in place of a full disk\n");
+    std::cout << (mounts ? "on a tmpfs of 64 MiB\n" : "with a limit on file sizes in place of a full disk\n");
 
+    // Large enough for a new queue manager; the live state, which comes with the first connection, finds no room.
     const std::string command = "rigqm mqsc QM1 -e 'DEF QL(A)'";
     if (mounts) {
         const std::string script = mount + "; { rigqm create QM1; dd if=/dev/zero of=" + (store / "fill").string() +
-                                   " bs=4k; } >/dev/null 2>&1; " + command;
+                                   " bs=64k; dd if=/dev/zero of=" + (store / "rest").string() +
+                                   " bs=512; } >/dev/null 2>&1; " + command;
         expectOneLine(runShell(unshare + " sh -c \"" + script + "\"", "", store), "no space is left");
     } else {
         ASSERT_EQ(runShell("rigqm create QM1", "", store).exitCode, 0);
