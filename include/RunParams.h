@@ -6,7 +6,8 @@
 ///   3. If it is set for either record and must hold for both, add it to the reconciliation (src/run/reconcile.cpp).
 ///
 /// The primary and the secondary record are filled by the option parser and copied for every connection. Texts are
-/// pointers into the argument vector, never copied and never freed. The MQI structures are handed to the MQI by address.
+/// pointers into the argument vector, never copied and never freed. The MQI structures are handed to the MQI by
+/// address.
 #pragma once
 
 #include <cmqc.h>
@@ -103,22 +104,22 @@ struct RunRecord {
     MQCBD Cbd = {MQCBD_DEFAULT};
 
     // Trailing and run-time fields.
-    MQLONG OpenOptions = 0;               ///< MQOO_* names, ORed together
-    MQLONG CloseOptions = 0;              ///< MQCO_* names, ORed together
-    MQRR *ResponseRecs = nullptr;         ///< run-time: response records of a distribution list
-    MQLONG DestCount = 0;                 ///< run-time: destinations of a distribution list, 0 = none
-    MQHMSG MsgHandle = 0;                 ///< run-time: message handle for properties
-    MQULONG MdFieldsSet = 0;              ///< MdField... bits of the fields given on the command line
-    MQULONG VersionsSet = 0;              ///< VersionGiven... bits
-    MQLONG CbOperation = 0;               ///< `-op` MQOP_* operations, ORed together
-    MQHOBJ OutputHobj = 0;                ///< run-time: an output queue already open, 0 = none
-    MQHOBJ InputHobj = 0;                 ///< run-time: an input queue already open, 0 = none
-    MQHOBJ ObjectHobj = 0;                ///< run-time: an object open for inquiry or setting, 0 = none
-    MQLONG DataEncoding = MQENC_NATIVE;   ///< encoding of the structure being shown
+    MQLONG OpenOptions = 0;                  ///< MQOO_* names, ORed together
+    MQLONG CloseOptions = 0;                 ///< MQCO_* names, ORed together
+    MQRR *ResponseRecs = nullptr;            ///< run-time: response records of a distribution list
+    MQLONG DestCount = 0;                    ///< run-time: destinations of a distribution list, 0 = none
+    MQHMSG MsgHandle = 0;                    ///< run-time: message handle for properties
+    MQULONG MdFieldsSet = 0;                 ///< MdField... bits of the fields given on the command line
+    MQULONG VersionsSet = 0;                 ///< VersionGiven... bits
+    MQLONG CbOperation = 0;                  ///< `-op` MQOP_* operations, ORed together
+    MQHOBJ OutputHobj = 0;                   ///< run-time: an output queue already open, 0 = none
+    MQHOBJ InputHobj = 0;                    ///< run-time: an input queue already open, 0 = none
+    MQHOBJ ObjectHobj = 0;                   ///< run-time: an object open for inquiry or setting, 0 = none
+    MQLONG DataEncoding = MQENC_NATIVE;      ///< encoding of the structure being shown
     MQCHAR8 DataFormat = {MQFMT_NONE_ARRAY}; ///< format name of the structure being shown
-    MQLONG DisplayForm = 0;               ///< run-time: `OutputForm` for the header printers
-    DirectoryCursor *DirCursor = nullptr; ///< run-time: directory read one file per call
-    MQLONG ObjectTypeGiven = 0;           ///< 1: an MQOT_* name was given, so `Od.ObjectType` holds for inquiries
+    MQLONG DisplayForm = 0;                  ///< run-time: `OutputForm` for the header printers
+    DirectoryCursor *DirCursor = nullptr;    ///< run-time: directory read one file per call
+    MQLONG ObjectTypeGiven = 0;              ///< 1: an MQOT_* name was given, so `Od.ObjectType` holds for inquiries
 };
 
 /// One connection's record. A snapshot is a `RunRecord`; restoring one leaves the output identity alone.

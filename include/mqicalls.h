@@ -6,7 +6,8 @@
 ///   2. Declare it here, and list the file in src/mqicalls/CMakeLists.txt.
 ///   3. If `-s` shall stop before it, add its name to MQAPI (src/mqicalls/checkAPIname.cpp).
 ///
-/// A wrapper answers 0 when the caller may go on, 3 after a failed call that it has reported, 1 for a failure of its own.
+/// A wrapper answers 0 when the caller may go on, 3 after a failed call that it has reported, 1 for a failure of its
+/// own.
 #pragma once
 
 #include "RunParams.h"

@@ -16,4 +16,7 @@ inline constexpr Status StatusWarning = 2;
 inline constexpr Status StatusMqiFailure = 3;
 
 /// True for the statuses after which work under syncpoint may be committed.
-constexpr bool isSuccess(Status status) { return status <= StatusOk || status == StatusWarning; }
+constexpr bool isSuccess(Status status)
+{
+    return status <= StatusOk || status == StatusWarning;
+}

@@ -61,7 +61,8 @@ struct Writer {
         add(name);
         if (!value.empty()) add(separator);
         add(value);
-        do add(" ");
+        do
+            add(" ");
         while (length - begin < Column);
         add(help);
         add("\n");
@@ -76,7 +77,8 @@ constexpr std::size_t writeUsage(char *target)
         writer.add("\n");
         writer.add(group.title);
         writer.add(":\n");
-        for (const OptionRow &row : group.rows) writer.addLine(row.flag, " ", row.value, row.help);
+        for (const OptionRow &row : group.rows)
+            writer.addLine(row.flag, " ", row.value, row.help);
     }
     writer.add("\nMQI constants (each sets or adds to the field beside it):\n");
     std::string_view previous;

@@ -139,11 +139,7 @@ constexpr NamedInteger MQDL_TBL[] = {
 static_assert(rowsOf(MQDL_TBL) == 2);
 
 constexpr NamedInteger MQQA_TBL[] = {
-    NAMED(MQQA_GET_INHIBITED),
-    NAMED(MQQA_GET_ALLOWED),
-    NAMED(MQQA_PUT_INHIBITED),
-    NAMED(MQQA_PUT_ALLOWED),
-    {},
+    NAMED(MQQA_GET_INHIBITED), NAMED(MQQA_GET_ALLOWED), NAMED(MQQA_PUT_INHIBITED), NAMED(MQQA_PUT_ALLOWED), {},
 };
 static_assert(rowsOf(MQQA_TBL) == 4);
 
@@ -155,10 +151,6 @@ constexpr NamedInteger MQTC_TBL[] = {
 static_assert(rowsOf(MQTC_TBL) == 2);
 
 constexpr NamedInteger MQTT_TBL[] = {
-    NAMED(MQTT_NONE),
-    NAMED(MQTT_FIRST),
-    NAMED(MQTT_EVERY),
-    NAMED(MQTT_DEPTH),
-    {},
+    NAMED(MQTT_NONE), NAMED(MQTT_FIRST), NAMED(MQTT_EVERY), NAMED(MQTT_DEPTH), {},
 };
 static_assert(rowsOf(MQTT_TBL) == 4);

@@ -5,12 +5,8 @@
 #include <cmqxc.h>
 
 constexpr NamedInteger MQCNO_V_TBL[] = {
-    NAMED(MQCNO_VERSION_1),
-    NAMED(MQCNO_VERSION_2),
-    NAMED(MQCNO_VERSION_3),
-    NAMED(MQCNO_VERSION_4),
-    NAMED(MQCNO_VERSION_5),
-    {},
+    NAMED(MQCNO_VERSION_1), NAMED(MQCNO_VERSION_2), NAMED(MQCNO_VERSION_3),
+    NAMED(MQCNO_VERSION_4), NAMED(MQCNO_VERSION_5), {},
 };
 static_assert(rowsOf(MQCNO_V_TBL) == 5);
 

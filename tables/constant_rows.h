@@ -4,6 +4,9 @@
 
 #include "field_access.h"
 
+// The rows are set as a table.
+// clang-format off
+
 inline constexpr ConstantRow CONSTANTS[] = {
     {.prefix = "MQMD_", .kind = ConstantKind::Set, .table = MQMD_TBL, .integer = INTEGER(Md.Version),
      .mdField = MdFieldVersion, .help = "MQMD Version"},
@@ -92,3 +95,4 @@ inline constexpr ConstantRow CONSTANTS[] = {
     {.prefix = "MQAIT_", .kind = ConstantKind::Set, .table = MQAIT_TBL, .integer = INTEGER(Air.AuthInfoType),
      .marks = MarkConnX | MarkAuthInfo, .help = "MQAIR AuthInfoType; selects MQCONNX"},
 };
+// clang-format on

@@ -3,6 +3,9 @@
 
 #include "field_access.h"
 
+// The rows are set as a table.
+// clang-format off
+
 inline constexpr OptionRow BODY_OPTIONS[] = {
     {.flag = "-l", .kind = OptionKind::Number, .integer = INTEGER(MsgLength), .minimum = -1,
      .missing = "messae length for writing(-l)", .value = "BYTES",
@@ -104,7 +107,8 @@ inline constexpr OptionRow RFH2_OPTIONS[] = {
     {.flag = "-nc", .kind = OptionKind::CharacterSet, .integer = INTEGER(Rfh2.NameValueCCSID), .marks = MarkRfh2,
      .missing = "MQRFH2.NameValueCCSID(-nc)", .value = "CCSID", .help = "NameValueCCSID: 1208, or an MQCCSI_* name"},
     {.flag = "-nd", .kind = OptionKind::Text, .text = &RunParams::NameValueData, .marks = MarkRfh2,
-     .missing = "MQRFH2.NameValueData(-nd)", .value = "FOLDER,..", .help = "NameValueData: <usr><colour>red</colour></usr>"},
+     .missing = "MQRFH2.NameValueData(-nd)", .value = "FOLDER,..",
+     .help = "NameValueData: <usr><colour>red</colour></usr>"},
 };
 
 inline constexpr OptionRow GET_OPTIONS[] = {
@@ -121,3 +125,4 @@ inline constexpr OptionRow GET_OPTIONS[] = {
     {.flag = "-pc", .kind = OptionKind::CharacterSet, .integer = INTEGER(Impo.RequestedCCSID),
      .missing = "MQIMPO.RequestedCCSID(-pc)", .value = "CCSID", .help = "character set of the properties shown"},
 };
+// clang-format on

@@ -6,8 +6,14 @@
 #include <cstddef>
 
 // Both macros expand to a braced row; `#name` is the name as the user types it.
-#define NAMED(name) {#name, name}
-#define SELECTOR(name, length) {#name, name, length}
+#define NAMED(name)                                                                                                    \
+    {                                                                                                                  \
+#name, name                                                                                                    \
+    }
+#define SELECTOR(name, length)                                                                                         \
+    {                                                                                                                  \
+#name, name, length                                                                                            \
+    }
 
 /// The rows of a table, its last row with the null name not counted.
 template <class Row, std::size_t Size>

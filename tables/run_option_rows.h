@@ -3,10 +3,14 @@
 
 #include "field_access.h"
 
+// The rows are set as a table.
+// clang-format off
+
 inline constexpr OptionRow GENERAL_OPTIONS[] = {
     {.flag = "-v", .kind = OptionKind::Version, .value = "[all]",
      .help = "show this text and the version; all: the names of all MQI constants too"},
-    {.flag = "-sp", .kind = OptionKind::Primary, .help = "the options that follow are for the primary record (as at the start)"},
+    {.flag = "-sp", .kind = OptionKind::Primary,
+     .help = "the options that follow are for the primary record (as at the start)"},
     {.flag = "-ss", .kind = OptionKind::Secondary,
      .help = "the options that follow are for the secondary record (the put side of -oq, the get side of -iq)"},
 };
@@ -28,7 +32,8 @@ inline constexpr OptionRow OBJECT_OPTIONS[] = {
     {.flag = "-nl", .kind = OptionKind::Text, .text = &RunParams::NamelistName, .missing = "name list(-nl)",
      .value = "NAMELIST", .help = "namelist to inquire"},
     {.flag = "-om", .kind = OptionKind::CutCharacters, .field = FIELD(Od.ObjectQMgrName),
-     .missing = "MQOD.ObjectQMgrName(-om)", .value = "QMGR", .help = "ObjectQMgrName: queue manager that owns the queue"},
+     .missing = "MQOD.ObjectQMgrName(-om)", .value = "QMGR",
+     .help = "ObjectQMgrName: queue manager that owns the queue"},
     {.flag = "-au", .kind = OptionKind::CutCharacters, .field = FIELD(Od.AlternateUserId),
      .missing = "MQOD.AlternateUserId(-au)", .value = "USER",
      .help = "AlternateUserId (needs MQOO_ALTERNATE_USER_AUTHORITY)"},
@@ -75,18 +80,24 @@ inline constexpr OptionRow OPERATION_OPTIONS[] = {
 
 inline constexpr OptionRow RUN_OPTIONS[] = {
     {.flag = "-n", .kind = OptionKind::Number, .integer = INTEGER(MsgCount), .zeroRefused = true,
-     .missing = "messae count for writing or reading(-n)", .value = "COUNT", .help = "messages to put or get (default 1)"},
-    {.flag = "-r", .kind = OptionKind::Flag, .integer = INTEGER(GetRepeatedly), .help = "get repeatedly, until the queue is empty"},
+     .missing = "messae count for writing or reading(-n)", .value = "COUNT",
+     .help = "messages to put or get (default 1)"},
+    {.flag = "-r", .kind = OptionKind::Flag, .integer = INTEGER(GetRepeatedly),
+     .help = "get repeatedly, until the queue is empty"},
     {.flag = "-i", .kind = OptionKind::Number, .integer = INTEGER(IntervalMs), .minimum = 0,
-     .missing = "interval(ms) for writing or reading(-i)", .value = "MS", .help = "pause between messages, in milliseconds"},
+     .missing = "interval(ms) for writing or reading(-i)", .value = "MS",
+     .help = "pause between messages, in milliseconds"},
     {.flag = "-b", .kind = OptionKind::Flag, .integer = INTEGER(ForceBackout),
      .help = "end units of work with MQBACK (needs MQPMO_SYNCPOINT or MQGMO_SYNCPOINT)"},
     {.flag = "-c", .kind = OptionKind::Number, .integer = INTEGER(ConnLoopCount), .minimum = 1, .zeroRefused = true,
-     .missing = "connection loop count(-c)", .value = "COUNT", .help = "connect, work and disconnect this often (default 1)"},
+     .missing = "connection loop count(-c)", .value = "COUNT",
+     .help = "connect, work and disconnect this often (default 1)"},
     {.flag = "-wp", .kind = OptionKind::Number, .integer = INTEGER(WaitMs), .minimum = 0,
-     .missing = "wait time(ms) to next processing(-wp)", .value = "MS", .help = "pause between the rounds of -c and of -cr, in milliseconds"},
+     .missing = "wait time(ms) to next processing(-wp)", .value = "MS",
+     .help = "pause between the rounds of -c and of -cr, in milliseconds"},
     {.flag = "-cr", .kind = OptionKind::Number, .integer = INTEGER(ConnRetryCount), .minimum = 1, .zeroRefused = true,
-     .missing = "The number of connection retry(-cr)", .value = "COUNT", .help = "try a failed connect again, this often at most"},
+     .missing = "The number of connection retry(-cr)", .value = "COUNT",
+     .help = "try a failed connect again, this often at most"},
     {.flag = "-ca", .kind = OptionKind::Flag, .integer = INTEGER(ContinueOnConnFail),
      .help = "a failed connect ends the round, not the run"},
     {.flag = "-sd", .kind = OptionKind::Flag, .integer = INTEGER(SkipDisc), .help = "end without MQDISC"},
@@ -99,9 +110,11 @@ inline constexpr OptionRow RUN_OPTIONS[] = {
     {.flag = "-sf", .kind = OptionKind::Text, .text = &RunParams::SyncStartFile,
      .missing = "synchronization start file name(-sf)", .value = "FILE",
      .help = "after connecting, wait until this file can be read"},
-    {.flag = "-tr", .kind = OptionKind::Flag, .integer = INTEGER(ApiTrace), .help = "trace every MQI call with its codes"},
+    {.flag = "-tr", .kind = OptionKind::Flag, .integer = INTEGER(ApiTrace),
+     .help = "trace every MQI call with its codes"},
     {.flag = "-s", .kind = OptionKind::ApiName, .text = &RunParams::StopApiName, .missing = "MQI name(-s)",
-     .fault = "Invarid MQI name - %s\n", .value = "CALL", .help = "stop before each call of this name until a key is hit: MQPUT"},
+     .fault = "Invarid MQI name - %s\n", .value = "CALL",
+     .help = "stop before each call of this name until a key is hit: MQPUT"},
     {.flag = "-y", .kind = OptionKind::Flag, .integer = INTEGER(YieldAfterCall),
      .help = "give up the processor after every MQI call (with -nt or -ni)"},
     {.flag = "-cf", .kind = OptionKind::CallbackName, .address = ADDRESS(Cbd.CallbackFunction),
@@ -110,7 +123,8 @@ inline constexpr OptionRow RUN_OPTIONS[] = {
     {.flag = "-op", .kind = OptionKind::Operation, .integer = INTEGER(CbOperation), .missing = "MQCB Operation(-op)",
      .value = "MQOP_..", .help = "operation of MQCB; may be given several times: MQOP_REGISTER"},
     {.flag = "-gt", .kind = OptionKind::Unavailable,
-     .fault = "This parameter is only available on NSK platforms.(-gt)\n", .help = "global transaction (NSK platforms only)"},
+     .fault = "This parameter is only available on NSK platforms.(-gt)\n",
+     .help = "global transaction (NSK platforms only)"},
     {.flag = "-gti", .kind = OptionKind::Unavailable,
      .fault = "This parameter is only available on NSK platforms.(-gti)\n",
      .help = "global transaction for each message (NSK platforms only)"},
@@ -122,9 +136,11 @@ inline constexpr OptionRow SHOW_OPTIONS[] = {
     {.flag = "-hex", .kind = OptionKind::Flag, .integer = INTEGER(OutputForm), .set = OutputFormHex,
      .help = "bodies in hexadecimal digits"},
     {.flag = "-ds", .kind = OptionKind::NumberOrAll, .integer = INTEGER(DisplaySize), .minimum = -1,
-     .missing = "max message display size(-ds)", .value = "BYTES|all", .help = "bytes of a body that are shown (default 128)"},
+     .missing = "max message display size(-ds)", .value = "BYTES|all",
+     .help = "bytes of a body that are shown (default 128)"},
     {.flag = "-sz", .kind = OptionKind::Number, .integer = INTEGER(MaxMsgSize), .minimum = 0,
-     .missing = "max message size for reading(-sz)", .value = "BYTES", .help = "size of the receive buffer (default 12000)"},
+     .missing = "max message size for reading(-sz)", .value = "BYTES",
+     .help = "size of the receive buffer (default 12000)"},
 };
 
 inline constexpr OptionRow CONNECTION_OPTIONS[] = {
@@ -135,7 +151,8 @@ inline constexpr OptionRow CONNECTION_OPTIONS[] = {
     {.flag = "-ch", .kind = OptionKind::Characters, .field = FIELD(Cd.ChannelName), .marks = MarkConnX,
      .missing = "ChannelName(-ch)", .fault = "ChannelName is too long - MQ_CHANNEL_NAME_LENGTH is %d(-ch)\n",
      .value = "CHANNEL", .help = "channel of -x (default SYSTEM.DEF.SVRCONN)"},
-    {.flag = "-la", .kind = OptionKind::Characters, .field = FIELD(Cd.LocalAddress), .marks = MarkConnX | MarkCdVersion7,
+    {.flag = "-la", .kind = OptionKind::Characters, .field = FIELD(Cd.LocalAddress),
+     .marks = MarkConnX | MarkCdVersion7,
      .missing = "LocalAddress(-la)", .fault = "LocalAddress is too long - MQ_LOCAL_ADDRESS_LENGTH is %d(-la)\n",
      .value = "ADDRESS", .help = "local address of -x (raises MQCD to version 7)"},
     {.flag = "-cs", .kind = OptionKind::Characters, .field = FIELD(Cd.SSLCipherSpec), .marks = MarkConnX,
@@ -164,3 +181,4 @@ inline constexpr OptionRow CONNECTION_OPTIONS[] = {
      .fault = "CSPPassword is too long - MQ_CSP_PASSWORD_LENGTH is %d(-cu)\n", // it names -cu
      .value = "PASSWORD", .help = "password of -cu (needs MQCNO_VERSION_5)"},
 };
+// clang-format on

@@ -1,3 +1,6 @@
 #include "common.h"
 
-void flush_output() { std::fflush(stdout); }
+void flush_output()
+{
+    std::fflush(stdout);
+}

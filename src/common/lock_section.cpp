@@ -24,4 +24,7 @@ Status lock_output_mutex(pthread_mutex_t *lock)
     return StatusLocalFailure;
 }
 
-Status lock_section(RunParams *params) { return lock_output_mutex(output_lock(params)); }
+Status lock_section(RunParams *params)
+{
+    return lock_output_mutex(output_lock(params));
+}

@@ -12,4 +12,7 @@ Status unlock_output_mutex(pthread_mutex_t *lock)
     return StatusLocalFailure;
 }
 
-Status unlock_section(RunParams *params) { return unlock_output_mutex(output_lock(params)); }
+Status unlock_section(RunParams *params)
+{
+    return unlock_output_mutex(output_lock(params));
+}

@@ -36,16 +36,23 @@ bool storeNamedInteger(Scan &scan, const ConstantRow &row, const char *name)
     RunParams &params = *scan.current;
 
     switch (row.kind) {
-    case ConstantKind::Set: row.integer(params) = constant->value; break;
+    case ConstantKind::Set:
+        row.integer(params) = constant->value;
+        break;
     case ConstantKind::Match:
         // The defaults of this record give way to the first name; later names, for either record, only add.
         if (!scan.matchOptionsCleared) row.integer(params) = 0;
         scan.matchOptionsCleared = true;
         [[fallthrough]];
-    case ConstantKind::Or: row.integer(params) |= constant->value; break;
-    case ConstantKind::TokenType: row.field(params).back() = static_cast<char>(constant->value); break;
+    case ConstantKind::Or:
+        row.integer(params) |= constant->value;
+        break;
+    case ConstantKind::TokenType:
+        row.field(params).back() = static_cast<char>(constant->value);
+        break;
     case ConstantKind::SetBytes:
-    case ConstantKind::Token: return false; // rows with a table of byte strings
+    case ConstantKind::Token:
+        return false; // rows with a table of byte strings
     }
     return true;
 }
@@ -54,8 +61,8 @@ bool storeNamedInteger(Scan &scan, const ConstantRow &row, const char *name)
 
 bool applyConstant(Scan &scan, const ConstantRow &row, const char *name)
 {
-    const bool stored = row.bytes != nullptr ? storeNamedBytes(*scan.current, row, name)
-                                             : storeNamedInteger(scan, row, name);
+    const bool stored =
+        row.bytes != nullptr ? storeNamedBytes(*scan.current, row, name) : storeNamedInteger(scan, row, name);
     if (!stored) return false;
     applyMarks(*scan.current, row.mdField, row.marks);
     return true;

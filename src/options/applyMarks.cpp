@@ -23,6 +23,7 @@ void applyMarks(RunParams &params, MQULONG mdField, unsigned marks)
     if (marks & MarkCnoVersion) params.VersionsSet |= VersionGivenCno;
     if (marks & MarkCdVersion) params.VersionsSet |= VersionGivenCd;
     if (marks & MarkMdVersion2) raiseVersion(params.Md.Version, MQMD_VERSION_2, params.MdFieldsSet & MdFieldVersion);
-    if (marks & MarkCnoVersion2) raiseVersion(params.Cno.Version, MQCNO_VERSION_2, params.VersionsSet & VersionGivenCno);
+    if (marks & MarkCnoVersion2)
+        raiseVersion(params.Cno.Version, MQCNO_VERSION_2, params.VersionsSet & VersionGivenCno);
     if (marks & MarkCdVersion7) raiseVersion(params.Cd.Version, MQCD_VERSION_7, params.VersionsSet & VersionGivenCd);
 }

@@ -83,30 +83,50 @@ bool store(Scan &scan, const OptionRow &row, char *value)
 {
     RunParams &params = *scan.current;
     switch (row.kind) {
-    case OptionKind::Version: return true; // ends the scan before it comes here
-    case OptionKind::Primary: scan.current = scan.primary; return true;
-    case OptionKind::Secondary: scan.current = scan.secondary; return true;
-    case OptionKind::Unavailable: return refuse("%s", row.fault);
-    case OptionKind::Flag: row.integer(params) = row.set; return true;
-    case OptionKind::Text: return storeText(params, row, value);
-    case OptionKind::Number: return storeNumber(params, row, lenientNumber(value));
+    case OptionKind::Version:
+        return true; // ends the scan before it comes here
+    case OptionKind::Primary:
+        scan.current = scan.primary;
+        return true;
+    case OptionKind::Secondary:
+        scan.current = scan.secondary;
+        return true;
+    case OptionKind::Unavailable:
+        return refuse("%s", row.fault);
+    case OptionKind::Flag:
+        row.integer(params) = row.set;
+        return true;
+    case OptionKind::Text:
+        return storeText(params, row, value);
+    case OptionKind::Number:
+        return storeNumber(params, row, lenientNumber(value));
     case OptionKind::NumberOrAll:
         return storeNumber(params, row, std::strcmp(value, "all") == 0 ? -1 : lenientNumber(value));
     case OptionKind::Characters:
-    case OptionKind::CutCharacters: return storeCharacters(params, row, value);
+    case OptionKind::CutCharacters:
+        return storeCharacters(params, row, value);
     case OptionKind::DynamicName:
         params.*row.text = value;
         strncpy2(row.field(params).data(), value, row.field(params).size());
         return true;
-    case OptionKind::Bytes: return readBytes(row, row.field(params), value);
-    case OptionKind::HexBytes: return readHexBytes(row, row.field(params), value);
-    case OptionKind::Encoding: return readEncoding(row, row.integer(params), value);
-    case OptionKind::EncodingList: return readEncodingList(row, row.integer(params), value);
-    case OptionKind::CharacterSet: return storeCharacterSet(params, row, value);
-    case OptionKind::FormatName: return storeFormat(params, row, value);
-    case OptionKind::Operation: return addOperation(params, row, value);
-    case OptionKind::CallbackName: return storeCallback(params, row, value);
-    case OptionKind::CountedText: return storeCountedText(params, row, value);
+    case OptionKind::Bytes:
+        return readBytes(row, row.field(params), value);
+    case OptionKind::HexBytes:
+        return readHexBytes(row, row.field(params), value);
+    case OptionKind::Encoding:
+        return readEncoding(row, row.integer(params), value);
+    case OptionKind::EncodingList:
+        return readEncodingList(row, row.integer(params), value);
+    case OptionKind::CharacterSet:
+        return storeCharacterSet(params, row, value);
+    case OptionKind::FormatName:
+        return storeFormat(params, row, value);
+    case OptionKind::Operation:
+        return addOperation(params, row, value);
+    case OptionKind::CallbackName:
+        return storeCallback(params, row, value);
+    case OptionKind::CountedText:
+        return storeCountedText(params, row, value);
     case OptionKind::ApiName:
         if (checkAPIname(value) != StatusOk) return refuse(row.fault, value);
         params.*row.text = value;

@@ -11,10 +11,19 @@
 
 namespace {
 
-bool bodyGiven(const RunParams &params) { return params.MsgText != nullptr || params.MsgHex != nullptr; }
+bool bodyGiven(const RunParams &params)
+{
+    return params.MsgText != nullptr || params.MsgHex != nullptr;
+}
 
-CommandLine single(SingleOperation operation) { return {CommandLine::Single, operation, nullptr}; }
-CommandLine paired(PairedOperation operation) { return {CommandLine::Paired, nullptr, operation}; }
+CommandLine single(SingleOperation operation)
+{
+    return {CommandLine::Single, operation, nullptr};
+}
+CommandLine paired(PairedOperation operation)
+{
+    return {CommandLine::Paired, nullptr, operation};
+}
 
 CommandLine put(const char *program, RunParams *params, SingleOperation operation)
 {

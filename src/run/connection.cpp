@@ -37,8 +37,8 @@ Connection *Connections::add(const RunParams &record, const RunParams &secondary
 Status connect(Connection &connection)
 {
     RunParams *const record = &connection.record;
-    const Status status = record->UseConnX != 0 ? MQSeriesConnX(&connection.hconn, record)
-                                                : MQSeriesConn(&connection.hconn, record);
+    const Status status =
+        record->UseConnX != 0 ? MQSeriesConnX(&connection.hconn, record) : MQSeriesConn(&connection.hconn, record);
     connection.connected = status == StatusOk;
     return status;
 }
@@ -46,7 +46,10 @@ Status connect(Connection &connection)
 namespace {
 
 /// "*" and "**" stand for the reply-to queue of each message, which the operation opens by itself.
-bool outputQueueIsNamed(const RunParams &record) { return record.OutputQName[0] != '*'; }
+bool outputQueueIsNamed(const RunParams &record)
+{
+    return record.OutputQName[0] != '*';
+}
 
 Status openInput(Connection &connection, RunParams &record)
 {

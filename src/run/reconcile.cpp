@@ -22,7 +22,10 @@ void either(MQLONG &primary, MQLONG &secondary)
 }
 
 /// Off, plain or verbose: the larger one wins.
-void larger(MQLONG &primary, MQLONG &secondary) { primary = secondary = std::max(primary, secondary); }
+void larger(MQLONG &primary, MQLONG &secondary)
+{
+    primary = secondary = std::max(primary, secondary);
+}
 
 } // namespace
 

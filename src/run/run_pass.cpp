@@ -101,7 +101,8 @@ void waitForStartFile(RunParams params)
 {
     if (params.SyncStartFile == nullptr) return;
     std::FILE *file = nullptr;
-    while ((file = std::fopen(params.SyncStartFile, "r")) == nullptr) sleep_millisecond(&params, 1);
+    while ((file = std::fopen(params.SyncStartFile, "r")) == nullptr)
+        sleep_millisecond(&params, 1);
     std::fclose(file);
 }
 

@@ -19,7 +19,10 @@ struct Group {
     std::unique_ptr<Group> next;
 };
 
-[[noreturn]] void endProcess(int code) { std::exit(code); }
+[[noreturn]] void endProcess(int code)
+{
+    std::exit(code);
+}
 
 std::unique_ptr<Group> makeGroup(const char *source, RunParams *params, MQLONG count)
 {

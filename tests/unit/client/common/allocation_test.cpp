@@ -36,16 +36,16 @@ TEST_F(Allocation, NoBytesAreABufferToo)
 TEST_F(Allocation, AFailureIsReportedWithTheSizeAndTheCaller)
 {
     wrapped.failingSize = 12347;
-    const Captured written =
-        captured([&] { EXPECT_FALSE(checked_malloc(&params, 12347, {"PutFromCmdLine", 57})); });
+    const Captured written = captured([&] { EXPECT_FALSE(checked_malloc(&params, 12347, {"PutFromCmdLine", 57})); });
     EXPECT_EQ(written.err, "malloc(): Cannot allocate memory\nPutFromCmdLine,57,12: malloc() failed. size=12347\n");
 }
 
 TEST_F(Allocation, AFailureNamesTheCallAsTheCallerSays)
 {
     wrapped.failingSize = 12347;
-    const Captured written =
-        captured([&] { EXPECT_FALSE(checked_malloc(nullptr, 12347, {"GetArgParam", 7}, "malloc() (-re)")); });
+    const Captured written = captured([&] {
+        EXPECT_FALSE(checked_malloc(nullptr, 12347, {"GetArgParam", 7}, "malloc() (-re)"));
+    });
     EXPECT_EQ(written.err,
               "malloc() (-re): Cannot allocate memory\nGetArgParam,7,12: malloc() (-re) failed. size=12347\n");
 }
@@ -77,8 +77,7 @@ TEST_F(Allocation, AFailedReallocKeepsTheBuffer)
     Buffer<> buffer = checked_malloc(&params, 4, {"routine"});
     std::memcpy(buffer.get(), "abc", 4);
     wrapped.failingSize = 12347;
-    const Captured written =
-        captured([&] { EXPECT_FALSE(checked_realloc(&params, buffer, 12347, {"make_rfh2", 8})); });
+    const Captured written = captured([&] { EXPECT_FALSE(checked_realloc(&params, buffer, 12347, {"make_rfh2", 8})); });
     EXPECT_EQ(written.err, "realloc(): Cannot allocate memory\nmake_rfh2,8,12: realloc() failed. size=12347\n");
     EXPECT_STREQ(buffer.get(), "abc");
 }

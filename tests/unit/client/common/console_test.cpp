@@ -121,8 +121,9 @@ TEST_F(Console, AFailureIsReportedAsAPairOfLines)
 
 TEST_F(Console, AFailureWithoutARecordIsTheSamePair)
 {
-    const Captured written =
-        captured([] { report_failure(nullptr, {"main", 5}, "malloc()", ENOMEM, "malloc() failed. size=%d\n", 4); });
+    const Captured written = captured([] {
+        report_failure(nullptr, {"main", 5}, "malloc()", ENOMEM, "malloc() failed. size=%d\n", 4);
+    });
     EXPECT_EQ(written.err, "malloc(): Cannot allocate memory\nmain,5,12: malloc() failed. size=4\n");
 }
 
@@ -184,7 +185,10 @@ TEST_F(Console, ElapsedTimeCrossesSeconds)
     EXPECT_EQ(written.out, "Elapsed time = 1.200000 sec\n");
 }
 
-TEST_F(Console, TimespecBecomesSeconds) { EXPECT_DOUBLE_EQ(timespecToDouble(3, 500000000), 3.5); }
+TEST_F(Console, TimespecBecomesSeconds)
+{
+    EXPECT_DOUBLE_EQ(timespecToDouble(3, 500000000), 3.5);
+}
 
 TEST_F(Console, NanosecondsAreNineDigits)
 {
@@ -210,7 +214,8 @@ TEST_F(Console, TheStampFollowsTheSecond)
         setClock(April22, 5);
         dsp_timestamp(&params);
     });
-    EXPECT_EQ(written.out, "[22/04/22 13:05:07.000000000] [22/04/22 13:05:08.000000000] [22/04/22 13:05:07.000000005] ");
+    EXPECT_EQ(written.out,
+              "[22/04/22 13:05:07.000000000] [22/04/22 13:05:08.000000000] [22/04/22 13:05:07.000000005] ");
 }
 
 TEST_F(Console, WithThreadsTheStampNamesTheThread)

@@ -115,7 +115,10 @@ TEST(Strtoknn, HasNoTokenBehindATrailingDelimiter)
     EXPECT_EQ(tokensOf("a:", ":"), (std::vector<std::string>{"a"}));
 }
 
-TEST(Strtoknn, AnEmptyTextHasNoToken) { EXPECT_TRUE(tokensOf("", ",").empty()); }
+TEST(Strtoknn, AnEmptyTextHasNoToken)
+{
+    EXPECT_TRUE(tokensOf("", ",").empty());
+}
 
 TEST(Strtoknn, AnyOfSeveralDelimitersEndsAToken)
 {
@@ -170,7 +173,10 @@ TEST(Trim, TabsStay)
     EXPECT_STREQ(text, "\ta");
 }
 
-TEST(Trim, ANullTextGivesMinusOne) { EXPECT_EQ(trim(nullptr), -1); }
+TEST(Trim, ANullTextGivesMinusOne)
+{
+    EXPECT_EQ(trim(nullptr), -1);
+}
 
 TEST(ReverseEndian, SwapsForNormalIntegers)
 {

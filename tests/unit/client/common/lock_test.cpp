@@ -193,7 +193,8 @@ TEST_F(OutputLockTest, LinesOfSeveralThreadsStayWhole)
                 }
             });
         }
-        for (std::thread &thread : threads) thread.join();
+        for (std::thread &thread : threads)
+            thread.join();
     });
     std::istringstream lines(written.out);
     const std::regex shape(R"(\[../../.. ..:..:..\.\d{9} tid=(\d)\] line of (\d))");

@@ -24,7 +24,10 @@ int __real_clock_gettime(clockid_t clock, timespec *time);
 int __real_pthread_mutex_lock(pthread_mutex_t *lock);
 int __real_pthread_mutex_unlock(pthread_mutex_t *lock);
 
-void *__wrap_malloc(std::size_t size) { return noMemory(size) ? nullptr : __real_malloc(size); }
+void *__wrap_malloc(std::size_t size)
+{
+    return noMemory(size) ? nullptr : __real_malloc(size);
+}
 
 void *__wrap_calloc(std::size_t count, std::size_t size)
 {

@@ -74,8 +74,7 @@ TEST_P(ConstantName, SetsItsField)
     EXPECT_EQ(parsed.primary.MdFieldsSet, GetParam().mdField);
 }
 
-INSTANTIATE_TEST_SUITE_P(, ConstantName, testing::ValuesIn(cases),
-                         [](const auto &one) { return one.param.constant; });
+INSTANTIATE_TEST_SUITE_P(, ConstantName, testing::ValuesIn(cases), [](const auto &one) { return one.param.constant; });
 
 TEST(ConstantNames, ByteStringsFillTheirField)
 {

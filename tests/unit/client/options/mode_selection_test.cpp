@@ -68,9 +68,15 @@ TEST(ModeSelection, VersionWithAllAsksForTheConstantsToo)
     EXPECT_EQ(parse({"-q", "Q1", "-v", "all", "x"}).result(), CommandLine::VersionAndAll);
 }
 
-TEST(ModeSelection, AnErrorBeforeVersionComesFirst) { EXPECT_EQ(parse({"-zz", "-v"}).result(), CommandLine::Error); }
+TEST(ModeSelection, AnErrorBeforeVersionComesFirst)
+{
+    EXPECT_EQ(parse({"-zz", "-v"}).result(), CommandLine::Error);
+}
 
-TEST(ModeSelection, AQueueAloneIsReadFrom) { expectSingle(with({}), GetMQMessage); }
+TEST(ModeSelection, AQueueAloneIsReadFrom)
+{
+    expectSingle(with({}), GetMQMessage);
+}
 
 TEST(ModeSelection, AMessageIsPut)
 {
@@ -78,7 +84,10 @@ TEST(ModeSelection, AMessageIsPut)
     expectSingle(with({"-mx", "00"}), PutFromCmdLine);
 }
 
-TEST(ModeSelection, AnEmptyMessageIsPut) { expectSingle(with({"-m", ""}), PutFromCmdLine); }
+TEST(ModeSelection, AnEmptyMessageIsPut)
+{
+    expectSingle(with({"-m", ""}), PutFromCmdLine);
+}
 
 TEST(ModeSelection, MessageSourcesHaveAnOrder)
 {
@@ -102,7 +111,10 @@ TEST(ModeSelection, SettingComesBehindOutputFiles)
     expectSingle(with({"-set", "x", "-pcf", "p"}), CallMQSET);
 }
 
-TEST(ModeSelection, APcfFileIsPut) { expectSingle(with({"-pcf", "p"}), PutFromPcfDef); }
+TEST(ModeSelection, APcfFileIsPut)
+{
+    expectSingle(with({"-pcf", "p"}), PutFromPcfDef);
+}
 
 TEST(ModeSelection, InquiryWinsOverEverything)
 {
@@ -118,7 +130,10 @@ TEST(ModeSelection, AnOutputQueueIsQueueToQueue)
     expectPaired(with({"-oq", "Q2", "-iq", "Q3"}), Queue2Queue);
 }
 
-TEST(ModeSelection, AnInputQueueIsSendAndReceive) { expectPaired(with({"-iq", "Q2", "-m", "x"}), SendReceive); }
+TEST(ModeSelection, AnInputQueueIsSendAndReceive)
+{
+    expectPaired(with({"-iq", "Q2", "-m", "x"}), SendReceive);
+}
 
 TEST(ModeSelection, ADistributionListPutsItsSource)
 {
@@ -133,7 +148,10 @@ TEST(ModeSelection, ADistributionListComesBeforeQueueToQueue)
     expectSingle(with({"-or", "A,B", "-m", "x", "-oq", "Q2"}), PutFromCmdLine);
 }
 
-TEST(ModeSelection, ADistributionListWithoutASourceGoesOn) { expectSingle(with({"-or", "A,B"}), GetMQMessage); }
+TEST(ModeSelection, ADistributionListWithoutASourceGoesOn)
+{
+    expectSingle(with({"-or", "A,B"}), GetMQMessage);
+}
 
 TEST(ModeSelection, PuttingNamesTheOutputQueue)
 {
@@ -194,8 +212,8 @@ TEST(ModeSelection, SyncpointIfPersistentWantsAPersistentDescriptor)
 
 TEST(ModeSelection, QueueToQueueUnderSyncpointSetsBothWords)
 {
-    for (const Arguments &arguments : {with({"-oq", "Q2", "MQGMO_SYNCPOINT"}),
-                                       with({"-oq", "Q2", "-ss", "MQPMO_SYNCPOINT"})}) {
+    for (const Arguments &arguments :
+         {with({"-oq", "Q2", "MQGMO_SYNCPOINT"}), with({"-oq", "Q2", "-ss", "MQPMO_SYNCPOINT"})}) {
         const Parsed parsed = parse(arguments);
         EXPECT_EQ(parsed.primary.SyncpointFlag, 1);
         EXPECT_EQ(parsed.secondary.SyncpointFlag, 1);

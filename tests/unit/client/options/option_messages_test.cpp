@@ -17,11 +17,17 @@ struct Case {
     std::string out = "";
 };
 
-std::ostream &operator<<(std::ostream &stream, const Case &one) { return stream << one.name; }
+std::ostream &operator<<(std::ostream &stream, const Case &one)
+{
+    return stream << one.name;
+}
 
 class Refused : public testing::TestWithParam<Case> {};
 
-std::string longer(std::size_t limit) { return std::string(limit + 1, 'x'); }
+std::string longer(std::size_t limit)
+{
+    return std::string(limit + 1, 'x');
+}
 
 const std::vector<Case> missingValues = {
     {"qm", {"-qm"}, "Required parameter missing - queue nanager name(-qm)\n"},
@@ -49,8 +55,7 @@ const std::vector<Case> missingValues = {
     {"as", {"-as"}, "Required parameter missing - segmentation size(-as)\n"},
     {"dl", {"-dl"}, "Required parameter missing - delimiter for logical messages(-dl)\n"},
     {"nt", {"-nt"}, "Required parameter missing - number of threads(-nt)\n"},
-    {"ni", {"-ni"},
-     "Required parameter missing - number of threads that call MQCONN/MQDISC internally(-ni)\n"},
+    {"ni", {"-ni"}, "Required parameter missing - number of threads that call MQCONN/MQDISC internally(-ni)\n"},
     {"sf", {"-sf"}, "Required parameter missing - synchronization start file name(-sf)\n"},
     {"c", {"-c"}, "Required parameter missing - connection loop count(-c)\n"},
     {"wp", {"-wp"}, "Required parameter missing - wait time(ms) to next processing(-wp)\n"},
@@ -150,29 +155,37 @@ const std::vector<Case> tooLong = {
     {"gi_text", {"-gi", longer(24)}, "GroupId is too long - MQ_GROUP_ID_LENGTH is 24(-gi)\n"},
     {"gi_hex", {"-gi", "0x" + std::string(50, '1')}, "GroupId is too long - MQ_GROUP_ID_LENGTH is 24(-gi)\n"},
     {"at_text", {"-at", longer(32)}, "AccountingToken is too long - MQ_ACCOUNTING_TOKEN_LENGTH is 32(-at)\n"},
-    {"at_hex", {"-at", "0x" + std::string(65, '1')},
+    {"at_hex",
+     {"-at", "0x" + std::string(65, '1')},
      "AccountingToken is too long - MQ_ACCOUNTING_TOKEN_LENGTH is 32(-at)\n"},
     {"mt", {"-mt", "0x" + std::string(33, '1')}, "MsgToken is too long - MQ_MSG_TOKEN_LENGTH is 16(-mt)\n"},
 };
 
 const std::vector<Case> badValues = {
-    {"mi_odd", {"-mi", "0x012"},
+    {"mi_odd",
+     {"-mi", "0x012"},
      "Invalid character(s) or odd legth specified - MsgId with hexadecimal notation(-mi)\n"},
-    {"mi_character", {"-mi", "0x0g"},
+    {"mi_character",
+     {"-mi", "0x0g"},
      "Invalid character(s) or odd legth specified - MsgId with hexadecimal notation(-mi)\n"},
-    {"ci_odd", {"-ci", "0x1"},
+    {"ci_odd",
+     {"-ci", "0x1"},
      "Invalid character(s) or odd legth specified - CorrelId with hexadecimal notation(-ci)\n"},
-    {"gi_odd", {"-gi", "0x1"},
+    {"gi_odd",
+     {"-gi", "0x1"},
      "Invalid character(s) or odd legth specified - GroupId with hexadecimal notation(-gi)\n"},
-    {"at_odd", {"-at", "0x1"},
+    {"at_odd",
+     {"-at", "0x1"},
      "Invalid character(s) or odd legth specified - AccountingToken with hexadecimal notation(-at)\n"},
-    {"mt_odd", {"-mt", "0x1"},
+    {"mt_odd",
+     {"-mt", "0x1"},
      "Invalid character(s) or odd legth specified - MsgToken with hexadecimal notation(-mt)\n"},
     {"mt_no_prefix", {"-mt", "0102"}, "Missing hexadecimal notation prefix \"0x\" - MsgToken(-mt)\n"},
     {"mt_upper_case_prefix", {"-mt", "0X0102"}, "Missing hexadecimal notation prefix \"0x\" - MsgToken(-mt)\n"},
     {"ec_four_digits", {"-ec", "0x1000"}, "Encoding parameter allows 12bit only like 0xfff. - \"0x1000\"(-ec)\n"},
     {"ec_two_digits", {"-ec", "0x22"}, "Encoding parameter allows 12bit only like 0xfff. - \"0x22\"(-ec)\n"},
-    {"re_four_digits", {"-re", "0x1000"},
+    {"re_four_digits",
+     {"-re", "0x1000"},
      "MQRFH2.Encoding parameter allows 12bit only like 0xfff. - \"0x1000\"(-re)\n"},
     {"pe_two_digits", {"-pe", "0x12"}, ""},
     {"s_put1", {"-s", "MQPUT1"}, "Invarid MQI name - MQPUT1\n"},
@@ -191,24 +204,33 @@ const std::vector<Case> badValues = {
     {"lower_case_constant", {"mqro_coa"}, "Undefined parameter found. \"mqro_coa\"\n"},
     {"misspelt_constant", {"MQRO_COAX"}, "", "invalid parameter specified. \"MQRO_COAX\"\n"},
     {"bare_prefix", {"MQRO_"}, "", "invalid parameter specified. \"MQRO_\"\n"},
-    {"connect_options_have_no_current_version", {"MQCNO_CURRENT_VERSION"}, "",
+    {"connect_options_have_no_current_version",
+     {"MQCNO_CURRENT_VERSION"},
+     "",
      "invalid parameter specified. \"MQCNO_CURRENT_VERSION\"\n"},
-    {"version_prefix_goes_before_the_general_one", {"MQPMO_VERSION_9"}, "",
+    {"version_prefix_goes_before_the_general_one",
+     {"MQPMO_VERSION_9"},
+     "",
      "invalid parameter specified. \"MQPMO_VERSION_9\"\n"},
-    {"nt_with_ni", {"-qm", "QM1", "-q", "Q1", "-nt", "2", "-ni", "2"},
-     "-nt and -ni cannot be given together.\n"},
-    {"nt_with_ni_of_the_other_record", {"-qm", "QM1", "-q", "Q1", "-nt", "2", "-ss", "-ni", "2"},
+    {"nt_with_ni", {"-qm", "QM1", "-q", "Q1", "-nt", "2", "-ni", "2"}, "-nt and -ni cannot be given together.\n"},
+    {"nt_with_ni_of_the_other_record",
+     {"-qm", "QM1", "-q", "Q1", "-nt", "2", "-ss", "-ni", "2"},
      "-nt and -ni cannot be given together.\n"},
     {"no_queue_manager", {"-q", "Q1"}, "queue manager name(-qm) is required.\n"},
-    {"queue_manager_of_the_secondary_record_only", {"-ss", "-qm", "QM1", "-q", "Q1"},
+    {"queue_manager_of_the_secondary_record_only",
+     {"-ss", "-qm", "QM1", "-q", "Q1"},
      "queue manager name(-qm) is required.\n"},
     {"no_queue", {"-qm", "QM1"}, "faild to select function.\n"},
-    {"set_without_a_queue", {"-qm", "QM1", "-set", "MQIA_INHIBIT_GET:MQQA_GET_INHIBITED"},
+    {"set_without_a_queue",
+     {"-qm", "QM1", "-set", "MQIA_INHIBIT_GET:MQQA_GET_INHIBITED"},
      "faild to select function.\n"},
     {"distribution_list_without_a_message", {"-qm", "QM1", "-or", "Q1,Q2"}, "faild to select function.\n"},
 };
 
-std::string caseName(const testing::TestParamInfo<Case> &info) { return info.param.name; }
+std::string caseName(const testing::TestParamInfo<Case> &info)
+{
+    return info.param.name;
+}
 
 } // namespace
 
@@ -229,7 +251,8 @@ TEST(Refused, EveryOptionWithAValueIsCheckedForIt)
 {
     std::size_t withValue = 0;
     for (const OptionGroup &group : OPTION_GROUPS) {
-        for (const OptionRow &row : group.rows) withValue += row.missing != nullptr ? 1 : 0;
+        for (const OptionRow &row : group.rows)
+            withValue += row.missing != nullptr ? 1 : 0;
     }
     EXPECT_EQ(missingValues.size(), withValue);
 }

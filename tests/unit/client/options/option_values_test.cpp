@@ -60,7 +60,10 @@ TEST(OptionValues, QueueNamesOfPairedOperationsAreTexts)
     EXPECT_STREQ(parse({"-ss", "-iq", "A"}).secondary.InputQName, "A");
 }
 
-TEST(OptionValues, AValueMayBeginWithAMinus) { EXPECT_STREQ(parseComplete({"-m", "-n"}).primary.MsgText, "-n"); }
+TEST(OptionValues, AValueMayBeginWithAMinus)
+{
+    EXPECT_STREQ(parseComplete({"-m", "-n"}).primary.MsgText, "-n");
+}
 
 TEST(OptionValues, TheVersionOptionIsAValueWhereAValueIsExpected)
 {
@@ -69,7 +72,10 @@ TEST(OptionValues, TheVersionOptionIsAValueWhereAValueIsExpected)
     EXPECT_STREQ(parsed.primary.MsgText, "-v");
 }
 
-TEST(OptionValues, AnEmptyTextIsGiven) { EXPECT_STREQ(parseComplete({"-m", ""}).primary.MsgText, ""); }
+TEST(OptionValues, AnEmptyTextIsGiven)
+{
+    EXPECT_STREQ(parseComplete({"-m", ""}).primary.MsgText, "");
+}
 
 TEST(OptionValues, ATextOfAMegabyteIsTaken)
 {
@@ -84,16 +90,17 @@ TEST(OptionValues, FlagsSetTheirField)
         MQLONG RunParams::*field;
         MQLONG value;
     } cases[] = {
-        {"-r", &RunParams::GetRepeatedly, 1},   {"-b", &RunParams::ForceBackout, 1},
-        {"-br", &RunParams::BrowseMode, 1},     {"-brv", &RunParams::BrowseMode, 2},
-        {"-dp", &RunParams::DumpMode, 1},       {"-dpv", &RunParams::DumpMode, 2},
-        {"-raw", &RunParams::OutputForm, 1},    {"-hex", &RunParams::OutputForm, 2},
+        {"-r", &RunParams::GetRepeatedly, 1},       {"-b", &RunParams::ForceBackout, 1},
+        {"-br", &RunParams::BrowseMode, 1},         {"-brv", &RunParams::BrowseMode, 2},
+        {"-dp", &RunParams::DumpMode, 1},           {"-dpv", &RunParams::DumpMode, 2},
+        {"-raw", &RunParams::OutputForm, 1},        {"-hex", &RunParams::OutputForm, 2},
         {"-mc", &RunParams::MatchCorrelToMsgId, 1}, {"-im", &RunParams::InheritMd, 1},
-        {"-tr", &RunParams::ApiTrace, 1},       {"-sd", &RunParams::SkipDisc, 1},
+        {"-tr", &RunParams::ApiTrace, 1},           {"-sd", &RunParams::SkipDisc, 1},
         {"-ca", &RunParams::ContinueOnConnFail, 1}, {"-ac", &RunParams::AppendCounter, 1},
         {"-y", &RunParams::YieldAfterCall, 1},
     };
-    for (const auto &one : cases) EXPECT_EQ(parseComplete({one.flag}).primary.*one.field, one.value) << one.flag;
+    for (const auto &one : cases)
+        EXPECT_EQ(parseComplete({one.flag}).primary.*one.field, one.value) << one.flag;
 }
 
 TEST(OptionValues, NumbersSetTheirField)
@@ -102,10 +109,17 @@ TEST(OptionValues, NumbersSetTheirField)
         const char *flag;
         MQLONG RunParams::*field;
     } cases[] = {
-        {"-l", &RunParams::MsgLength},      {"-n", &RunParams::MsgCount},       {"-i", &RunParams::IntervalMs},
-        {"-sz", &RunParams::MaxMsgSize},    {"-ds", &RunParams::DisplaySize},   {"-as", &RunParams::SegmentSize},
-        {"-c", &RunParams::ConnLoopCount},  {"-wp", &RunParams::WaitMs},        {"-cr", &RunParams::ConnRetryCount},
-        {"-nt", &RunParams::ThreadCount},   {"-ni", &RunParams::InnerConnThreadCount},
+        {"-l", &RunParams::MsgLength},
+        {"-n", &RunParams::MsgCount},
+        {"-i", &RunParams::IntervalMs},
+        {"-sz", &RunParams::MaxMsgSize},
+        {"-ds", &RunParams::DisplaySize},
+        {"-as", &RunParams::SegmentSize},
+        {"-c", &RunParams::ConnLoopCount},
+        {"-wp", &RunParams::WaitMs},
+        {"-cr", &RunParams::ConnRetryCount},
+        {"-nt", &RunParams::ThreadCount},
+        {"-ni", &RunParams::InnerConnThreadCount},
     };
     for (const auto &one : cases) {
         const Parsed parsed = parseComplete({one.flag, "17"});
@@ -135,7 +149,10 @@ TEST(OptionValues, NumbersAreReadLeniently)
     EXPECT_EQ(parseComplete({"-pr", "0x10"}).primary.Md.Priority, 0);
 }
 
-TEST(OptionValues, ANegativeCountIsTaken) { EXPECT_EQ(parseComplete({"-n", "-3"}).primary.MsgCount, -3); }
+TEST(OptionValues, ANegativeCountIsTaken)
+{
+    EXPECT_EQ(parseComplete({"-n", "-3"}).primary.MsgCount, -3);
+}
 
 TEST(OptionValues, MinusOneIsTheDefaultWhereItIsAllowed)
 {
@@ -151,9 +168,15 @@ TEST(OptionValues, ANumberThatIsTooLargeIsTheLargest)
     EXPECT_EQ(parseComplete({"-n", "-99999999999999999999"}).primary.MsgCount, -2147483647 - 1);
 }
 
-TEST(OptionValues, AllShowsTheWholeMessage) { EXPECT_EQ(parseComplete({"-ds", "all"}).primary.DisplaySize, -1); }
+TEST(OptionValues, AllShowsTheWholeMessage)
+{
+    EXPECT_EQ(parseComplete({"-ds", "all"}).primary.DisplaySize, -1);
+}
 
-TEST(OptionValues, ShowingNothingIsAllowed) { EXPECT_EQ(parseComplete({"-ds", "0"}).primary.DisplaySize, 0); }
+TEST(OptionValues, ShowingNothingIsAllowed)
+{
+    EXPECT_EQ(parseComplete({"-ds", "0"}).primary.DisplaySize, 0);
+}
 
 TEST(OptionValues, CharactersFillTheBeginningOfTheirField)
 {
@@ -330,12 +353,13 @@ TEST(OptionValues, MarkTheDescriptorFieldThatTheyGive)
         const char *flag;
         MQULONG bit;
     } cases[] = {
-        {"-ex", 0x10},      {"-ec", 0x40},      {"-cc", 0x80},      {"-pr", 0x200},     {"-mi", 0x800},
-        {"-ci", 0x1000},    {"-rq", 0x4000},    {"-rm", 0x8000},    {"-ui", 0x10000},   {"-at", 0x20000},
-        {"-ap", 0x40000},   {"-pn", 0x100000},  {"-pd", 0x200000},  {"-pt", 0x400000},  {"-ao", 0x800000},
+        {"-ex", 0x10},      {"-ec", 0x40},      {"-cc", 0x80},      {"-pr", 0x200},      {"-mi", 0x800},
+        {"-ci", 0x1000},    {"-rq", 0x4000},    {"-rm", 0x8000},    {"-ui", 0x10000},    {"-at", 0x20000},
+        {"-ap", 0x40000},   {"-pn", 0x100000},  {"-pd", 0x200000},  {"-pt", 0x400000},   {"-ao", 0x800000},
         {"-gi", 0x1000000}, {"-ms", 0x2000000}, {"-of", 0x4000000}, {"-ol", 0x10000000},
     };
-    for (const auto &one : cases) EXPECT_EQ(parseComplete({one.flag, "1"}).primary.MdFieldsSet, one.bit) << one.flag;
+    for (const auto &one : cases)
+        EXPECT_EQ(parseComplete({one.flag, "1"}).primary.MdFieldsSet, one.bit) << one.flag;
 }
 
 TEST(OptionValues, TheseSelectMqconnx)
@@ -357,7 +381,8 @@ TEST(OptionValues, ThesePutAnRfh2InFront)
 {
     const std::vector<std::vector<std::string>> cases = {{"-re", "1"}, {"-rc", "1"}, {"-rf", "MQFMT_NONE"},
                                                          {"-fg", "1"}, {"-nc", "1"}, {"-nd", "<a/>"}};
-    for (const auto &one : cases) EXPECT_EQ(parseComplete(one).primary.UseRfh2, 1) << one[0];
+    for (const auto &one : cases)
+        EXPECT_EQ(parseComplete(one).primary.UseRfh2, 1) << one[0];
     EXPECT_EQ(parseComplete({"MQRFH_NONE"}).primary.UseRfh2, 0);
 }
 

@@ -24,13 +24,14 @@ inline Parsed parse(std::vector<std::string> arguments)
     arguments.insert(arguments.begin(), "mqrig");
     kept.push_back(std::move(arguments));
     std::vector<char *> argv;
-    for (std::string &argument : kept.back()) argv.push_back(argument.data());
+    for (std::string &argument : kept.back())
+        argv.push_back(argument.data());
     argv.push_back(nullptr);
 
     Parsed parsed;
     const Captured written = captured([&] {
-        parsed.commandLine = GetArgParam(static_cast<int>(argv.size()) - 1, argv.data(), &parsed.primary,
-                                         &parsed.secondary);
+        parsed.commandLine =
+            GetArgParam(static_cast<int>(argv.size()) - 1, argv.data(), &parsed.primary, &parsed.secondary);
     });
     parsed.out = written.out;
     parsed.err = written.err;

@@ -54,7 +54,8 @@ public:
         for (const ConstantRow &row : CONSTANT_ROWS) {
             constants_.emplace_back(row.prefix);
             if (row.table == nullptr) continue;
-            for (const NamedInteger *name = row.table; name->name != nullptr; ++name) constants_.emplace_back(name->name);
+            for (const NamedInteger *name = row.table; name->name != nullptr; ++name)
+                constants_.emplace_back(name->name);
         }
     }
 
@@ -64,8 +65,12 @@ public:
         if (below(2) == 0) arguments.insert(arguments.end(), {"-qm", "QM1", "-q", "Q1"});
         for (std::size_t count = below(8); count > 0; --count) {
             switch (below(4)) {
-            case 0: arguments.push_back(constants_[below(constants_.size())]); break;
-            case 1: arguments.push_back(value()); break;
+            case 0:
+                arguments.push_back(constants_[below(constants_.size())]);
+                break;
+            case 1:
+                arguments.push_back(value());
+                break;
             default:
                 // Most lines shall come past their first option.
                 arguments.push_back(valueFlags_[below(valueFlags_.size())]);
@@ -82,23 +87,47 @@ private:
     std::string randomBytes(std::size_t length)
     {
         std::string bytes(length, '\0');
-        for (char &byte : bytes) byte = static_cast<char>(1 + below(255)); // an argument holds no zero byte
+        for (char &byte : bytes)
+            byte = static_cast<char>(1 + below(255)); // an argument holds no zero byte
         return bytes;
     }
 
     std::string value()
     {
         static const std::vector<std::string> fixed = {
-            "", "0", "1", "-1", "all", "0x", "0x1", "0x0102", "%s%n%d", "99999999999999999999", "-2147483648",
-            "MQENC_NORMAL:MQENC_", "MQENC_::::", ",,,,", "::::", "MQPUT", "MQFMT_STRING", "MQOP_START", "EventHandler",
+            "",
+            "0",
+            "1",
+            "-1",
+            "all",
+            "0x",
+            "0x1",
+            "0x0102",
+            "%s%n%d",
+            "99999999999999999999",
+            "-2147483648",
+            "MQENC_NORMAL:MQENC_",
+            "MQENC_::::",
+            ",,,,",
+            "::::",
+            "MQPUT",
+            "MQFMT_STRING",
+            "MQOP_START",
+            "EventHandler",
         };
         switch (below(8)) {
-        case 0: return randomBytes(below(600));
-        case 1: return std::string(below(1100), static_cast<char>('a' + below(26)));
-        case 2: return "0x" + std::string(below(80), static_cast<char>("0123456789abcdefABCDEFgG"[below(24)]));
-        case 3: return flags_[below(flags_.size())];
-        case 4: return "MQENC_" + randomBytes(below(40));
-        default: return fixed[below(fixed.size())];
+        case 0:
+            return randomBytes(below(600));
+        case 1:
+            return std::string(below(1100), static_cast<char>('a' + below(26)));
+        case 2:
+            return "0x" + std::string(below(80), static_cast<char>("0123456789abcdefABCDEFgG"[below(24)]));
+        case 3:
+            return flags_[below(flags_.size())];
+        case 4:
+            return "MQENC_" + randomBytes(below(40));
+        default:
+            return fixed[below(fixed.size())];
         }
     }
 
@@ -158,7 +187,8 @@ TEST(RandomArguments, ArgumentsOfAMegabyteAreTakenOrRefused)
     const std::string digits = "0x" + std::string(1 << 20, '7');
     const std::string names = [] {
         std::string list;
-        while (list.size() < (1 << 20)) list += "MQENC_NORMAL:";
+        while (list.size() < (1 << 20))
+            list += "MQENC_NORMAL:";
         return list;
     }();
     captured([&] {

@@ -8,8 +8,14 @@ namespace {
 std::size_t failingSize = 0;
 } // namespace
 
-FailingMalloc::FailingMalloc(std::size_t size) { failingSize = size; }
-FailingMalloc::~FailingMalloc() { failingSize = 0; }
+FailingMalloc::FailingMalloc(std::size_t size)
+{
+    failingSize = size;
+}
+FailingMalloc::~FailingMalloc()
+{
+    failingSize = 0;
+}
 
 extern "C" {
 void *__real_malloc(std::size_t size);

@@ -50,7 +50,8 @@ std::map<std::string, Rows> readExpected()
 Rows rowsOf(const NamedInteger *table)
 {
     Rows rows;
-    for (; table->name != nullptr; ++table) rows.push_back({table->name, std::to_string(table->value), ""});
+    for (; table->name != nullptr; ++table)
+        rows.push_back({table->name, std::to_string(table->value), ""});
     return rows;
 }
 
@@ -87,21 +88,63 @@ Rows byteRowsOf(const NamedBytes *table, std::size_t width)
     return rows;
 }
 
-#define TABLE(name) {#name, rowsOf(name)}
+#define TABLE(name)                                                                                                    \
+    {                                                                                                                  \
+#name, rowsOf(name)                                                                                            \
+    }
 
 const std::map<std::string, Rows> &actual()
 {
     static const std::map<std::string, Rows> tables = {
-        TABLE(MQMD_TBL), TABLE(MQRO_TBL), TABLE(MQMT_TBL), TABLE(MQEI_TBL), TABLE(MQFB_TBL), TABLE(MQENC_TBL),
-        TABLE(MQCCSI_TBL), {"MQFMT_TBL", textRowsOf(MQFMT_TBL)}, TABLE(MQPRI_TBL), TABLE(MQPER_TBL),
-        {"MQMI_TBL", byteRowsOf(MQMI_TBL, 24)}, {"MQCI_TBL", byteRowsOf(MQCI_TBL, 24)},
-        {"MQACT_TBL", byteRowsOf(MQACT_TBL, 32)}, TABLE(MQACTT_TBL), TABLE(MQAT_TBL),
-        {"MQGI_TBL", byteRowsOf(MQGI_TBL, 24)}, TABLE(MQMF_TBL), TABLE(MQOL_TBL), TABLE(MQRFH_TBL),
-        TABLE(MQCNO_V_TBL), TABLE(MQCNO_TBL), TABLE(MQCSP_TBL), TABLE(MQCD_TBL), TABLE(MQAIR_TBL), TABLE(MQAIT_TBL),
-        TABLE(MQOO_TBL), TABLE(MQOT_TBL), TABLE(MQOD_TBL), TABLE(MQPMO_V_TBL), TABLE(MQPMO_TBL), TABLE(MQPMRF_TBL),
-        TABLE(MQGMO_V_TBL), TABLE(MQGMO_TBL), TABLE(MQWI_TBL), TABLE(MQMO_TBL), TABLE(MQCO_TBL), TABLE(MQPD_TBL),
-        TABLE(MQIMPO_TBL), TABLE(MQCMHO_TBL), TABLE(MQCBT_TBL), TABLE(MQOP_TBL), TABLE(MQTYPE_TBL), TABLE(MQBOOL_TBL),
-        TABLE(MQIA_TBL), TABLE(MQCA_TBL), TABLE(MQDL_TBL), TABLE(MQQA_TBL), TABLE(MQTC_TBL), TABLE(MQTT_TBL),
+        TABLE(MQMD_TBL),
+        TABLE(MQRO_TBL),
+        TABLE(MQMT_TBL),
+        TABLE(MQEI_TBL),
+        TABLE(MQFB_TBL),
+        TABLE(MQENC_TBL),
+        TABLE(MQCCSI_TBL),
+        {"MQFMT_TBL", textRowsOf(MQFMT_TBL)},
+        TABLE(MQPRI_TBL),
+        TABLE(MQPER_TBL),
+        {"MQMI_TBL", byteRowsOf(MQMI_TBL, 24)},
+        {"MQCI_TBL", byteRowsOf(MQCI_TBL, 24)},
+        {"MQACT_TBL", byteRowsOf(MQACT_TBL, 32)},
+        TABLE(MQACTT_TBL),
+        TABLE(MQAT_TBL),
+        {"MQGI_TBL", byteRowsOf(MQGI_TBL, 24)},
+        TABLE(MQMF_TBL),
+        TABLE(MQOL_TBL),
+        TABLE(MQRFH_TBL),
+        TABLE(MQCNO_V_TBL),
+        TABLE(MQCNO_TBL),
+        TABLE(MQCSP_TBL),
+        TABLE(MQCD_TBL),
+        TABLE(MQAIR_TBL),
+        TABLE(MQAIT_TBL),
+        TABLE(MQOO_TBL),
+        TABLE(MQOT_TBL),
+        TABLE(MQOD_TBL),
+        TABLE(MQPMO_V_TBL),
+        TABLE(MQPMO_TBL),
+        TABLE(MQPMRF_TBL),
+        TABLE(MQGMO_V_TBL),
+        TABLE(MQGMO_TBL),
+        TABLE(MQWI_TBL),
+        TABLE(MQMO_TBL),
+        TABLE(MQCO_TBL),
+        TABLE(MQPD_TBL),
+        TABLE(MQIMPO_TBL),
+        TABLE(MQCMHO_TBL),
+        TABLE(MQCBT_TBL),
+        TABLE(MQOP_TBL),
+        TABLE(MQTYPE_TBL),
+        TABLE(MQBOOL_TBL),
+        TABLE(MQIA_TBL),
+        TABLE(MQCA_TBL),
+        TABLE(MQDL_TBL),
+        TABLE(MQQA_TBL),
+        TABLE(MQTC_TBL),
+        TABLE(MQTT_TBL),
     };
     return tables;
 }
@@ -109,7 +152,8 @@ const std::map<std::string, Rows> &actual()
 std::vector<std::string> tableNames()
 {
     std::vector<std::string> names;
-    for (const auto &[name, rows] : actual()) names.push_back(name);
+    for (const auto &[name, rows] : actual())
+        names.push_back(name);
     return names;
 }
 
@@ -131,10 +175,14 @@ TEST(ConstantTables, AreAllThereAre)
 {
     const std::map<std::string, Rows> expected = readExpected();
     EXPECT_EQ(expected.size(), 49u);
-    for (const auto &[name, rows] : expected) EXPECT_TRUE(actual().contains(name)) << name;
+    for (const auto &[name, rows] : expected)
+        EXPECT_TRUE(actual().contains(name)) << name;
 }
 
-TEST(FindByName, FindsTheValue) { EXPECT_EQ(findByName(MQRO_TBL, "MQRO_COD")->value, 2048); }
+TEST(FindByName, FindsTheValue)
+{
+    EXPECT_EQ(findByName(MQRO_TBL, "MQRO_COD")->value, 2048);
+}
 
 TEST(FindByName, CurrentVersionOfTheChannelIsOneAboveTheLastVersionRow)
 {
@@ -147,7 +195,10 @@ TEST(FindByName, TheConnectOptionsHaveNoCurrentVersion)
     EXPECT_EQ(findByName(MQCNO_V_TBL, "MQCNO_CURRENT_VERSION"), nullptr);
 }
 
-TEST(FindByName, IsCaseSensitive) { EXPECT_EQ(findByName(MQRO_TBL, "mqro_coa"), nullptr); }
+TEST(FindByName, IsCaseSensitive)
+{
+    EXPECT_EQ(findByName(MQRO_TBL, "mqro_coa"), nullptr);
+}
 
 TEST(FindByName, ComparesTheWholeName)
 {

@@ -21,11 +21,13 @@ std::string text(const char (&field)[Size])
 TEST(DefaultRecord, HasNoTexts)
 {
     for (const char *const RunParams::*field :
-         {&RunParams::QMgrName, &RunParams::QName, &RunParams::MsgText, &RunParams::MsgHex, &RunParams::InputFile,
-          &RunParams::OutputFile, &RunParams::OutputQName, &RunParams::InputQName, &RunParams::OutputDir,
-          &RunParams::InputDir, &RunParams::StopApiName, &RunParams::LogicalMsgDelimiter, &RunParams::SetList,
-          &RunParams::InqList, &RunParams::SetMpList, &RunParams::ProcessName, &RunParams::NamelistName,
-          &RunParams::PcfFile, &RunParams::NameValueData, &RunParams::ObjectRecList, &RunParams::DynamicQName,
+         {&RunParams::QMgrName,      &RunParams::QName,         &RunParams::MsgText,
+          &RunParams::MsgHex,        &RunParams::InputFile,     &RunParams::OutputFile,
+          &RunParams::OutputQName,   &RunParams::InputQName,    &RunParams::OutputDir,
+          &RunParams::InputDir,      &RunParams::StopApiName,   &RunParams::LogicalMsgDelimiter,
+          &RunParams::SetList,       &RunParams::InqList,       &RunParams::SetMpList,
+          &RunParams::ProcessName,   &RunParams::NamelistName,  &RunParams::PcfFile,
+          &RunParams::NameValueData, &RunParams::ObjectRecList, &RunParams::DynamicQName,
           &RunParams::PutMsgRecList, &RunParams::SyncStartFile, &RunParams::OcspUrlList}) {
         EXPECT_EQ(record.*field, nullptr);
     }
@@ -43,15 +45,36 @@ TEST(DefaultRecord, HasNumbersOtherThanZeroForThese)
 
 TEST(DefaultRecord, HasZeroForTheOtherNumbers)
 {
-    for (const MQLONG RunParams::*field :
-         {&RunParams::GetRepeatedly, &RunParams::ForceBackout, &RunParams::MsgCount, &RunParams::IntervalMs,
-          &RunParams::BrowseMode, &RunParams::DumpMode, &RunParams::OutputForm, &RunParams::UseRfh2,
-          &RunParams::MatchCorrelToMsgId, &RunParams::InheritMd, &RunParams::KeepHeaders, &RunParams::SkipDisc,
-          &RunParams::WaitMs, &RunParams::ContinueOnConnFail, &RunParams::AppendCounter, &RunParams::ConnRetryCount,
-          &RunParams::ApiTrace, &RunParams::GlobalUowMode, &RunParams::SyncpointFlag, &RunParams::UseConnX,
-          &RunParams::YieldAfterCall, &RunParams::OpenOptions, &RunParams::CloseOptions, &RunParams::DestCount,
-          &RunParams::CbOperation, &RunParams::OutputHobj, &RunParams::InputHobj, &RunParams::ObjectHobj,
-          &RunParams::DisplayForm, &RunParams::ObjectTypeGiven}) {
+    for (const MQLONG RunParams::*field : {&RunParams::GetRepeatedly,
+                                           &RunParams::ForceBackout,
+                                           &RunParams::MsgCount,
+                                           &RunParams::IntervalMs,
+                                           &RunParams::BrowseMode,
+                                           &RunParams::DumpMode,
+                                           &RunParams::OutputForm,
+                                           &RunParams::UseRfh2,
+                                           &RunParams::MatchCorrelToMsgId,
+                                           &RunParams::InheritMd,
+                                           &RunParams::KeepHeaders,
+                                           &RunParams::SkipDisc,
+                                           &RunParams::WaitMs,
+                                           &RunParams::ContinueOnConnFail,
+                                           &RunParams::AppendCounter,
+                                           &RunParams::ConnRetryCount,
+                                           &RunParams::ApiTrace,
+                                           &RunParams::GlobalUowMode,
+                                           &RunParams::SyncpointFlag,
+                                           &RunParams::UseConnX,
+                                           &RunParams::YieldAfterCall,
+                                           &RunParams::OpenOptions,
+                                           &RunParams::CloseOptions,
+                                           &RunParams::DestCount,
+                                           &RunParams::CbOperation,
+                                           &RunParams::OutputHobj,
+                                           &RunParams::InputHobj,
+                                           &RunParams::ObjectHobj,
+                                           &RunParams::DisplayForm,
+                                           &RunParams::ObjectTypeGiven}) {
         EXPECT_EQ(record.*field, 0);
     }
     EXPECT_EQ(record.ThreadCount, 0);

@@ -14,7 +14,8 @@ namespace {
 std::vector<OptionRow> allOptions()
 {
     std::vector<OptionRow> rows;
-    for (const OptionGroup &group : OPTION_GROUPS) rows.insert(rows.end(), group.rows.begin(), group.rows.end());
+    for (const OptionGroup &group : OPTION_GROUPS)
+        rows.insert(rows.end(), group.rows.begin(), group.rows.end());
     return rows;
 }
 
@@ -35,24 +36,31 @@ std::set<std::string> neededTargets(OptionKind kind)
     case OptionKind::Version:
     case OptionKind::Primary:
     case OptionKind::Secondary:
-    case OptionKind::Unavailable: return {};
+    case OptionKind::Unavailable:
+        return {};
     case OptionKind::Text:
-    case OptionKind::ApiName: return {"text"};
+    case OptionKind::ApiName:
+        return {"text"};
     case OptionKind::Flag:
     case OptionKind::Number:
     case OptionKind::NumberOrAll:
     case OptionKind::Encoding:
     case OptionKind::EncodingList:
     case OptionKind::CharacterSet:
-    case OptionKind::Operation: return {"integer"};
+    case OptionKind::Operation:
+        return {"integer"};
     case OptionKind::Characters:
     case OptionKind::CutCharacters:
     case OptionKind::Bytes:
     case OptionKind::HexBytes:
-    case OptionKind::FormatName: return {"field"};
-    case OptionKind::DynamicName: return {"text", "field"};
-    case OptionKind::CallbackName: return {"address"};
-    case OptionKind::CountedText: return {"address", "integer"};
+    case OptionKind::FormatName:
+        return {"field"};
+    case OptionKind::DynamicName:
+        return {"text", "field"};
+    case OptionKind::CallbackName:
+        return {"address"};
+    case OptionKind::CountedText:
+        return {"address", "integer"};
     }
     return {"unknown kind"};
 }
@@ -61,13 +69,15 @@ std::set<std::string> neededTargets(OptionKind kind)
 
 TEST(OptionRows, HaveWhatTheirKindNeeds)
 {
-    for (const OptionRow &row : allOptions()) EXPECT_EQ(targets(row), neededTargets(row.kind)) << row.flag;
+    for (const OptionRow &row : allOptions())
+        EXPECT_EQ(targets(row), neededTargets(row.kind)) << row.flag;
 }
 
 TEST(OptionRows, HaveEachFlagOnce)
 {
     std::set<std::string> flags;
-    for (const OptionRow &row : allOptions()) EXPECT_TRUE(flags.insert(row.flag).second) << row.flag;
+    for (const OptionRow &row : allOptions())
+        EXPECT_TRUE(flags.insert(row.flag).second) << row.flag;
     EXPECT_EQ(flags.size(), 96u);
 }
 

@@ -18,7 +18,8 @@ std::vector<std::string> linesOfUsage()
 {
     std::vector<std::string> lines;
     std::istringstream text(CMD_LINE);
-    for (std::string line; std::getline(text, line);) lines.push_back(line);
+    for (std::string line; std::getline(text, line);)
+        lines.push_back(line);
     return lines;
 }
 
@@ -46,14 +47,16 @@ TEST(UsageText, HasALineForEveryOption)
 TEST(UsageText, HasALineForEveryPrefixOfConstants)
 {
     const std::string text = CMD_LINE;
-    for (const ConstantRow &row : CONSTANT_ROWS) EXPECT_THAT(text, HasSubstr(row.help)) << row.prefix;
+    for (const ConstantRow &row : CONSTANT_ROWS)
+        EXPECT_THAT(text, HasSubstr(row.help)) << row.prefix;
 }
 
 TEST(UsageText, HasTheOptionsInAlignedColumns)
 {
     constexpr std::size_t Column = 24;
     for (const OptionGroup &group : OPTION_GROUPS) {
-        for (const OptionRow &row : group.rows) EXPECT_EQ(lineOf(row.flag).find(row.help), Column) << row.flag;
+        for (const OptionRow &row : group.rows)
+            EXPECT_EQ(lineOf(row.flag).find(row.help), Column) << row.flag;
     }
 }
 
@@ -66,10 +69,14 @@ TEST(UsageText, HasATitleForEveryGroup)
 
 TEST(UsageText, FitsIntoHundredAndTwentyColumns)
 {
-    for (const std::string &line : linesOfUsage()) EXPECT_LE(line.size(), 120u) << line;
+    for (const std::string &line : linesOfUsage())
+        EXPECT_LE(line.size(), 120u) << line;
 }
 
-TEST(UsageText, EndsWithALineFeed) { EXPECT_EQ(std::string(CMD_LINE).back(), '\n'); }
+TEST(UsageText, EndsWithALineFeed)
+{
+    EXPECT_EQ(std::string(CMD_LINE).back(), '\n');
+}
 
 TEST(UsageText, HasTheSyntaxOfListsAsExamples)
 {
