@@ -1,7 +1,8 @@
 /// Console output, error reports, and the small helpers that every subsystem shares.
 ///
 /// How to report
-///   1. A report line: `LockedSection` around `dsp_timestamp` and the text (printf, or `printf_t` where `-raw` moves it).
+///   1. A report line: `LockedSection` around `dsp_timestamp` and the text (printf, or `printf_t` where `-raw` moves
+///   it).
 ///   2. A failed MQI call: `printf_te`.
 ///   3. A failed library call: `report_failure` with the routine's name.
 ///   4. A buffer: `checked_malloc` and its kin, which report their own failure.
@@ -102,6 +103,9 @@ using Buffer = std::unique_ptr<T[], FreeBuffer>;
 Buffer<> checked_malloc(RunParams *params, std::size_t size, Caller caller, const char *call = "malloc()");
 /// The same, zero-filled, as calloc(). `size` is the whole size.
 Buffer<> checked_calloc(RunParams *params, std::size_t size, Caller caller);
+/// Memory of a size that was computed from what a user or a queue manager said. More than the MQI can count (2^31-1)
+/// is refused and reported as memory that cannot be had.
+Buffer<> checked_malloc_counted(RunParams *params, std::int64_t size, Caller caller);
 /// Grows `buffer` in place. On failure it is reported as realloc(), `buffer` keeps what it held and false comes back.
 bool checked_realloc(RunParams *params, Buffer<> &buffer, std::size_t size, Caller caller);
 /// A copy of `text` with its terminator, or null after the report of `checked_malloc`.
@@ -114,6 +118,8 @@ void sleep_millisecond(RunParams *params, MQLONG milliseconds);
 
 // ---- Hexadecimal, strings, byte order -----------------------------------------------------------------------------
 
+/// The digits of a byte string or number in hexadecimal notation, behind its "0x"; null for any other text.
+const char *hexadecimal_digits(const char *text);
 /// Hexadecimal digits to bytes; `target` holds half the digits, rounded up. 1 for a bad or an odd number of digits,
 /// with the bytes before the fault written.
 Status hexdec2bin(const char *text, void *target);
@@ -122,6 +128,9 @@ Status hexdec2binl(const char *text, void *target, MQLONG maximum);
 /// Two upper-case digits for each byte and a terminator.
 void bin2hexdec(const void *source, char *target, std::size_t length);
 
+/// A decimal number as atoi reads it - leading blanks, a sign, digits up to the first other character, 0 for none - but
+/// a number that is too large is the nearest one that fits.
+MQLONG lenientNumber(const char *text);
 /// Cuts the next token off, keeping empty ones between adjacent delimiters; null at the end of the text.
 char *strtoknn_r(char *text, const char *delimiters, char **position);
 /// strncpy: zero-filled behind a shorter source, unterminated when the source fills it.

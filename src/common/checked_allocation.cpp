@@ -1,12 +1,16 @@
 #include "common.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstring>
 
 namespace {
 
 /// malloc and calloc may answer null for no bytes at all; a buffer of ours never is.
-std::size_t atLeastOne(std::size_t size) { return size == 0 ? 1 : size; }
+std::size_t atLeastOne(std::size_t size)
+{
+    return size == 0 ? 1 : size;
+}
 
 Buffer<> checked(RunParams *params, void *memory, const char *call, std::size_t size, Caller caller)
 {
@@ -24,6 +28,13 @@ Buffer<> checked_malloc(RunParams *params, std::size_t size, Caller caller, cons
 Buffer<> checked_calloc(RunParams *params, std::size_t size, Caller caller)
 {
     return checked(params, std::calloc(atLeastOne(size), 1), "calloc()", size, caller);
+}
+
+Buffer<> checked_malloc_counted(RunParams *params, std::int64_t size, Caller caller)
+{
+    if (size <= INT_MAX) return checked_malloc(params, static_cast<std::size_t>(size), caller);
+    report_failure(params, caller, "malloc()", ENOMEM, "malloc() failed. size=%lld\n", static_cast<long long>(size));
+    return nullptr;
 }
 
 bool checked_realloc(RunParams *params, Buffer<> &buffer, std::size_t size, Caller caller)

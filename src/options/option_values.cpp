@@ -4,16 +4,17 @@
 
 #include "common.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <limits>
 
 namespace {
 
 constexpr std::size_t HexPrefixLength = 2;
 
-bool hasHexPrefix(const char *value) { return std::strncmp(value, "0x", HexPrefixLength) == 0; }
+bool hasHexPrefix(const char *value)
+{
+    return std::strncmp(value, "0x", HexPrefixLength) == 0;
+}
 
 /// Two digits for each byte of the field fit behind the prefix. Digits before a bad one stay converted.
 bool convertDigits(const OptionRow &row, std::span<char> field, const char *value)
@@ -43,13 +44,6 @@ bool readHexEncoding(const OptionRow &row, MQLONG &encoding, const char *value)
 }
 
 } // namespace
-
-MQLONG lenientNumber(const char *text)
-{
-    const long long number = std::strtoll(text, nullptr, 10);
-    using Limits = std::numeric_limits<MQLONG>;
-    return static_cast<MQLONG>(std::clamp<long long>(number, Limits::min(), Limits::max()));
-}
 
 bool readBytes(const OptionRow &row, std::span<char> field, const char *value)
 {

@@ -10,8 +10,8 @@
 struct Scan {
     RunParams *primary;
     RunParams *secondary;
-    RunParams *current;                ///< the record that options fill now
-    bool matchOptionsCleared = false;  ///< an MQMO_* name was met
+    RunParams *current;               ///< the record that options fill now
+    bool matchOptionsCleared = false; ///< an MQMO_* name was met
 };
 
 /// Does what the row says with `value` (null for an option without one). False after an error that is reported.
@@ -25,10 +25,6 @@ void applyMarks(RunParams &params, MQULONG mdField, unsigned marks);
 CommandLine selectOperation(const char *program, RunParams *primary, RunParams *secondary);
 
 // ---- Values -------------------------------------------------------------------------------------------------------
-
-/// A decimal number as atoi reads it - leading blanks, a sign, digits up to the first other character, 0 for none - but
-/// a number that is too large is the nearest one that fits.
-MQLONG lenientNumber(const char *text);
 
 /// A byte string, text or "0x" and digits, over the beginning of the row's field.
 bool readBytes(const OptionRow &row, std::span<char> field, const char *value);
