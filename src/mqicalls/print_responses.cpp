@@ -4,6 +4,7 @@
 
 void print_responses(const char *heading, RunParams *params)
 {
+    if (params->ResponseRecs == nullptr) return; // there was no memory for them; that has been reported
     const MQOR *objects = static_cast<const MQOR *>(params->Od.ObjectRecPtr);
     for (MQLONG i = 0; i < params->DestCount; ++i) {
         const MQOR &object = objects[i];

@@ -1,0 +1,13 @@
+/// Put-message records (MQPMR): the fields of a message that differ from destination to destination.
+#pragma once
+
+#include "RunParams.h"
+
+#include <cstddef>
+
+/// Bytes of one record with these MQPMRF_* fields; 0 when none is flagged.
+std::size_t put_message_record_size(MQLONG fields);
+
+/// The list of -mr into the record's array, one record for each destination. Empty records and fields are skipped, as
+/// in the list of destinations. The first faulty field is reported and ends the reading; what was read stays.
+void read_put_message_records(RunParams *params);
