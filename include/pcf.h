@@ -1,8 +1,9 @@
 /// PCF messages from a definition file.
 ///
 /// How to add a new keyword or parameter record
-///   1. Add its row to the reader's table (src/pcf/read_pcf_file.cpp).
-///   2. A record builds one complete structure and appends it to `PcfDef::Params`.
+///   1. A header keyword: add its row to the reader's table (src/pcf/read_pcf_file.cpp).
+///   2. A record: add its row to the records' table (src/pcf/read_parameter_record.cpp). It builds one complete
+///      structure, which the reader appends to `PcfDef::Params`.
 ///   3. For a structure of a new type add it to the printer as well (src/display/printPCF.cpp).
 #pragma once
 
@@ -11,7 +12,7 @@
 
 #include <cmqcfc.h>
 
-/// One PCF parameter structure exactly as it goes into the message, from malloc, and the next one.
+/// One PCF parameter structure exactly as it goes into the message, and the next one. Both are from malloc.
 struct PcfParamNode {
     MQLONG *structure = nullptr;
     PcfParamNode *next = nullptr;
@@ -33,3 +34,5 @@ Status read_pcf_file(RunParams *params, PcfDef *pcfDef);
 /// The message from malloc, which the caller frees, and its MQMD fields; null after a report.
 char *make_pcf_message(MQMD *md, const PcfDef *pcfDef, MQLONG *length);
 Status PutFromPcfDef(RunParams *params, MQHCONN hconn);
+/// Frees the nodes and structures and forgets them.
+void free_pcf_params(PcfDef *pcfDef);
