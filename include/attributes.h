@@ -2,8 +2,8 @@
 ///
 /// How to add a new attribute
 ///   1. Add its selector to MQIA_TBL or MQCA_TBL (see tables.h).
-///   2. Add its row to the output table `prm_to_msg`: selector, keyword format, and a `c_` table of keywords if its
-///      values have names (tables/).
+///   2. Add its row to the output table `prm_to_msg`: selector, keyword, and a `c_` table of keywords if its values have
+///      names (tables/command_language_tables.cpp).
 #pragma once
 
 #include "RunParams.h"

@@ -33,6 +33,14 @@ struct NamedBytes {
     const void *value;
 };
 
+/// How an attribute is shown: "KEYWORD(value)", or the value alone where `keyword` is empty. `values`, where there are
+/// any, are the keywords that integers stand for.
+struct AttributeOutput {
+    MQLONG selector = 0;
+    const char *keyword = nullptr;
+    const NamedInteger *values = nullptr;
+};
+
 struct NamedFunction {
     const char *name;
     PMQCB_FUNCTION function;
@@ -87,6 +95,9 @@ extern const NamedInteger MQDL_TBL[];
 extern const NamedInteger MQQA_TBL[];
 extern const NamedInteger MQTC_TBL[];
 extern const NamedInteger MQTT_TBL[];
+
+/// The output table of object attributes; ends with a row whose keyword is null.
+extern const AttributeOutput prm_to_msg[];
 
 /// The first row with exactly this name, or null. Works for every table of rows that begin with a name.
 template <class Row>
