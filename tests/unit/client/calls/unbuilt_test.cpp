@@ -1,10 +1,6 @@
 // Routines that are still to come say so and fail.
 #include "calls_test.h"
 
-#include "attributes.h"
-#include "display.h"
-#include "mqicalls.h"
-#include "pcf.h"
 #include "receive.h"
 #include "send.h"
 
@@ -37,13 +33,11 @@ INSTANTIATE_TEST_SUITE_P(
         Unbuilt{"Applsegmentation",
                 [](RunParams *p, MQHCONN h) { return Applsegmentation(p, h, FakeHobj, "a", 1, 0, 1); }},
         Unbuilt{"make_rfh2", [](RunParams *p, MQHCONN) { return make_rfh2(p) == nullptr ? 1 : 0; }},
-        Unbuilt{"make_mp", make_mp}, Unbuilt{"GetToFile", GetToFile}, Unbuilt{"GetToDir", GetToDir},
+        Unbuilt{"GetToFile", GetToFile}, Unbuilt{"GetToDir", GetToDir},
         Unbuilt{"GetToFile2", [](RunParams *p, MQHCONN h) { return GetToFile2(p, h, 1, 0, nullptr, nullptr); }},
         Unbuilt{"GetToDir2", [](RunParams *p, MQHCONN h) { return GetToDir2(p, h, 1, 0, nullptr, nullptr); }},
         Unbuilt{"Queue2Queue", [](RunParams *p, MQHCONN h) { return Queue2Queue(p, h, p); }},
-        Unbuilt{"SendReceive", [](RunParams *p, MQHCONN h) { return SendReceive(p, h, p); }},
-        Unbuilt{"PutFromPcfDef", PutFromPcfDef}, Unbuilt{"CallMQINQ", CallMQINQ}, Unbuilt{"CallMQSET", CallMQSET},
-        Unbuilt{"allocateForDestinationList", [](RunParams *p, MQHCONN) { return allocateForDestinationList(p); }}));
+        Unbuilt{"SendReceive", [](RunParams *p, MQHCONN h) { return SendReceive(p, h, p); }}));
 
 class UnbuiltBranchTest : public CallsTest {
 protected:
@@ -77,23 +71,6 @@ TEST_F(UnbuiltBranchTest, Rfh2EndsBeforeAnyPut)
     EXPECT_EQ(written.status, 1);
     EXPECT_EQ(written.err, "make_rfh2 is not built yet\n");
     EXPECT_EQ(params.DataEncoding, 273);
-}
-
-TEST_F(UnbuiltBranchTest, PropertiesEndBeforeAnyPut)
-{
-    params.SetMpList = "MQTYPE_STRING:a:b";
-    const Written written = put();
-    EXPECT_EQ(written.status, 1);
-    EXPECT_EQ(written.err, "make_mp is not built yet\n");
-}
-
-TEST_F(UnbuiltBranchTest, DistributionListEndsBeforeMqopen)
-{
-    params.ObjectRecList = "Q1,Q2";
-    const Written written = put();
-    EXPECT_EQ(written.status, 1);
-    EXPECT_EQ(written.err, "allocateForDestinationList is not built yet\n");
-    EXPECT_EQ(fakeMqi.calls.size(), 0U);
 }
 
 } // namespace
