@@ -84,8 +84,12 @@ void MQSETMP(MQHCONN Hconn, MQHMSG Hmsg, PMQVOID pSetPropOpts, PMQVOID pName, PM
     readName(call, pName);
     call.note("Type", Type);
     call.note("ValueLength", ValueLength);
-    if (ValueLength < 0) call.refuse(MQRC_BUFFER_LENGTH_ERROR);
-    call.noteBytes("Value", pValue, ValueLength);
+    MQLONG length = ValueLength;
+    if (ValueLength == MQVL_NULL_TERMINATED && pValue != nullptr) {
+        length = static_cast<MQLONG>(std::strlen(static_cast<const char *>(pValue)));
+    }
+    if (length < 0) call.refuse(MQRC_BUFFER_LENGTH_ERROR);
+    call.noteBytes("Value", pValue, length);
     call.structure("MQSMPO", pSetPropOpts);
     call.structure("MQPD", pPropDesc);
     call.decide();
