@@ -41,6 +41,7 @@ Attachment::~Attachment()
         return;
     }
     store_->freeSlot(slot_);
+    Store::forgetEnded(store_);
 }
 
 bool Attachment::forked() const

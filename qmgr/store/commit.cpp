@@ -174,6 +174,16 @@ Outcome Store::logUnits(std::span<const PreparedUnit> units)
 {
     if (const Outcome begun = log_->begin(); begun.failed()) return begun;
     const Outcome copied = read([&](ReadTransaction &transaction) {
+        std::uint64_t messages = 0;
+        std::uint64_t bytes = 0;
+        for (const PreparedUnit &unit : units) {
+            for (const UnitStep &step : unit.steps) {
+                if (step.kind != StepKind::Put || step.persistent == 0) continue;
+                messages += 1;
+                bytes += sizeof(MessageHeader) + transaction.body(keyOf(step)).size();
+            }
+        }
+        if (messages > 0) log_->makeRoom(messages, bytes);
         for (const PreparedUnit &unit : units) {
             for (const UnitStep &step : unit.steps) {
                 if (step.persistent == 0) continue;

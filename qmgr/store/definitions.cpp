@@ -117,6 +117,8 @@ Outcome Store::logAndStore(const Definition &definition)
     });
     if (stored.failed()) control().logUnfinished = 1;
     control().definitionVersion.fetch_add(1);
+    // A getter that sleeps looks again: its queue may have been inhibited.
+    if (definition.queue != 0) wakeGetters(definition.queue);
     return stored;
 }
 

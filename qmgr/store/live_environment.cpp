@@ -191,7 +191,7 @@ Outcome LiveEnvironment::beginWrite(MDB_txn *&txn, std::size_t room)
             gate_.leave();
             return outcomeOfLive(code);
         }
-        if (room == 0 || hasRoom(room) || hasFreePages(txn, room)) return success();
+        if (room == 0 || hasRoom(room) || hasFreePages(room)) return success();
         abortWrite(txn);
         txn = nullptr;
         if (const Outcome grown = grow(room); grown.failed()) return grown;
@@ -226,11 +226,17 @@ bool LiveEnvironment::hasRoom(std::size_t room) const
 
 // The last page ever used does not come back when messages go, so a map that was once full always looks full: then
 // only the list of free pages knows. It is read only when growing has failed.
-bool LiveEnvironment::hasFreePages(MDB_txn *txn, std::size_t room) const
+bool LiveEnvironment::hasFreePages(std::size_t room) const
 {
     if (cannotGrow_.load(std::memory_order_relaxed) != mapped_.load(std::memory_order_relaxed)) return false;
+    // The list is tree number 0, which the library shows to readers only.
+    MDB_txn *txn = nullptr;
+    if (mdb_txn_begin(env_, nullptr, MDB_RDONLY, &txn) != 0) return false;
     MDB_cursor *cursor = nullptr;
-    if (mdb_cursor_open(txn, 0, &cursor) != 0) return false;
+    if (mdb_cursor_open(txn, 0, &cursor) != 0) {
+        mdb_txn_abort(txn);
+        return false;
+    }
     std::uint64_t free = 0;
     MDB_val key{};
     MDB_val value{};
@@ -240,6 +246,7 @@ bool LiveEnvironment::hasFreePages(MDB_txn *txn, std::size_t room) const
         free += pages * pageSize;
     }
     mdb_cursor_close(cursor);
+    mdb_txn_abort(txn);
     return free >= 2 * room + margin;
 }
 

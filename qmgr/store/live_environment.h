@@ -76,7 +76,7 @@ private:
     Outcome followMap();
     template <class NewSize> Outcome remap(NewSize &&newSize);
     [[nodiscard]] bool hasRoom(std::size_t room) const;
-    [[nodiscard]] bool hasFreePages(MDB_txn *txn, std::size_t room) const;
+    [[nodiscard]] bool hasFreePages(std::size_t room) const;
 
     ControlBlock &control_;
     LockFile &locks_;

@@ -15,6 +15,9 @@ namespace mqrig::qmgr::store {
 namespace {
 
 constexpr int formatNumber = 1;
+constexpr std::uint64_t pageSize = 4096;
+constexpr std::uint64_t aheadWindow = 2000 * (pageSize + 24); // the write-ahead file between two checkpoints
+constexpr int spaceStep = 1 << 20;
 constexpr int applicationId = 0x4d51524c; // "MQRL": tells file(1) and us that the file is a log of ours
 
 constexpr const char *schema = R"(
@@ -43,7 +46,7 @@ CREATE TABLE messages(
     body BLOB NOT NULL);
 )";
 
-constexpr std::array<const char *, 17> statementTexts{
+constexpr std::array<const char *, 19> statementTexts{
     "BEGIN IMMEDIATE",
     "COMMIT",
     "ROLLBACK",
@@ -56,11 +59,13 @@ constexpr std::array<const char *, 17> statementTexts{
     "UPDATE queue_manager SET next_queue = next_queue + 1 RETURNING next_queue - 1",
     "UPDATE queue_manager SET ticket = max(ticket, ?) WHERE generation = ?",
     "UPDATE queue_manager SET state = ? WHERE generation = ?",
-    "UPDATE queue_manager SET generation = ?, state = 1, ticket = 0, sequence_base = ?",
+    "UPDATE queue_manager SET generation = ?, ticket = 0, sequence_base = ?",
     "SELECT name, state, generation, ticket, sequence_base FROM queue_manager",
     "SELECT max(sequence) FROM messages",
     "SELECT sequence, queue, place, backouts, checksum, header, body FROM messages ORDER BY sequence",
     "SELECT type, name, queue, bytes, checksum FROM definitions",
+    "PRAGMA page_count",
+    "PRAGMA freelist_count",
 };
 
 Outcome outcomeOfLog(int code)
@@ -151,6 +156,8 @@ int LogDatabase::configure()
 {
     int keep = 1;
     sqlite3_file_control(database_, "main", SQLITE_FCNTL_PERSIST_WAL, &keep);
+    int chunk = spaceStep;
+    sqlite3_file_control(database_, "main", SQLITE_FCNTL_CHUNK_SIZE, &chunk);
     // Commits wait for the disk. The write-ahead file stays as large as it once was: writing over old frames spares
     // the file system's own journal a transaction at every sync.
     return patiently([this] {
@@ -270,6 +277,48 @@ void LogDatabase::run(sqlite3_stmt *statement)
     }
     if (code != SQLITE_DONE && code != SQLITE_ROW) fail(code);
     sqlite3_reset(statement);
+}
+
+std::uint64_t LogDatabase::count(Statement which)
+{
+    sqlite3_stmt *statement = prepared(which);
+    if (statement == nullptr) return 0;
+    const std::uint64_t value = sqlite3_step(statement) == SQLITE_ROW ? unsignedColumn(statement, 0) : 0;
+    sqlite3_reset(statement);
+    return value;
+}
+
+// What deletions need is kept allocated at all times, because deletions never ask:
+// - in the write-ahead file, the frames up to the next checkpoint and as many again;
+// - in the database file, every page that a checkpoint may have to write back.
+// So insertions are refused (or taken from pages that deletions have freed) while the disk has no more to give.
+void LogDatabase::makeRoom(std::uint64_t messages, std::uint64_t bytes)
+{
+    const std::uint64_t needed = bytes + bytes / 8 + messages * 128 + std::uint64_t{64} * pageSize;
+    const std::uint64_t pages = count(PageCount) * pageSize;
+    const std::uint64_t free = count(FreePages) * pageSize;
+    if (steps_.failed()) return;
+    const auto allocate = [](sqlite3_file *file, std::uint64_t &space, std::uint64_t wanted) {
+        if (wanted <= space) return true;
+        auto size = static_cast<sqlite3_int64>((wanted + spaceStep - 1) / spaceStep * spaceStep);
+        const bool allocated = injectedError(StorageCall::Reserve) == 0 && file != nullptr &&
+                               file->pMethods != nullptr &&
+                               file->pMethods->xFileControl(file, SQLITE_FCNTL_SIZE_HINT, &size) == SQLITE_OK;
+        if (allocated) space = static_cast<std::uint64_t>(size);
+        return allocated;
+    };
+    sqlite3_file *database = nullptr;
+    sqlite3_file *ahead = nullptr;
+    sqlite3_file_control(database_, "main", SQLITE_FCNTL_FILE_POINTER, &database);
+    sqlite3_file_control(database_, "main", SQLITE_FCNTL_JOURNAL_POINTER, &ahead);
+    int chunk = spaceStep;
+    if (ahead != nullptr && ahead->pMethods != nullptr) {
+        ahead->pMethods->xFileControl(ahead, SQLITE_FCNTL_CHUNK_SIZE, &chunk);
+    }
+    const std::uint64_t grows = needed > free ? needed - free : 0;
+    if (!allocate(database, databaseSpace_, pages + grows) || !allocate(ahead, aheadSpace_, 2 * aheadWindow + needed)) {
+        steps_ = failure(MQRC_STORAGE_NOT_AVAILABLE);
+    }
 }
 
 Outcome LogDatabase::begin()

@@ -65,6 +65,13 @@ public:
     void rollback();
 
     // Steps of a transaction.
+
+    // Makes sure that a transaction can insert messages of this many bytes in all (headers included) and that there is
+    // room behind it for many small ones that delete: so that a full log can always be emptied. A step
+    // of every transaction that inserts messages, before it does. Fails the transaction with
+    // MQRC_STORAGE_NOT_AVAILABLE if the disk does not have the space.
+    void makeRoom(std::uint64_t messages, std::uint64_t bytes);
+
     void insertMessage(const MessageKey &key, const MessageHeader &header, std::span<const std::byte> body);
     void deleteMessage(std::uint64_t sequence);
     void setBackoutCount(std::uint64_t sequence, std::uint64_t count);
@@ -76,7 +83,7 @@ public:
     // Stores the highest ticket of the life `generation`, or fails the transaction if that life is over.
     void advance(std::uint64_t generation, Ticket ticket);
     void setState(std::uint64_t generation, State state);
-    // Begins life number `generation`, running.
+    // Begins life number `generation`. Its state stays what it was until the life is complete.
     void beginLife(std::uint64_t generation, std::uint64_t sequenceBase);
     [[nodiscard]] Outcome stepsOutcome() const { return steps_; }
 
@@ -103,7 +110,7 @@ private:
     enum Statement : std::uint8_t {
         Begin, Commit, Rollback, InsertMessage, DeleteMessage, SetBackoutCount, DeleteMessagesOf, StoreDefinition,
         DeleteDefinition, TakeQueueId, Advance, SetState, BeginLife, ReadQueueManager, HighestSequence,
-        ReadMessages, ReadDefinitions, statements
+        ReadMessages, ReadDefinitions, PageCount, FreePages, statements
     };
     enum class Rows : std::uint8_t { Messages, Definitions };
     struct Reader {
@@ -129,12 +136,15 @@ private:
     int configure();
     Outcome bringUpToDate();
     int execute(const char *sql);
+    [[nodiscard]] std::uint64_t count(Statement which);
     [[nodiscard]] sqlite3_stmt *prepared(Statement which);
     void run(sqlite3_stmt *statement);
     void fail(int code);
 
     sqlite3 *database_ = nullptr;
     std::array<sqlite3_stmt *, statements> prepared_{};
+    std::uint64_t databaseSpace_ = 0; // bytes of the database file that are allocated for certain
+    std::uint64_t aheadSpace_ = 0;    // the same of the write-ahead file
     Outcome steps_;
 };
 

@@ -187,7 +187,10 @@ Outcome endQueueManager(const std::filesystem::path &storeFolder, std::string_vi
     if (!isQueueManagerName(name)) return failure(MQRC_Q_MGR_NAME_ERROR);
     auto [outcome, store] = Store::open(storeFolder / folderOfName(name));
     if (outcome.Reason == MQRC_Q_MGR_NOT_AVAILABLE) return failure(MQRC_Q_MGR_NOT_ACTIVE);
-    return outcome.failed() ? outcome : store->end(how);
+    if (outcome.failed()) return outcome;
+    const Outcome ended = store->end(how);
+    Store::forgetEnded(store);
+    return ended;
 }
 
 StateOfQueueManager stateOf(const std::filesystem::path &storeFolder, std::string_view name)
@@ -198,7 +201,9 @@ StateOfQueueManager stateOf(const std::filesystem::path &storeFolder, std::strin
     if (found.outcome.failed() || found.state != State::Quiescing) return found;
     if (auto [outcome, store] = Store::open(folder); !outcome.failed()) {
         if (!store->releaseDead() && !store->anyConnection()) store->completeQuiesce();
-        return {success(), store->control().state};
+        const State state = store->control().state;
+        Store::forgetEnded(store);
+        return {success(), state};
     }
     return Store::look(folder);
 }

@@ -59,6 +59,9 @@ Store::Opened Store::beginLife(const std::filesystem::path &folder, LockFile &lo
     if (opened.outcome.failed()) return opened;
     Store &store = *opened.store;
     if (const Outcome filled = store.fill(log); filled.failed()) return {filled, nullptr};
+    if (const Outcome begun = log.begin(); begun.failed()) return {begun, nullptr};
+    log.setState(generation, State::Running);
+    if (const Outcome committed = log.commit(); committed.failed()) return {committed, nullptr};
     reached(Step::LiveRebuilt);
     store.control().state = State::Running;
     if (!store.control_->declareReady(live)) return {failure(MQRC_UNEXPECTED_ERROR), nullptr};

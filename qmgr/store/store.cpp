@@ -57,6 +57,15 @@ Store::Opened Store::open(const std::filesystem::path &folder)
     return opened;
 }
 
+void Store::forgetEnded(const std::shared_ptr<Store> &store)
+{
+    if (store->control().state != State::Ended) return;
+    Process &process = thisProcess();
+    const std::scoped_lock lock(process.mutex);
+    const auto known = process.stores.find(store->folder_.string());
+    if (known != process.stores.end() && known->second == store) process.stores.erase(known);
+}
+
 Store::Opened Store::openUnderLock(const std::filesystem::path &folder, LockFile &locks)
 {
     // Asked again: it may have been deleted while we waited.
@@ -66,7 +75,9 @@ Store::Opened Store::openUnderLock(const std::filesystem::path &folder, LockFile
     if (error != 0) return {outcomeOfFile(error), nullptr};
     if (control) {
         if ((*control)->state == State::Ended) return {failure(MQRC_Q_MGR_NOT_AVAILABLE), nullptr};
-        return openLife(folder, locks, std::move(control));
+        Opened opened = openLife(folder, locks, std::move(control));
+        if (opened.outcome.Reason != MQRC_UNEXPECTED_ERROR) return opened;
+        // The live state's file is damaged: that life is over, and the log is where the next one comes from.
     }
     auto [outcome, log] = LogDatabase::open(folder / "log.db");
     if (outcome.failed()) return {outcome, nullptr};
@@ -88,6 +99,7 @@ Store::Opened Store::openLife(const std::filesystem::path &folder, LockFile &loc
     if (slotLocks == nullptr) return {outcomeOfFile(error), nullptr};
     store->slotLocks_ = slotLocks;
     auto opened = LiveEnvironment::open(live, store->control(), locks);
+    if (opened.outcome.Reason == MQRC_UNEXPECTED_ERROR) store->endLife();
     if (opened.outcome.failed()) return {opened.outcome, nullptr};
     store->live_ = std::move(opened.environment);
     return {success(), std::move(store)};

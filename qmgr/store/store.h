@@ -46,6 +46,8 @@ public:
     static Outcome start(const std::filesystem::path &folder);
     // The state, without opening the life or beginning one.
     static StateOfQueueManager look(const std::filesystem::path &folder);
+    // Lets go of a life that has ended, so that it goes when its last connection does.
+    static void forgetEnded(const std::shared_ptr<Store> &store);
     // Whether a queue manager's folder is there: MQRC_Q_MGR_NAME_ERROR if not.
     static Outcome exists(const std::filesystem::path &folder);
 

@@ -1,0 +1,203 @@
+// Damaged, foreign, copied and unreadable files: an outcome, never a signal, and nothing made worse.
+
+#include <fstream>
+
+#include "store_test.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <sqlite3.h>
+
+namespace mqrig::qmgr::store::test {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+class Files : public StoreTest {
+protected:
+    void SetUp() override
+    {
+        ASSERT_EQ(put(*connect(), q1_, "safe", {.persistence = MQPER_PERSISTENT}), success());
+        ASSERT_EQ(put(*connect(), q1_, "gone with its life"), success());
+        ASSERT_EQ(endQueueManager(folder_, "QM1", End::Quiesce), success());
+    }
+    void sql(const char *statement) const
+    {
+        sqlite3 *database = nullptr;
+        ASSERT_EQ(sqlite3_open(log().c_str(), &database), SQLITE_OK);
+        char *message = nullptr;
+        EXPECT_EQ(sqlite3_exec(database, statement, nullptr, nullptr, &message), SQLITE_OK) << message;
+        sqlite3_close(database);
+    }
+    [[nodiscard]] std::filesystem::path log() const { return folder_ / "QM1" / "log.db"; }
+    [[nodiscard]] std::filesystem::path live() const { return folder_ / "QM1" / "live"; }
+};
+
+void overwrite(const std::filesystem::path &file, std::size_t at, std::string_view with)
+{
+    std::fstream stream(file, std::ios::in | std::ios::out | std::ios::binary);
+    stream.seekp(static_cast<std::streamoff>(at));
+    stream << with;
+}
+
+TEST_F(Files, ALogOfANewerFormatIsRefusedWithItsOwnReason)
+{
+    sql("PRAGMA user_version = 2");
+    EXPECT_EQ(startQueueManager(folder_, "QM1"), failure(MQRC_ENVIRONMENT_ERROR));
+    sql("PRAGMA user_version = 1");
+    EXPECT_EQ(startQueueManager(folder_, "QM1"), success());
+}
+
+TEST_F(Files, AForeignDatabaseIsRefusedAndLeftAlone)
+{
+    sql("PRAGMA application_id = 17; PRAGMA journal_mode = DELETE");
+    const auto size = std::filesystem::file_size(log());
+    EXPECT_EQ(startQueueManager(folder_, "QM1"), failure(MQRC_UNEXPECTED_ERROR));
+    EXPECT_EQ(std::filesystem::file_size(log()), size);
+    EXPECT_FALSE(std::filesystem::exists(log().string() + "-wal"));
+}
+
+TEST_F(Files, AFileThatIsNoDatabaseIsRefused)
+{
+    std::filesystem::remove(log().string() + "-wal");
+    std::filesystem::remove(log().string() + "-shm");
+    std::ofstream(log(), std::ios::trunc) << std::string(20'000, 'x');
+    std::filesystem::remove_all(live());
+    EXPECT_EQ(attach(folder_, "QM1").outcome, failure(MQRC_UNEXPECTED_ERROR));
+    EXPECT_EQ(stateOf(folder_, "QM1").outcome, failure(MQRC_UNEXPECTED_ERROR));
+    const auto all = listQueueManagers(folder_);
+    ASSERT_EQ(all.size(), 1U);
+    EXPECT_TRUE(all[0].outcome.failed());
+}
+
+TEST_F(Files, AnEmptyLogIsRefused)
+{
+    std::filesystem::remove(log().string() + "-wal");
+    std::filesystem::remove(log().string() + "-shm");
+    std::ofstream(log(), std::ios::trunc).flush();
+    std::filesystem::remove_all(live());
+    EXPECT_EQ(attach(folder_, "QM1").outcome, failure(MQRC_UNEXPECTED_ERROR));
+}
+
+TEST_F(Files, ADamagedMessageIsNoticedByItsChecksum)
+{
+    sql("UPDATE messages SET body = 'sofe'");
+    EXPECT_EQ(startQueueManager(folder_, "QM1"), failure(MQRC_UNEXPECTED_ERROR));
+    sql("UPDATE messages SET body = CAST('safe' AS BLOB)");
+    EXPECT_EQ(startQueueManager(folder_, "QM1"), success());
+    EXPECT_EQ(browse(*connect(), q1_), (Texts{"safe"}));
+}
+
+TEST_F(Files, ADamagedDefinitionIsNoticedByItsChecksum)
+{
+    sql("UPDATE definitions SET queue = 77 WHERE name = 'Q1'");
+    EXPECT_EQ(startQueueManager(folder_, "QM1"), failure(MQRC_UNEXPECTED_ERROR));
+}
+
+// Whatever happens to the live state while nobody has it open, it is thrown away and made again from the log.
+class LiveFiles : public Files {
+protected:
+    // Makes a life with nobody in it, outside this process, as after the death of all its users.
+    void live(const std::function<void()> &damage)
+    {
+        ASSERT_EQ(runProcess([&] {
+            if (startQueueManager(folder_, "QM1").failed()) return 1;
+            const auto attached = attach(folder_, "QM1");
+            if (attached.outcome.failed()) return 2;
+            return put(*attached.attachment, q1_, "unsafe") == success() ? 0 : 3;
+        }),
+                  0);
+        damage();
+    }
+    void expectRebuilt()
+    {
+        EXPECT_EQ(browse(*connect(), q1_), (Texts{"safe"}));
+        EXPECT_EQ(put(*connect(), q1_, "new", {.persistence = MQPER_PERSISTENT}), success());
+    }
+};
+
+TEST_F(LiveFiles, LeftByTheDeadAreUsedOn)
+{
+    live([] {});
+    EXPECT_EQ(browse(*connect(), q1_), (Texts{"safe", "unsafe"}));
+}
+
+TEST_F(LiveFiles, MissingAreRebuilt)
+{
+    live([this] { std::filesystem::remove_all(Files::live()); });
+    expectRebuilt();
+}
+
+TEST_F(LiveFiles, OfAnotherBootAreRebuilt)
+{
+    live([this] { overwrite(Files::live() / "control", 16, "00000000-0000"); });
+    expectRebuilt();
+}
+
+TEST_F(LiveFiles, WithAStampThatIsNotReadyAreRebuilt)
+{
+    live([this] { overwrite(Files::live() / "control", 12, std::string(1, '\0')); });
+    expectRebuilt();
+}
+
+TEST_F(LiveFiles, WithATruncatedControlBlockAreRebuilt)
+{
+    live([this] { std::filesystem::resize_file(Files::live() / "control", 100); });
+    expectRebuilt();
+}
+
+TEST_F(LiveFiles, WithATruncatedDataFileAreRebuilt)
+{
+    live([this] { std::filesystem::resize_file(Files::live() / "data.mdb", 12'288); });
+    expectRebuilt();
+}
+
+TEST_F(LiveFiles, WithAForeignDataFileAreRebuilt)
+{
+    live([this] { overwrite(Files::live() / "data.mdb", 0, std::string(16'384, 'x')); });
+    expectRebuilt();
+}
+
+TEST_F(LiveFiles, OfACopiedStoreAreRebuilt)
+{
+    live([] {});
+    const auto copy = folder_ / "COPY";
+    std::filesystem::copy(folder_ / "QM1", copy, std::filesystem::copy_options::recursive);
+    const auto a = connect("COPY");
+    EXPECT_EQ(browse(*a, q1_), (Texts{"safe"}));
+    EXPECT_EQ(browse(*connect(), q1_), (Texts{"safe", "unsafe"}));
+    ASSERT_EQ(put(*a, q1_, "only in the copy", {.persistence = MQPER_PERSISTENT}), success());
+    EXPECT_EQ(browse(*connect(), q1_), (Texts{"safe", "unsafe"}));
+}
+
+TEST_F(LiveFiles, RemovedUnderAConnectionEndItsPersistentWork)
+{
+    ASSERT_EQ(startQueueManager(folder_, "QM1"), success());
+    const auto old = connect();
+    std::filesystem::remove_all(Files::live());
+    const auto fresh = connect();
+    ASSERT_EQ(put(*fresh, q1_, "1", {.persistence = MQPER_PERSISTENT}), success());
+    EXPECT_EQ(put(*old, q1_, "2", {.persistence = MQPER_PERSISTENT}), failure(MQRC_CONNECTION_BROKEN));
+    EXPECT_EQ(old->state(), State::Ended);
+    EXPECT_EQ(browse(*fresh, q1_), (Texts{"safe", "1"}));
+}
+
+TEST_F(Files, OfAnotherUserAreNotAuthorized)
+{
+    // Root may read everything: the look is made by somebody else.
+    ASSERT_EQ(startQueueManager(folder_, "QM1"), success());
+    ASSERT_EQ(chmod(folder_.c_str(), 0755), 0);
+    if (geteuid() != 0) {
+        ASSERT_EQ(chmod((folder_ / "QM1").c_str(), 0), 0);
+    }
+    EXPECT_EQ(runProcess([&] {
+        if (geteuid() == 0 && setuid(65534) != 0) return 1;
+        return attach(folder_, "QM1").outcome == failure(MQRC_NOT_AUTHORIZED) ? 0 : 2;
+    }),
+              0);
+    chmod((folder_ / "QM1").c_str(), 0700);
+}
+
+} // namespace
+} // namespace mqrig::qmgr::store::test
