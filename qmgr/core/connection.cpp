@@ -1,12 +1,14 @@
 #include "qmgr/core/connection.h"
 
-#include <algorithm>
 #include <cstring>
+#include <filesystem>
+#include <string>
 #include <utility>
 
 #include "qmgr/core/connections.h"
 #include "qmgr/objects/object_name.h"
 #include "qmgr/store/paths.h"
+#include "qmgr/store/queue_managers.h"
 
 namespace mqrig::qmgr::core {
 namespace {
@@ -28,6 +30,15 @@ void makeIdentifier(MQBYTE *identifier, const char *product, const char *queueMa
     writeNumber(identifier + productLength + nameLength, number);
 }
 
+// A quiescing queue manager whose last program was killed has ended, and this look ends it.
+Outcome whenQuiescing(const std::filesystem::path &storeFolder, std::string_view queueManager)
+{
+    const std::string name(queueManager.empty() ? store::defaultQueueManager(storeFolder) : queueManager);
+    const store::StateOfQueueManager now = store::stateOf(storeFolder, name);
+    const bool ended = !now.outcome.failed() && now.state == store::State::Ended;
+    return failure(ended ? MQRC_Q_MGR_NOT_AVAILABLE : MQRC_Q_MGR_QUIESCING);
+}
+
 } // namespace
 
 Connection::Connection(std::unique_ptr<store::Attachment> attachment, const ConnectRequest &request)
@@ -46,7 +57,9 @@ void Connection::newIdentifier(MQBYTE24 &identifier) const
 
 Outcome connect(const ConnectRequest &request, MQHCONN &hconn)
 {
-    store::Attached attached = store::attach(store::defaultStoreFolder(), request.queueManager);
+    const std::filesystem::path storeFolder = store::defaultStoreFolder();
+    store::Attached attached = store::attach(storeFolder, request.queueManager);
+    if (attached.outcome.Reason == MQRC_Q_MGR_QUIESCING) return whenQuiescing(storeFolder, request.queueManager);
     if (attached.outcome.failed()) return attached.outcome;
     auto connection = std::make_unique<Connection>(std::move(attached.attachment), request);
     if (connection->catalog.queueManager() == nullptr) return failure(MQRC_OBJECT_DAMAGED);

@@ -1,0 +1,36 @@
+// Calls that are not built yet say so.
+#include "fixture.h"
+
+namespace mqrig::qmgr::testing {
+namespace {
+
+template <class... Arguments, class... Given>
+Codes answerOf(void (*call)(Arguments...) noexcept, Given... given)
+{
+    Codes codes;
+    call(given..., &codes.CompCode, &codes.Reason);
+    return codes;
+}
+
+TEST(NotSupported, EveryCallThatIsNotBuiltIs2298)
+{
+    constexpr Codes refused = failed(MQRC_FUNCTION_NOT_SUPPORTED);
+    MQHMSG hmsg = MQHM_NONE;
+    MQHOBJ hobj = MQHO_NONE;
+    EXPECT_EQ(answerOf(MQSET, 0, 0, 0, nullptr, 0, nullptr, 0, nullptr), refused);
+    EXPECT_EQ(answerOf(MQCRTMH, 0, nullptr, &hmsg), refused);
+    EXPECT_EQ(answerOf(MQDLTMH, 0, &hmsg, nullptr), refused);
+    EXPECT_EQ(answerOf(MQSETMP, 0, hmsg, nullptr, nullptr, nullptr, 0, 0, nullptr), refused);
+    EXPECT_EQ(answerOf(MQINQMP, 0, hmsg, nullptr, nullptr, nullptr, nullptr, 0, nullptr, nullptr), refused);
+    EXPECT_EQ(answerOf(MQDLTMP, 0, hmsg, nullptr, nullptr), refused);
+    EXPECT_EQ(answerOf(MQBUFMH, 0, hmsg, nullptr, nullptr, 0, nullptr, nullptr), refused);
+    EXPECT_EQ(answerOf(MQMHBUF, 0, hmsg, nullptr, nullptr, nullptr, 0, nullptr, nullptr), refused);
+    EXPECT_EQ(answerOf(MQCB, 0, 0, nullptr, hobj, nullptr, nullptr), refused);
+    EXPECT_EQ(answerOf(MQCTL, 0, 0, nullptr), refused);
+    EXPECT_EQ(answerOf(MQSTAT, 0, 0, nullptr), refused);
+    EXPECT_EQ(answerOf(MQSUB, 0, nullptr, &hobj, &hobj), refused);
+    EXPECT_EQ(answerOf(MQSUBRQ, 0, hobj, 0, nullptr), refused);
+}
+
+} // namespace
+} // namespace mqrig::qmgr::testing
