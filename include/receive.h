@@ -21,8 +21,12 @@ Status GetMQMessage2(RunParams *params, MQHCONN hconn, MQLONG messageNumber);
 Status MQSeriesReceive(MQHCONN hconn, MQHOBJ hobj, RunParams *params, char *buffer, MQLONG bufferLength,
                        MQLONG *dataLength);
 
+/// A data length that stands for no message: none was there, or the user did not want the file to be overwritten.
+inline constexpr MQLONG NothingGot = -1;
+
 Status GetToFile(RunParams *params, MQHCONN hconn);
-/// `buffer`, when given, is the caller's, of `MaxMsgSize` + 1 bytes; `lengthOut`, when given, gets the data length.
+/// `buffer`, when given, is the caller's, of `MaxMsgSize` + 1 bytes; `lengthOut`, when given, gets the data length, or
+/// `NothingGot`.
 Status GetToFile2(RunParams *params, MQHCONN hconn, MQLONG ownUnitOfWork, MQLONG messageNumber, char *buffer,
                   MQLONG *lengthOut);
 Status GetToDir(RunParams *params, MQHCONN hconn);

@@ -1,7 +1,7 @@
 #include "display.h"
 
 #include "common.h"
-#include "display/shown_length.h"
+#include "display/shown_body.h"
 
 #include <charconv>
 #include <cstring>
@@ -69,19 +69,13 @@ Status dsp_message(RunParams *params, const void *data, MQLONG length, int kind,
     if (locked.status() != StatusOk) return StatusLocalFailure;
     dsp_timestamp(params);
 
-    // What is usually shown fits here; only a longer display asks for memory.
-    char usual[1024];
-    Buffer<> large;
-    char *text = usual;
-    if (const std::size_t size = converted_size(shown); size > sizeof usual) {
-        large = checked_malloc(nullptr, size, {"dsp_message"});
-        if (large == nullptr) return StatusLocalFailure;
-        text = large.get();
-    }
     // The way the message was entered decides its form; -raw and -hex speak of messages got.
-    std::size_t end = cnvrtmsg(data, text, shown, params->MsgHex != nullptr ? OutputFormHex : OutputFormText);
-    text[end++] = '\n';
+    ShownBody body;
+    if (body.convert(data, shown, params->MsgHex != nullptr ? OutputFormHex : OutputFormText, {"dsp_message"}) !=
+        StatusOk) {
+        return StatusLocalFailure;
+    }
     head.write();
-    std::fwrite(text, 1, end, stdout);
+    body.write();
     return locked.release();
 }

@@ -2,40 +2,12 @@
 #include "receive.h"
 
 #include "common.h"
-#include "display/shown_length.h"
 #include "mqicalls.h"
 #include "receive/show_received.h"
 
 namespace {
 
-struct Buffers {
-    Buffer<> message;
-    Buffer<> converted;
-
-    bool allocate(RunParams *params)
-    {
-        message = checked_malloc(params, static_cast<std::size_t>(params->MaxMsgSize) + 1, {"GetMQMessage"});
-        if (message == nullptr) return false;
-        converted = checked_malloc(params, converted_size(params->MaxMsgSize), {"GetMQMessage"});
-        return converted != nullptr;
-    }
-};
-
-/// Shows one message inside the output lock, so that the lines of threads do not mix.
-Status show(RunParams *params, MQHCONN hconn, const ReceivedMessage &message, MQLONG received, MQLONG lineNumber,
-            char *converted)
-{
-    LockedSection locked(params);
-    if (locked.status() != StatusOk) return StatusLocalFailure;
-    if (detail_level(params) != 0) {
-        show_in_detail(params, hconn, message, received);
-    } else {
-        show_on_one_line(params, message, lineNumber, converted);
-    }
-    return locked.release();
-}
-
-Status get_messages(RunParams *params, MQHCONN hconn, MQHOBJ hobj, const Buffers &buffers, MQLONG messageNumber)
+Status get_messages(RunParams *params, MQHCONN hconn, MQHOBJ hobj, const ReceiveBuffers &buffers, MQLONG messageNumber)
 {
     const RunRecord snapshot = params->snapshot();
     MQLONG received = 0;
@@ -50,7 +22,7 @@ Status get_messages(RunParams *params, MQHCONN hconn, MQHOBJ hobj, const Buffers
 
         const MQLONG lineNumber = messageNumber != 0 ? messageNumber : shown + 1;
         if (shows_numbered_line(params)) ++shown;
-        if (show(params, hconn, message, received, lineNumber, buffers.converted.get()) != StatusOk) {
+        if (show_received(params, hconn, message, received, lineNumber, buffers.converted.get()) != StatusOk) {
             return StatusLocalFailure;
         }
         if (params->GetRepeatedly == 0 && params->MsgCount <= received) return StatusOk;
@@ -63,10 +35,7 @@ Status get_messages(RunParams *params, MQHCONN hconn, MQHOBJ hobj, const Buffers
 
 Status GetMQMessage2(RunParams *params, MQHCONN hconn, MQLONG messageNumber)
 {
-    if (params->BrowseMode != 0) {
-        params->OpenOptions |= MQOO_BROWSE;
-        params->Gmo.Options |= MQGMO_BROWSE_NEXT;
-    }
+    browse_if_asked(params);
     const bool openedHere = params->InputHobj == 0;
     MQHOBJ hobj = params->InputHobj;
     if (openedHere && MQSeriesQOpenForInput(hconn, &hobj, params) != StatusOk) return StatusLocalFailure;
@@ -76,8 +45,8 @@ Status GetMQMessage2(RunParams *params, MQHCONN hconn, MQLONG messageNumber)
     Status status = wantsHandle && !madeHandle ? StatusLocalFailure : StatusOk;
     if (status == StatusOk) {
         if (madeHandle) params->Gmo.MsgHandle = params->MsgHandle;
-        Buffers buffers;
-        if (!buffers.allocate(params)) return StatusLocalFailure;
+        ReceiveBuffers buffers;
+        if (!buffers.allocate(params, {"GetMQMessage"})) return StatusLocalFailure;
         if (params->MsgCount == 0) params->MsgCount = 1;
         status = begin_unit_of_work(params);
         if (status == StatusOk) status = get_messages(params, hconn, hobj, buffers, messageNumber);

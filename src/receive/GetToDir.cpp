@@ -1,8 +1,6 @@
 #include "receive.h"
 
-#include "common.h"
-
-Status GetToDir(RunParams *, MQHCONN)
+Status GetToDir(RunParams *params, MQHCONN hconn)
 {
-    return not_built_yet("GetToDir");
+    return GetToDir2(params, hconn, 1, 0, nullptr, nullptr);
 }

@@ -1,8 +1,6 @@
 #include "receive.h"
 
-#include "common.h"
-
-Status GetToFile(RunParams *, MQHCONN)
+Status GetToFile(RunParams *params, MQHCONN hconn)
 {
-    return not_built_yet("GetToFile");
+    return GetToFile2(params, hconn, 1, 0, nullptr, nullptr);
 }

@@ -1,12 +1,14 @@
 #include "receive/show_received.h"
 
-#include "common.h"
 #include "display.h"
 #include "display/shown_length.h"
 
 #include <algorithm>
 #include <cstring>
 
+namespace {
+
+/// Descriptor, properties and body.
 void show_in_detail(RunParams *params, MQHCONN hconn, const ReceivedMessage &message, MQLONG number)
 {
     dsp_tid(params);
@@ -22,6 +24,7 @@ void show_in_detail(RunParams *params, MQHCONN hconn, const ReceivedMessage &mes
     std::putchar('\n');
 }
 
+/// Or the bare bytes with -raw.
 void show_on_one_line(RunParams *params, const ReceivedMessage &message, MQLONG number, char *converted)
 {
     const MQLONG received = std::min(message.length, params->MaxMsgSize);
@@ -34,4 +37,34 @@ void show_on_one_line(RunParams *params, const ReceivedMessage &message, MQLONG 
     std::size_t end = cnvrtmsg(message.data, converted, shown_length(params, received), params->OutputForm);
     converted[end++] = '\n';
     std::fwrite(converted, 1, end, stdout);
+}
+
+} // namespace
+
+bool ReceiveBuffers::allocate(RunParams *params, Caller caller)
+{
+    message = checked_malloc(params, static_cast<std::size_t>(params->MaxMsgSize) + 1, caller);
+    if (message == nullptr) return false;
+    converted = checked_malloc(params, converted_size(params->MaxMsgSize), caller);
+    return converted != nullptr;
+}
+
+void browse_if_asked(RunParams *params)
+{
+    if (params->BrowseMode == 0) return;
+    params->OpenOptions |= MQOO_BROWSE;
+    params->Gmo.Options |= MQGMO_BROWSE_NEXT;
+}
+
+Status show_received(RunParams *params, MQHCONN hconn, const ReceivedMessage &message, MQLONG received,
+                     MQLONG lineNumber, char *converted)
+{
+    LockedSection locked(params);
+    if (locked.status() != StatusOk) return StatusLocalFailure;
+    if (detail_level(params) != 0) {
+        show_in_detail(params, hconn, message, received);
+    } else {
+        show_on_one_line(params, message, lineNumber, converted);
+    }
+    return locked.release();
 }

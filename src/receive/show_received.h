@@ -2,6 +2,7 @@
 #pragma once
 
 #include "RunParams.h"
+#include "common.h"
 #include "status.h"
 
 /// A message in a buffer of `MaxMsgSize` + 1 bytes.
@@ -28,9 +29,19 @@ constexpr bool has_properties_in_handle(const RunParams *params)
     return (params->Gmo.Options & MQGMO_PROPERTIES_IN_HANDLE) != 0;
 }
 
-/// Descriptor, properties and body in detail, headed by the message number. The caller holds the output lock.
-void show_in_detail(RunParams *params, MQHCONN hconn, const ReceivedMessage &message, MQLONG number);
+/// What a loop that shows messages gets them into: the body, and room for its conversion.
+struct ReceiveBuffers {
+    Buffer<> message;
+    Buffer<> converted;
 
-/// The one-line display, or the bare bytes with -raw. `converted` has room for `converted_size(MaxMsgSize)` bytes. The
-/// caller holds the output lock.
-void show_on_one_line(RunParams *params, const ReceivedMessage &message, MQLONG number, char *converted);
+    /// For messages of `MaxMsgSize`. False after the report, as `caller`.
+    bool allocate(RunParams *params, Caller caller);
+};
+
+/// With -br and -brv, opening and getting browse.
+void browse_if_asked(RunParams *params);
+
+/// Shows one message inside the output lock, so that the lines of threads do not mix: in detail, headed by the number
+/// `received`, or on one line, headed by `lineNumber`. `converted` has room for `converted_size(MaxMsgSize)` bytes.
+Status show_received(RunParams *params, MQHCONN hconn, const ReceivedMessage &message, MQLONG received,
+                     MQLONG lineNumber, char *converted);

@@ -19,8 +19,8 @@ Status Applsegmentation(RunParams *params, MQHCONN hconn, MQHOBJ hobj, const cha
         // In logical order the queue manager keeps the offsets.
         if ((params->Pmo.Options & MQPMO_LOGICAL_ORDER) == 0) params->Md.Offset = offset;
 
-        const Status shown = dsp_message(params, data + offset, segment, DisplaySegment, number,
-                                         static_cast<MQULONG>(messageIndex));
+        const Status shown =
+            dsp_message(params, data + offset, segment, DisplaySegment, number, static_cast<MQULONG>(messageIndex));
         if (shown != StatusOk) return shown;
         if (logicalNumber != 1 || offset != 0) describe_without_header(params);
         const Status put = MQSeriesPut(hconn, hobj, params, data + offset, segment);

@@ -71,8 +71,8 @@ Status PutFromDir2(RunParams *params, MQHCONN hconn, MQLONG ownUnitOfWork, MQLON
     if (cursor == nullptr) {
         opened.reset(opendir(params->InputDir));
         if (opened == nullptr) {
-            report_failure(params, {"PutFromDir"}, "opendir()", errno,
-                           "opendir() failed. cannot open directory=%s\n", params->InputDir);
+            report_failure(params, {"PutFromDir"}, "opendir()", errno, "opendir() failed. cannot open directory=%s\n",
+                           params->InputDir);
             return StatusLocalFailure;
         }
         if (params->OutputHobj == 0) {

@@ -15,6 +15,6 @@ struct CloseDirectory {
 using InputStream = std::unique_ptr<std::FILE, CloseFile>;
 using DirectoryStream = std::unique_ptr<DIR, CloseDirectory>;
 
-/// The file opened for reading, or null with errno; a directory is no file. Never waits: a named pipe that nobody writes to opens at once, and
-/// is refused later because its size cannot be taken.
+/// The file opened for reading, or null with errno; a directory is no file. Never waits: a named pipe that nobody
+/// writes to opens at once, and is refused later because its size cannot be taken.
 InputStream open_input_file(const char *name);

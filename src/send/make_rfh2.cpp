@@ -25,9 +25,8 @@ Buffer<> make_fixed_part(RunParams *params)
     Buffer<> header = checked_malloc(params, sizeof(MQRFH2), {"make_rfh2"});
     if (header == nullptr) return nullptr;
     MQRFH2 rfh2 = params->Rfh2;
-    for (MQLONG MQRFH2::*const field :
-         {&MQRFH2::Version, &MQRFH2::StrucLength, &MQRFH2::Encoding, &MQRFH2::CodedCharSetId, &MQRFH2::Flags,
-          &MQRFH2::NameValueCCSID}) {
+    for (MQLONG MQRFH2::*const field : {&MQRFH2::Version, &MQRFH2::StrucLength, &MQRFH2::Encoding,
+                                        &MQRFH2::CodedCharSetId, &MQRFH2::Flags, &MQRFH2::NameValueCCSID}) {
         rfh2.*field = reverseEndian(rfh2.*field, params);
     }
     std::memcpy(header.get(), &rfh2, sizeof rfh2);

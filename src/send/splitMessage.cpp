@@ -81,8 +81,7 @@ Status put_piece(RunParams *params, MQHCONN hconn, MQHOBJ hobj, const char *data
 
 } // namespace
 
-Status splitMessage(RunParams *params, MQHCONN hconn, MQHOBJ hobj, const char *data, MQLONG length,
-                    MQLONG messageIndex)
+Status splitMessage(RunParams *params, MQHCONN hconn, MQHOBJ hobj, const char *data, MQLONG length, MQLONG messageIndex)
 {
     const RunRecord snapshot = params->snapshot();
     // The pieces come out of a copy: the body is put again in the next round, and the prototype of MQPUT lets the MQI
