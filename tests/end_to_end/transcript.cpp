@@ -35,6 +35,7 @@ std::string patternOf(const std::string &line, const std::filesystem::path &stor
     const std::pair<std::string, std::string> placeholders[] = {
         {"{date}", "\\d{4}-\\d{2}-\\d{2}"},
         {"{time}", "\\d{2}\\.\\d{2}\\.\\d{2}"},
+        {"{stamp}", "\\[\\d\\d/\\d\\d/\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{9}\\]"},
         {"{number}", "\\d+"},
         {"{store}", escaped(store.string())},
         {"{any}", ".*"},
@@ -58,7 +59,7 @@ std::string patternOf(const std::string &line, const std::filesystem::path &stor
 
 TemporaryFolder::TemporaryFolder()
 {
-    char pattern[] = "/tmp/mqrig-rigqm-XXXXXX";
+    char pattern[] = "/tmp/mqrig-end-to-end-XXXXXX";
     const char *made = mkdtemp(pattern);
     if (made == nullptr) throw std::runtime_error("mkdtemp failed");
     path_ = made;
@@ -75,7 +76,9 @@ CommandResult runShell(const std::string &command, const std::string &input, con
     const TemporaryFolder files;
     std::ofstream(files.path() / "in", std::ios::binary) << input;
     const std::string line = "cd '" + files.path().string() + "' && export MQRIG_STORE='" + store.string() +
-                             "' PATH='" BIN_FOLDER ":'\"$PATH\" LC_ALL=C && { " + command + "\n} <in >out 2>err";
+                             "' PATH='" BIN_FOLDER ":'\"$PATH\" LD_LIBRARY_PATH='" MQI_LIBRARY_FOLDER
+                             "' OTHER_MQI_LIBRARY='" OTHER_MQI_LIBRARY_FOLDER "' LC_ALL=C TZ=UTC && { " + command +
+                             "\n} <in >out 2>err";
     const int status = std::system(line.c_str());
     CommandResult result;
     result.output = contentOf(files.path() / "out");

@@ -9,8 +9,10 @@ namespace {
 std::vector<std::string> transcripts()
 {
     std::vector<std::string> names;
-    for (const auto &entry : std::filesystem::directory_iterator(TRANSCRIPT_FOLDER))
-        if (entry.path().extension() == ".transcript") names.push_back(entry.path().stem().string());
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(TRANSCRIPT_FOLDER)) {
+        if (entry.path().extension() != ".transcript") continue;
+        names.push_back(std::filesystem::relative(entry.path(), TRANSCRIPT_FOLDER).replace_extension().string());
+    }
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -45,7 +47,14 @@ TEST_P(Transcript, HoldsToTheEnd)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Rigqm, Transcript, testing::ValuesIn(transcripts()),
-                         [](const auto &transcript) { return transcript.param; });
+// "mqrig/put_and_get" becomes mqrig_put_and_get.
+std::string testName(const testing::TestParamInfo<std::string> &info)
+{
+    std::string name = info.param;
+    std::replace(name.begin(), name.end(), '/', '_');
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(EndToEnd, Transcript, testing::ValuesIn(transcripts()), testName);
 
 } // namespace

@@ -7,8 +7,9 @@
 //   ! a line of its standard error
 //   ? 1                         its exit code; 0 without this line
 //
-// In expected lines {date} stands for 2026-11-21, {time} for 09.30.05, {number} for digits, {store} for the store's
-// folder and {any} for anything.
+// In expected lines {date} stands for 2026-11-21, {time} for 09.30.05, {stamp} for the time stamp of a report line,
+// {number} for digits, {store} for the store's folder and {any} for anything. Empty lines at the end of what a command
+// writes part the steps for the eye.
 #pragma once
 
 #include <filesystem>
@@ -21,7 +22,8 @@ struct CommandResult {
     int exitCode = -1; // 128 + signal where one killed it
 };
 
-// Runs a shell command with rigqm on the path and this store, in it as working folder.
+// Runs a shell command in a new working folder, with mqrig and rigqm on the path, on the embedded queue manager with
+// this store. $OTHER_MQI_LIBRARY is the folder of another libmqm_r.so.
 CommandResult runShell(const std::string &command, const std::string &input, const std::filesystem::path &store);
 
 struct TranscriptStep {
