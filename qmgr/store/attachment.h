@@ -13,7 +13,7 @@
 // A get that may look long before it finds should choose inside read, and find() its choice again inside update.
 //
 // Threads: one call at a time, except for the constant-time observers marked [any], which any thread may use at any
-// time while the attachment lives. Nothing throws.
+// time while the attachment lives. Nothing throws but std::bad_alloc, and that leaves everything whole.
 #pragma once
 
 #include <chrono>

@@ -142,9 +142,7 @@ Outcome Store::finishLogged()
     }
     if (row.state == State::Quiescing) control().state = State::Quiescing;
     if (const Outcome reloaded = reloadDefinitions(); reloaded.failed()) return reloaded;
-    if (const Outcome flipped = flip(row.ticket); flipped.failed()) return flipped;
-    control().logUnfinished = 0;
-    return success();
+    return flip(row.ticket);
 }
 
 std::vector<Store::PreparedUnit> Store::preparedUnits(Outcome &outcome)
@@ -208,7 +206,11 @@ Outcome Store::logUnits(std::span<const PreparedUnit> units)
         return copied;
     }
     log_->advance(control().stamp.generation, units.back().ticket);
-    return log_->commit();
+    // From here until the flip the log is ahead of the live state. Noted before it is, for whatever may go wrong.
+    control().logUnfinished = 1;
+    const Outcome committed = log_->commit();
+    if (leftTheLogAsItWas(committed)) control().logUnfinished = 0;
+    return committed;
 }
 
 // Log lock held. Logs and flips everything that is prepared; undoes what the log cannot take.
@@ -280,10 +282,8 @@ Outcome Store::flip(Ticket upTo)
             transaction.erase(LiveKey::unit(ticket));
         }
     });
-    if (flipped.failed()) {
-        control().logUnfinished = 1;
-        return flipped;
-    }
+    if (flipped.failed()) return flipped;
+    control().logUnfinished = 0;
     for (Ticket before = control().flipped; before < upTo;) {
         if (control().flipped.compare_exchange_weak(before, upTo)) break;
     }

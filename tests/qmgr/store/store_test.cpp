@@ -67,7 +67,7 @@ MessageHeader headerOf(const Wanted &wanted)
     header.md.Version = MQMD_VERSION_2;
     header.md.Persistence = wanted.persistence;
     header.md.Priority = wanted.priority;
-    const auto fill = [](MQBYTE *id, std::string_view text) { std::memcpy(id, text.data(), std::min<std::size_t>(text.size(), 24)); };
+    const auto fill = [](MQBYTE *id, std::string_view text) { text.copy(reinterpret_cast<char *>(id), 24); };
     fill(header.md.MsgId, wanted.msgId);
     fill(header.md.CorrelId, wanted.correlId);
     fill(header.md.GroupId, wanted.groupId);
