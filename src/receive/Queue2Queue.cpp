@@ -129,16 +129,14 @@ Status end_message(Transfer &transfer, Status status)
 /// Puts for the message got and ends its unit of work.
 Status answer_message(Transfer &transfer, MQLONG length, MQLONG n)
 {
+    if (transfer.target == Target::Named) return end_message(transfer, put_message(transfer, length, n));
+
     RunParams *const put = transfer.put;
     const ReplyNames names(transfer.get->Md);
-    const bool replies = transfer.target != Target::Named;
-    if (replies && open_reply_target(transfer, names) != StatusOk) return end_message(transfer, StatusLocalFailure);
-
-    Status status = end_message(transfer, put_message(transfer, length, n));
-    if (replies) {
-        if (MQSeriesQClose(transfer.hconn, &put->OutputHobj, put) != StatusOk) status = StatusLocalFailure;
-        put->OutputHobj = 0;
-    }
+    const bool opened = open_reply_target(transfer, names) == StatusOk;
+    Status status = end_message(transfer, opened ? put_message(transfer, length, n) : StatusLocalFailure);
+    if (opened && MQSeriesQClose(transfer.hconn, &put->OutputHobj, put) != StatusOk) status = StatusLocalFailure;
+    put->OutputHobj = 0;
     put->QName = transfer.get->OutputQName; // the names of the reply end here
     return status;
 }

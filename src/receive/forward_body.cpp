@@ -32,7 +32,7 @@ Status show_forwarded(RunParams *getParams, const RunParams *putParams, const ch
 Status forward_body(RunParams *getParams, MQHCONN hconn, RunParams *putParams, char *buffer, MQLONG length,
                     MQLONG number)
 {
-    const MQLONG received = std::min(length, getParams->MaxMsgSize);
+    const MQLONG received = std::clamp(length, 0, getParams->MaxMsgSize);
     const MQLONG putLength = putParams->MsgLength >= 0 ? putParams->MsgLength : received;
 
     // The body is put from where it was got; only what the buffer cannot hold needs one of its own.

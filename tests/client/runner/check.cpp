@@ -1,6 +1,7 @@
 #include "check.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -86,6 +87,21 @@ std::string compareFile(const std::string &name, const Lines &expected, const st
     return matches(expected, actual) ? "" : "file " + name + ":\n" + difference(expected, actual);
 }
 
+std::string compareFolder(const std::string &name, const Lines &expected, const std::string &folder)
+{
+    std::error_code error;
+    std::vector<std::string> names;
+    for (const auto &entry : std::filesystem::directory_iterator(folder + "/" + name, error)) {
+        names.push_back(entry.path().filename().string());
+    }
+    if (error) return "folder " + name + " is not there\n";
+    std::sort(names.begin(), names.end());
+    std::string text;
+    for (const std::string &entry : names) text += entry + "\n";
+    const Lines actual = linesOf(text);
+    return matches(expected, actual) ? "" : "folder " + name + ":\n" + difference(expected, actual);
+}
+
 } // namespace
 
 std::vector<RecordedCall> readRecord(const std::string &record, Lines &unusedRules)
@@ -131,6 +147,10 @@ std::string check(const Run &run, const Outcome &outcome, const std::string &fol
     for (const CallsExpectation &expectation : run.calls) report += compareCalls(expectation, record);
     for (const std::string &rule : unusedRules) report += "the script's " + rule + "\n";
     for (const auto &[name, lines] : run.filesAfter) report += compareFile(name, lines, folder);
+    for (const auto &[name, lines] : run.foldersAfter) report += compareFolder(name, lines, folder);
+    for (const std::string &name : run.absentAfter) {
+        if (std::filesystem::exists(folder + "/" + name)) report += name + " is there\n";
+    }
     return report;
 }
 

@@ -2,14 +2,18 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <poll.h>
 #include <stdexcept>
 #include <sys/ioctl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -90,6 +94,25 @@ void writeFile(const std::string &path, const std::string &contents)
     if (!file.flush()) throw std::runtime_error("cannot write " + path);
 }
 
+// A second run of a case finds what the first one left.
+void make(const Node &node, const std::string &path)
+{
+    switch (node.kind) {
+    case Node::Kind::File:
+        return writeFile(path, node.contents);
+    case Node::Kind::Folder:
+        std::filesystem::create_directories(path);
+        return;
+    case Node::Kind::Link:
+        std::filesystem::remove(path);
+        return std::filesystem::create_symlink(node.contents, path);
+    case Node::Kind::Pipe:
+        std::filesystem::remove(path);
+        checked(::mkfifo(path.c_str(), 0600), "mkfifo");
+        return;
+    }
+}
+
 std::string readFile(const std::string &path)
 {
     std::ifstream file(path, std::ios::binary);
@@ -142,16 +165,23 @@ struct Client {
 };
 
 [[noreturn]] void becomeClient(const Client &client, int in, int out, int err, const std::string &folder,
-                               const Programs &programs, std::vector<std::string> arguments,
-                               std::vector<std::string> variables)
+                               const Programs &programs, const Run &run, std::vector<std::string> variables)
 {
     if (client.pty.slave.isOpen()) {
         ::setsid();
         ::ioctl(client.pty.slave.get(), TIOCSCTTY, 0);
     }
+    if (run.setup.fileSizeLimit >= 0) {
+        // Without the signal, writing beyond the limit is an error like that of a full disk.
+        ::signal(SIGXFSZ, SIG_IGN);
+        const auto most = static_cast<rlim_t>(run.setup.fileSizeLimit);
+        const rlimit limit{most, most};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
     ::dup2(in, STDIN_FILENO);
     ::dup2(out, STDOUT_FILENO);
     ::dup2(err, STDERR_FILENO);
+    std::vector<std::string> arguments = run.arguments;
     auto argv = pointersTo(arguments);
     auto envp = pointersTo(variables);
     if (::chdir(folder.c_str()) == 0) ::execve(programs.client.c_str(), argv.data(), envp.data());
@@ -171,7 +201,7 @@ Client start(const Run &run, bool onTerminal, const Programs &programs, const st
     auto variables = environment(run.setup, programs, folder);
     client.pid = checked(::fork(), "fork");
     if (client.pid == 0) {
-        becomeClient(client, clientIn, clientOut, clientErr, folder, programs, run.arguments, std::move(variables));
+        becomeClient(client, clientIn, clientOut, clientErr, folder, programs, run, std::move(variables));
     }
     if (!onTerminal) {
         client.in = std::move(in.write);
@@ -308,7 +338,7 @@ Outcome runClient(const Run &run, bool onTerminal, const Programs &programs, con
 {
     writeFile(folder + "/script", run.setup.script);
     ::unlink((folder + "/record").c_str());
-    for (const auto &[name, contents] : run.setup.files) writeFile(folder + "/" + name, contents);
+    for (const Node &node : run.setup.nodes) make(node, folder + "/" + node.name);
     Client client = start(run, onTerminal, programs, folder);
     termios before{};
     if (onTerminal) {

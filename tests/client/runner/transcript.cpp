@@ -100,7 +100,17 @@ private:
             }
         } else if (line.starts_with("file ") && line.ends_with(":") && !line.ends_with(" holds:")) {
             const std::string name = line.substr(5, line.size() - 6);
-            setup_.files.emplace_back(name, joined(block()));
+            setup_.nodes.push_back({Node::Kind::File, name, joined(block())});
+        } else if (line.starts_with("file ") && !line.ends_with(":")) {
+            node(Node::Kind::File, words(line.substr(5)), 2);
+        } else if (line.starts_with("folder ") && !line.ends_with(":")) {
+            node(Node::Kind::Folder, words(line.substr(7)), 1);
+        } else if (line.starts_with("link ")) {
+            node(Node::Kind::Link, words(line.substr(5)), 2);
+        } else if (line.starts_with("pipe ")) {
+            node(Node::Kind::Pipe, words(line.substr(5)), 1);
+        } else if (line.starts_with("limit files to ") && line.ends_with(" bytes")) {
+            setup_.fileSizeLimit = number(line.substr(15, line.size() - 15 - 6));
         } else if (line.starts_with("stdin ")) {
             setup_.input = words(line.substr(6)).at(0);
         } else if (line == "merged") {
@@ -123,6 +133,21 @@ private:
             return false;
         }
         return true;
+    }
+
+    void node(Node::Kind kind, std::vector<std::string> parts, std::size_t count)
+    {
+        if (parts.size() != count) fault("a file and a link take a name and what it holds, a folder and a pipe a name");
+        parts.resize(2);
+        setup_.nodes.push_back({kind, parts[0], parts[1]});
+    }
+
+    long long number(const std::string &text) const
+    {
+        long long value = 0;
+        const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+        if (error != std::errc() || stop != text.data() + text.size()) fault("not a number: " + text);
+        return value;
     }
 
     void reaction(const std::vector<std::string> &parts)
@@ -154,6 +179,10 @@ private:
             run.calls.push_back(calls(words(line.substr(5, line.size() - 6))));
         } else if (line.starts_with("file ") && line.ends_with(" holds:")) {
             run.filesAfter.emplace_back(line.substr(5, line.size() - 5 - 7), block());
+        } else if (line.starts_with("folder ") && line.ends_with(" has:")) {
+            run.foldersAfter.emplace_back(line.substr(7, line.size() - 7 - 5), block());
+        } else if (line.starts_with("nothing at ")) {
+            run.absentAfter.push_back(words(line.substr(11)).at(0));
         } else {
             return false;
         }

@@ -16,13 +16,22 @@ struct Reaction {
     std::string fileName; // or a file that is made, empty
 };
 
+// Something in the working folder before the run: a file with its contents, a link with its target, a folder, a pipe.
+struct Node {
+    enum class Kind { File, Folder, Link, Pipe };
+    Kind kind;
+    std::string name;
+    std::string contents;
+};
+
 enum class Terminal { Never, Only, Both };
 
 // How the client is run. It holds from where it stands to the end of the case.
 struct Setup {
     std::string script;
     std::vector<std::pair<std::string, std::string>> environment;
-    std::vector<std::pair<std::string, std::string>> files;
+    std::vector<Node> nodes; // made in the working folder, in this order
+    long long fileSizeLimit = -1; // what no file of the client may grow beyond
     std::string input;
     bool merged = false;
     Terminal terminal = Terminal::Never;
@@ -54,6 +63,8 @@ struct Run {
     std::optional<std::vector<std::string>> order;
     std::vector<CallsExpectation> calls;
     std::vector<std::pair<std::string, Lines>> filesAfter;
+    std::vector<std::pair<std::string, Lines>> foldersAfter; // the names in them, sorted
+    std::vector<std::string> absentAfter;
 };
 
 struct Case {
