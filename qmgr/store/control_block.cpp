@@ -127,8 +127,7 @@ bool ControlMapping::declareReady(const std::filesystem::path &live)
     struct stat data{};
     if (stat((live / "data.mdb").c_str(), &data) != 0) return false;
     block_->stamp.dataInode = data.st_ino;
-    std::atomic_thread_fence(std::memory_order_seq_cst);
-    block_->stamp.ready = 1;
+    std::atomic_ref(block_->stamp.ready).store(1, std::memory_order_release);
     return true;
 }
 
