@@ -54,7 +54,7 @@ public:
 private:
     void character(char shown) { characters_[column_++] = shown; }
 
-    char hex_[4 * (Columns + MB_LEN_MAX) + 2 * MB_LEN_MAX];
+    char hex_[6 * (Columns + MB_LEN_MAX)];
     char characters_[Columns + MB_LEN_MAX];
     std::size_t hexLength_ = 0;
     std::size_t column_ = 0;

@@ -1,5 +1,7 @@
 #include "calls_test.h"
 
+#include "captured.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
@@ -92,9 +94,28 @@ std::string OutputFile::handed_on() const
     return without_time(text);
 }
 
+UnavailableLock::UnavailableLock(RunParams &params)
+{
+    pthread_mutexattr_t attributes;
+    pthread_mutexattr_init(&attributes);
+    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK);
+    pthread_mutex_init(&lock_, &attributes);
+    pthread_mutexattr_destroy(&attributes);
+    pthread_mutex_lock(&lock_);
+    params.ThreadCount = 1;
+    params.OutputLock = &lock_;
+}
+
+UnavailableLock::~UnavailableLock()
+{
+    pthread_mutex_unlock(&lock_);
+    pthread_mutex_destroy(&lock_);
+}
+
 CallsTest::CallsTest()
 {
     fakeMqi = {};
+    intercepted = {};
     params = DEFAULT_RUN_PARAMS;
     params.QMgrName = "QM1";
     params.QName = "Q1";
@@ -110,14 +131,10 @@ CallsTest::~CallsTest()
 Written CallsTest::written(const std::function<Status()> &work) const
 {
     Written written;
-    std::fflush(stdout);
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    written.status = work();
+    const Captured both = captured([&] { written.status = work(); });
     let_malloc_succeed();
-    std::fflush(stdout);
-    written.out = without_time(testing::internal::GetCapturedStdout());
-    written.err = without_lines(testing::internal::GetCapturedStderr());
+    written.out = without_time(both.out);
+    written.err = without_lines(both.err);
     return written;
 }
 

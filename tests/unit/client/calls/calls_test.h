@@ -9,9 +9,24 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <pthread.h>
 #include <string>
+#include <vector>
 
-/// Allocations that are to fail; see failing_malloc.cpp.
+/// Calls that never reach the system; see intercepted.cpp.
+struct Intercepted {
+    struct Sleep {
+        std::size_t callsBefore; ///< MQI calls made before it
+        MQLONG milliseconds;
+        bool operator==(const Sleep &) const = default;
+    };
+    int yields = 0;
+    int yieldError = 0; ///< errno of a yield that is to fail
+    std::vector<Sleep> sleeps;
+};
+extern Intercepted intercepted;
+
+/// Allocations that are to fail.
 void fail_malloc_of(std::size_t size);
 void let_malloc_succeed();
 
@@ -32,6 +47,18 @@ public:
 private:
     int file_;
     int saved_;
+};
+
+/// Gives a record of a thread an output lock that cannot be had: this thread holds it, and it is not recursive.
+class UnavailableLock {
+public:
+    explicit UnavailableLock(RunParams &params);
+    ~UnavailableLock();
+    UnavailableLock(const UnavailableLock &) = delete;
+    UnavailableLock &operator=(const UnavailableLock &) = delete;
+
+private:
+    pthread_mutex_t lock_;
 };
 
 struct Written {

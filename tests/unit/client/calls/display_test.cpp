@@ -224,6 +224,23 @@ TEST_F(DisplayTest, NoRawBytesForALengthOfZeroOrLess)
               "");
 }
 
+TEST_F(DisplayTest, LineThatCannotHaveTheLockIsNotWritten)
+{
+    const UnavailableLock lock(params);
+    const Written message = display(DisplayPutMessage, "abc", -1, 0);
+    EXPECT_EQ(message.status, 1);
+    EXPECT_EQ(message.out, "");
+}
+
+TEST_F(DisplayTest, FileLineThatCannotHaveTheLockIsNotWritten)
+{
+    const UnavailableLock lock(params);
+    params.InputFile = "dir/file";
+    const Written file = display(DisplayPutFile, "", -1, 0);
+    EXPECT_EQ(file.status, 1);
+    EXPECT_EQ(file.out, "");
+}
+
 TEST_F(DisplayTest, LongIsEightUpperCaseDigits)
 {
     EXPECT_EQ(written_by([&] { printMQLong2Hex(0xABC, &params); }).out, "00000ABC");

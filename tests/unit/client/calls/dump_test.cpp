@@ -396,6 +396,26 @@ TEST_F(WalkTest, HexadecimalFormShowsReportAndMsgFlagsAsDigits)
     EXPECT_NE(out.find("MsgFlags[0x00000010] "), std::string::npos);
 }
 
+TEST_F(WalkTest, DescriptorNamesAreTheSameInEveryForm)
+{
+    MQMD md = {MQMD_DEFAULT};
+    std::strcpy(md.ReplyToQ, "REPLY.Q");
+    for (const MQLONG form : {OutputFormText, OutputFormRaw, OutputFormHex}) {
+        params.DisplayForm = form;
+        const std::string out = written_by([&] { printMessageDescriptorV2(&md, &params); }).out;
+        EXPECT_NE(out.find("ReplyToQ[REPLY.Q] "), std::string::npos) << form;
+    }
+}
+
+TEST_F(WalkTest, DescriptorIsShownInTheOrderOfTheMachineWhateverCameBefore)
+{
+    MQMD md = {MQMD_DEFAULT};
+    params.DataEncoding = 273;
+    const std::string out = written_by([&] { printMessageDescriptorV2(&md, &params); }).out;
+    EXPECT_NE(out.find("Version[1] Report[0] MsgType[8] "), std::string::npos);
+    EXPECT_EQ(params.DataEncoding, MQENC_NATIVE);
+}
+
 TEST_F(WalkTest, FieldThatCannotBeConvertedStaysEmpty)
 {
     const Written written = written_by([] {

@@ -4,8 +4,6 @@
 #include "common.h"
 #include "mqicalls.h"
 
-#include <pthread.h>
-
 namespace {
 
 class EventsTest : public CallsTest {
@@ -95,18 +93,8 @@ TEST_F(EventsTest, LineIsHandedOnAtOnce)
 
 TEST_F(EventsTest, HandlerThatCannotHaveTheLockWritesNothingToStandardOutput)
 {
-    pthread_mutexattr_t attributes;
-    pthread_mutexattr_init(&attributes);
-    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK);
-    pthread_mutex_t lock;
-    pthread_mutex_init(&lock, &attributes);
-    pthread_mutex_lock(&lock);
-    params.ThreadCount = 1;
-    params.OutputLock = &lock;
+    const UnavailableLock lock(params);
     EXPECT_EQ(event(MQRC_RECONNECTED).out, "");
-    pthread_mutex_unlock(&lock);
-    pthread_mutex_destroy(&lock);
-    pthread_mutexattr_destroy(&attributes);
 }
 
 } // namespace

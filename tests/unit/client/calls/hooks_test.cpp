@@ -4,9 +4,9 @@
 #include "common.h"
 #include "mqicalls.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
-#include <pthread.h>
 #include <termios.h>
 #include <thread>
 #include <unistd.h>
@@ -106,13 +106,59 @@ TEST_F(HooksTest, YieldWithoutThreadsDoesNothing)
 {
     params.YieldAfterCall = 1;
     EXPECT_EQ(_thread_yield(&params), 0);
+    EXPECT_EQ(intercepted.yields, 0);
 }
 
-TEST_F(HooksTest, YieldWithThreadsSucceeds)
+TEST_F(HooksTest, ThreadsDoNotYieldWithoutTheOption)
+{
+    params.ThreadCount = 2;
+    EXPECT_EQ(_thread_yield(&params), 0);
+    EXPECT_EQ(intercepted.yields, 0);
+}
+
+TEST_F(HooksTest, ThreadsThatShareAConnectionYield)
+{
+    params.YieldAfterCall = 1;
+    params.ThreadCount = 2;
+    EXPECT_EQ(_thread_yield(&params), 0);
+    EXPECT_EQ(intercepted.yields, 1);
+}
+
+TEST_F(HooksTest, ThreadsWithTheirOwnConnectionsYield)
 {
     params.YieldAfterCall = 1;
     params.InnerConnThreadCount = 2;
     EXPECT_EQ(_thread_yield(&params), 0);
+    EXPECT_EQ(intercepted.yields, 1);
+}
+
+TEST_F(HooksTest, YieldThatFailsIsReported)
+{
+    params.YieldAfterCall = 1;
+    params.ThreadCount = 2;
+    intercepted.yieldError = EPERM;
+    const Written written = this->written([&] { return _thread_yield(&params); });
+    EXPECT_EQ(written.status, 1);
+    EXPECT_EQ(written.err, "sched_yield(): Operation not permitted\n_thread_yield,#,1: sched_yield() failed.\n");
+}
+
+TEST_F(HooksTest, YieldThatFailsDoesNotFailTheCall)
+{
+    params.YieldAfterCall = 1;
+    params.ThreadCount = 2;
+    intercepted.yieldError = EPERM;
+    EXPECT_EQ(written([&] { return MQSeriesCommit(hconn, &params); }).status, 0);
+}
+
+TEST_F(HooksTest, YieldComesBetweenTheCallAndTheStopTrace)
+{
+    params.YieldAfterCall = 1;
+    params.ThreadCount = 2;
+    int yieldsBeforeCall = -1;
+    fakeMqi.during["MQCMIT"] = [&] { yieldsBeforeCall = intercepted.yields; };
+    written([&] { return MQSeriesCommit(hconn, &params); });
+    EXPECT_EQ(yieldsBeforeCall, 0);
+    EXPECT_EQ(intercepted.yields, 1);
 }
 
 // ---- Stop before a call ----
@@ -166,20 +212,22 @@ TEST_F(HooksTest, StopBeforeDisconnectHappensThoughTheDisconnectIsSkipped)
 
 TEST_F(HooksTest, LockThatCannotBeHadIsSaidAndNothingStops)
 {
-    // An error-checking mutex that this thread holds cannot be locked again.
-    pthread_mutexattr_t attributes;
-    pthread_mutexattr_init(&attributes);
-    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK);
-    pthread_mutex_t lock;
-    pthread_mutex_init(&lock, &attributes);
-    pthread_mutex_lock(&lock);
-    params.ThreadCount = 1;
-    params.OutputLock = &lock;
+    const UnavailableLock lock(params);
     params.StopApiName = "MQPUT";
     EXPECT_EQ(stop_before("MQPUT").out, "lock error!\n");
-    pthread_mutex_unlock(&lock);
-    pthread_mutex_destroy(&lock);
-    pthread_mutexattr_destroy(&attributes);
+}
+
+TEST_F(HooksTest, TraceThatCannotHaveTheLockWritesNothing)
+{
+    const UnavailableLock lock(params);
+    params.ApiTrace = 1;
+    EXPECT_EQ(written_by([&] { api_trace_dsp(&params, "MQCMIT start hcon:%d\n", 7); }).out, "");
+}
+
+TEST_F(HooksTest, WithoutTraceNoLockIsTaken)
+{
+    const UnavailableLock lock(params);
+    EXPECT_EQ(written_by([&] { api_trace_dsp(&params, "MQCMIT start hcon:%d\n", 7); }).err, "");
 }
 
 /// A terminal of our own as standard input.
