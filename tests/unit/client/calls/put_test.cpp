@@ -434,7 +434,75 @@ TEST_F(PutMemoryTest, ConvertedTextThatCannotBeHadEndsTheLoop)
     EXPECT_EQ(fakeMqi.count("MQPUT"), 0);
 }
 
-// ---- Branches that other routines take ----
+// ---- Headers, groups and segments ----
+
+/// An MQRFH2 without folders, as it stands in front of a body.
+std::string rfh2_of(const std::string &body)
+{
+    return body.substr(0, MQRFH_STRUC_LENGTH_FIXED_2);
+}
+
+TEST_F(PutTest, CounterLandsBehindTheRfh2Header)
+{
+    params.UseRfh2 = 1;
+    params.AppendCounter = 1;
+    params.MsgCount = 2;
+    EXPECT_EQ(put().out, "[now] 1: message length: 15 put message: 00000001: hello\n"
+                         "[now] 2: message length: 15 put message: 00000002: hello\n");
+    ASSERT_EQ(fakeMqi.bodies.size(), 2U);
+    EXPECT_EQ(rfh2_of(fakeMqi.bodies[1]).substr(0, 4), "RFH ");
+    EXPECT_EQ(fakeMqi.bodies[1].substr(MQRFH_STRUC_LENGTH_FIXED_2), "00000002: hello");
+}
+
+TEST_F(PutTest, CounterBehindAHeaderFitsIntoAnEmptyMessage)
+{
+    params.UseRfh2 = 1;
+    params.AppendCounter = 1;
+    params.MsgLength = 0;
+    EXPECT_EQ(put().status, 0);
+    EXPECT_EQ(fakeMqi.bodies.at(0).size(), static_cast<std::size_t>(MQRFH_STRUC_LENGTH_FIXED_2));
+}
+
+TEST_F(PutTest, Rfh2HeaderIsWrittenInTheEncodingOfTheDescriptor)
+{
+    params.UseRfh2 = 1;
+    params.Md.Encoding = 273;
+    put();
+    EXPECT_EQ(fakeMqi.bodies.at(0).substr(8, 4), std::string("\0\0\0\x24", 4));
+}
+
+TEST_F(PutTest, PaddingStandsBehindHeaderAndBody)
+{
+    params.UseRfh2 = 1;
+    params.MsgLength = 7;
+    put();
+    EXPECT_EQ(fakeMqi.bodies.at(0).substr(MQRFH_STRUC_LENGTH_FIXED_2), std::string("hello\0\0", 7));
+}
+
+TEST_F(PutTest, DelimiterPutsTheBodyAsAGroup)
+{
+    params.MsgText = "a,b";
+    params.LogicalMsgDelimiter = ",";
+    EXPECT_EQ(put().status, 0);
+    EXPECT_EQ(fakeMqi.bodies, (Bodies{"a", "b"}));
+}
+
+TEST_F(PutTest, SegmentSizePutsTheBodyInSegments)
+{
+    params.SegmentSize = 2;
+    EXPECT_EQ(put().status, 0);
+    EXPECT_EQ(fakeMqi.bodies, (Bodies{"he", "ll", "o"}));
+}
+
+TEST_F(PutTest, SegmentsOfALaterMessageCarryItsCounter)
+{
+    params.MsgText = "";
+    params.AppendCounter = 1;
+    params.SegmentSize = 8;
+    params.MsgCount = 2;
+    put();
+    EXPECT_EQ(fakeMqi.bodies, (Bodies{"00000001", ": ", "00000002", ": "}));
+}
 
 TEST_F(PutTest, PropertiesThatCannotBeSetEndBeforeAnyPut)
 {
