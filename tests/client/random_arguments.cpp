@@ -40,8 +40,9 @@ struct Options {
 
 using Words = std::vector<std::string>;
 
-// The queue holds a few messages of the formats that have headers; endless runs are ended by the library.
-constexpr const char *script = R"(
+// A queue with a few messages of the formats that have headers, an empty one, one where calls fail. Endless runs are
+// ended by the library.
+constexpr std::array<const char *, 3> scripts = {R"(
 MQCONN 6+: exit 0
 MQCONNX 6+: exit 0
 MQPUT 20+: exit 0
@@ -53,20 +54,40 @@ MQGET 5: hex 0100000024000000030000000100000001000000 size 16 hex ffffff7f MQMD.
 MQGET 6: text ""
 MQGET 20+: exit 0
 MQINQMP 1: name "a" text "b" Type=1024
-)";
+)",
+                                                 R"(
+MQCONN 6+: exit 0
+MQCONNX 6+: exit 0
+MQPUT 20+: exit 0
+MQGET 20+: exit 0
+)",
+                                                 R"(
+MQCONN 1: fail 2059
+MQCONN 6+: exit 0
+MQCONNX 2: fail 2538
+MQCONNX 6+: exit 0
+MQOPEN 2: fail 2085
+MQPUT 1: fail 2053
+MQGET 1: warn 2120 text "converted not"
+MQGET 2: fail 2016
+MQCMIT 1: warn 2003
+MQBACK 1: fail 2009
+MQCLOSE 2: fail 2019
+MQDISC 2: fail 2018
+MQCRTMH 2: fail 2071
+)"};
 
 class Client {
 public:
     Client(const Options &options, std::filesystem::path folder) : options_(options), folder_(std::move(folder))
     {
-        std::ofstream(folder_ / "script") << script;
+        for (std::size_t i = 0; i < scripts.size(); ++i) std::ofstream(folder_ / ("script" + std::to_string(i))) << scripts[i];
         std::ofstream(folder_ / "file") << "contents\n";
         std::filesystem::create_directory(folder_ / "folder");
         std::filesystem::current_path(folder_);
         environment_ = {"LC_ALL=C.UTF-8",
                         "LD_LIBRARY_PATH=" + options_.library,
                         "LD_PRELOAD=" + options_.faults + "/libclient_faults.so",
-                        "MQRIG_SCRIPT=" + (folder_ / "script").string(),
                         "MQRIG_RECORD=/dev/null",
                         "MQRIG_TEST_PAUSES=1",
                         "ASAN_OPTIONS=verify_asan_link_order=0:allocator_may_return_null=1:max_allocation_size_mb=256:"
@@ -75,8 +96,10 @@ public:
     }
 
     // The status that waitpid gives; -1 when the client had to be ended. Output goes to the file.
-    int run(const Words &arguments, const std::string &output) const
+    int run(const Words &arguments, const std::string &output, std::size_t scriptNumber) const
     {
+        Words environment = environment_;
+        environment.push_back("MQRIG_SCRIPT=" + (folder_ / ("script" + std::to_string(scriptNumber))).string());
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
@@ -86,7 +109,7 @@ public:
         all.insert(all.end(), arguments.begin(), arguments.end());
         pid_t pid = 0;
         auto argv = pointers(all);
-        auto envp = pointers(environment_);
+        auto envp = pointers(environment);
         const int error = ::posix_spawn(&pid, options_.client.c_str(), &actions, nullptr, argv.data(), envp.data());
         posix_spawn_file_actions_destroy(&actions);
         if (error != 0) throw std::runtime_error("cannot start the client: " + std::string(std::strerror(error)));
@@ -130,7 +153,7 @@ std::string contentsOf(const std::string &path)
 // Options and constant names, out of the client's own listing.
 Words vocabulary(const Client &client)
 {
-    client.run({"-v", "all"}, "listing");
+    client.run({"-v", "all"}, "listing", 0);
     std::set<std::string> words;
     std::string word;
     for (const char c : contentsOf("listing") + "\n") {
@@ -158,7 +181,7 @@ public:
         if (!oneIn(10)) append(arguments, {"-qm", oneIn(4) ? "QM1,,QM2" : "QM1"});
         if (!oneIn(10)) append(arguments, {"-q", "Q1"});
         if (oneIn(2)) append(arguments, {oneIn(3) ? "-mx" : "-m", value()});
-        const unsigned count = below(oneIn(10) ? 60 : 8);
+        const unsigned count = below(oneIn(10) ? 60 : 5);
         for (unsigned i = 0; i < count; ++i) {
             if (oneIn(12)) {
                 arguments.push_back(value());
@@ -304,7 +327,7 @@ int main(int argc, char **argv)
         std::array<unsigned, 4> exits{};
         for (unsigned seed = first; seed < first + count; ++seed) {
             const Words arguments = Generator(words, seed).vector();
-            const int status = client.run(arguments, "output");
+            const int status = client.run(arguments, "output", seed % scripts.size());
             if (isFine(status)) {
                 ++exits[static_cast<std::size_t>(WEXITSTATUS(status))];
             } else {

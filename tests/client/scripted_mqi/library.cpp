@@ -22,27 +22,28 @@ void writeAll(int file, std::string_view text)
     }
 }
 
-Library *open()
+// Null until the first call.
+Library *opened = nullptr;
+
+void open()
 {
-    auto *opened = new Library;
+    opened = new Library;
     const char *script = std::getenv("MQRIG_SCRIPT");
-    if (script == nullptr) return opened;
+    if (script == nullptr) return;
     opened->script = std::make_unique<Script>(script);
     opened->recordsAllFields = std::getenv("MQRIG_RECORD_ALL") != nullptr;
     if (const char *record = std::getenv("MQRIG_RECORD")) {
         opened->recordFile = ::open(record, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
         if (opened->recordFile < 0) scriptFault(record, "cannot be opened for the record");
     }
-    return opened;
 }
 
 // Rules that no call came for, written when the program ends.
 __attribute__((destructor)) void recordUnusedRules()
 {
-    Library &lib = library();
-    if (lib.recordFile < 0) return;
-    for (const Rule *rule : lib.script->unused()) {
-        writeAll(lib.recordFile, "unused line " + std::to_string(rule->line) + ": " + rule->text + "\n");
+    if (opened == nullptr || opened->recordFile < 0) return;
+    for (const Rule *rule : opened->script->unused()) {
+        writeAll(opened->recordFile, "unused line " + std::to_string(rule->line) + ": " + rule->text + "\n");
     }
 }
 
@@ -57,7 +58,8 @@ bool differs(const Structure &type, const Field &field, const void *data)
 
 Library &library()
 {
-    static Library *const opened = open();
+    static std::once_flag once;
+    std::call_once(once, open);
     return *opened;
 }
 
