@@ -103,7 +103,8 @@ public:
         const auto forEachItem = [this](std::size_t size) {
             return element_for_each_item(params_, params_->InqList, ",", size, {"CallMQINQ"});
         };
-        return (slots_ = forEachItem(sizeof(Slot))) != nullptr &&
+        return (list_ = checked_copy(params_, params_->InqList, {"CallMQINQ"})) != nullptr &&
+               (slots_ = forEachItem(sizeof(Slot))) != nullptr &&
                (selectors_ = forEachItem(sizeof(MQLONG))) != nullptr &&
                (integers_ = forEachItem(sizeof(MQLONG))) != nullptr;
     }
@@ -112,10 +113,8 @@ public:
     /// then the rest of the list is not read.
     Status read_list()
     {
-        const Buffer<> list = checked_copy(params_, params_->InqList, {"CallMQINQ"});
-        if (list == nullptr) return StatusLocalFailure;
         char *position = nullptr;
-        for (const char *item = strtok_r(list.get(), ",", &position); item != nullptr;
+        for (const char *item = strtok_r(list_.get(), ",", &position); item != nullptr;
              item = strtok_r(nullptr, ",", &position)) {
             if (add(item) != StatusOk) return StatusLocalFailure;
         }
@@ -185,6 +184,7 @@ private:
     RunParams *params_;
     MQHCONN hconn_;
     MQHOBJ hobj_;
+    Buffer<> list_;
     Buffer<> slots_;
     Buffer<> selectors_;
     Buffer<> integers_;

@@ -86,6 +86,7 @@ public:
             return;
         }
         for (MQLONG i = 1; i <= count && !cut_; ++i) {
+            if (!available(1)) return;
             std::printf("%sString%d[", i == 1 ? "" : " ", i);
             bytes(length);
             std::putchar(']');
