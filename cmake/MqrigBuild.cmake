@@ -24,7 +24,8 @@ find_package(Threads REQUIRED)
 
 add_compile_definitions(_GNU_SOURCE _FILE_OFFSET_BITS=64)
 if(MQRIG_M32)
-  add_compile_options(-m32)
+  # SSE arithmetic, so that a 32-bit build computes and prints the same figures as a 64-bit one.
+  add_compile_options(-m32 -msse2 -mfpmath=sse)
   add_link_options(-m32)
 endif()
 if(MQRIG_SANITIZE)

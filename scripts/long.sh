@@ -1,0 +1,65 @@
+#!/usr/bin/env bash
+# What takes longer than an everyday run: many kills, the whole suite under valgrind's eye, cppcheck, coverage.
+# Usage: scripts/long.sh [kills] [valgrind] [cppcheck] [coverage]   (all of them without an argument)
+# MQRIG_KILL_ROUNDS: rounds of three kills each (default 700).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+. scripts/packages.sh
+
+steps=("$@")
+[ ${#steps[@]} -gt 0 ] || steps=(kills valgrind cppcheck coverage)
+step() { echo "== $1 ($(date -u +%H:%M:%S))"; }
+
+need_packages $mqrig_long_packages
+
+kills() {
+  step "processes killed at random moments"
+  configure_and_build release -DMQRIG_TESTS=ON -- qmgr_store_tests | tail -n 1
+  MQRIG_KILL_ROUNDS=${MQRIG_KILL_ROUNDS:-700} build/tests/bin/qmgr_store_tests --gtest_filter='Kills.*' | tail -n 3
+}
+
+valgrind_run() {
+  step "valgrind over a put, a get, a browse and MQSC"
+  configure_and_build debug -DMQRIG_BENCH=OFF -- mqrig rigqm mqm_r | tail -n 1
+  MQRIG_STORE=$(mktemp -d)
+  export MQRIG_STORE
+  local check=(env LD_LIBRARY_PATH=build-debug/lib/mqrig valgrind --quiet --error-exitcode=99 --leak-check=full
+    --errors-for-leak-kinds=definite)
+  "${check[@]}" build-debug/bin/rigqm create QM1
+  "${check[@]}" build-debug/bin/rigqm mqsc QM1 -e 'DEFINE QLOCAL(Q1)' >/dev/null
+  "${check[@]}" build-debug/bin/mqrig -qm QM1 -q Q1 -m hello -n 3 MQPMO_SYNCPOINT MQPER_PERSISTENT >/dev/null
+  "${check[@]}" build-debug/bin/mqrig -qm QM1 -q Q1 -n 3 -brv >/dev/null
+  "${check[@]}" build-debug/bin/mqrig -qm QM1 -q Q1 -n 3 MQGMO_SYNCPOINT >/dev/null
+  rm -rf "$MQRIG_STORE"
+  unset MQRIG_STORE
+  echo "no errors"
+}
+
+cppcheck_run() {
+  step "cppcheck"
+  cppcheck --quiet --std=c++20 --inline-suppr --error-exitcode=1 --enable=warning,performance,portability \
+    --suppress=missingInclude --suppress=missingIncludeSystem --suppress='*:mqi/*' -D_GNU_SOURCE \
+    -I . -I mqi -I include -I src -j "$(nproc)" src tables qmgr rigqm
+  echo "no findings"
+}
+
+coverage() {
+  step "coverage"
+  cmake --preset debug -B build-coverage -DMQRIG_BENCH=OFF -DCMAKE_CXX_FLAGS=--coverage -DCMAKE_C_FLAGS=--coverage >/dev/null
+  cmake --build build-coverage | tail -n 1
+  scripts/run_ctest.sh build-coverage -LE 'long|release_only'
+  gcovr --root . --filter 'src/' --filter 'tables/' --filter 'qmgr/' --filter 'rigqm/' --exclude-throw-branches \
+    --object-directory build-coverage --txt build-coverage/coverage.txt --print-summary | grep -E '^(lines|functions)'
+  echo "by file: build-coverage/coverage.txt"
+}
+
+for name in "${steps[@]}"; do
+  case $name in
+    kills) kills ;;
+    valgrind) valgrind_run ;;
+    cppcheck) cppcheck_run ;;
+    coverage) coverage ;;
+    *) echo "long.sh: no step '$name'" >&2; exit 2 ;;
+  esac
+done
+step "done"
