@@ -21,9 +21,12 @@ Attached attach(const std::filesystem::path &storeFolder, std::string_view name)
     // Asked after the slot is taken: whoever quiesces the queue manager counts slots after setting the state, so
     // either it has seen ours or we see its state.
     switch (attachment->state()) {
-    case State::Running: return {success(), std::move(attachment)};
-    case State::Quiescing: return {failure(MQRC_Q_MGR_QUIESCING), nullptr};
-    case State::Ended: break;
+    case State::Running:
+        return {success(), std::move(attachment)};
+    case State::Quiescing:
+        return {failure(MQRC_Q_MGR_QUIESCING), nullptr};
+    case State::Ended:
+        break;
     }
     return {failure(MQRC_Q_MGR_NOT_AVAILABLE), nullptr};
 }
@@ -31,7 +34,8 @@ Attached attach(const std::filesystem::path &storeFolder, std::string_view name)
 Attachment::Attachment(std::shared_ptr<Store> store, std::uint32_t slot)
     : store_(std::move(store)), slot_(slot), forks_(forkCount.load(std::memory_order_relaxed)),
       connectionNumber_(store_->control().slots[slot].connection)
-{}
+{
+}
 
 Attachment::~Attachment()
 {
@@ -101,8 +105,7 @@ Outcome Attachment::alter(const Definition &definition, std::optional<std::strin
     return store_->alter(definition, seen);
 }
 
-Outcome Attachment::remove(MQLONG type, std::string_view name,
-                           const std::function<Outcome(const QueueStatus &)> &mayGo)
+Outcome Attachment::remove(MQLONG type, std::string_view name, const std::function<Outcome(const QueueStatus &)> &mayGo)
 {
     return store_->remove(type, name, mayGo);
 }

@@ -39,9 +39,9 @@ enum class State : std::uint32_t { Running = 1, Quiescing = 2, Ended = 3 };
 // An object as the store knows it: type (MQOT_*) and name are its key, the rest belongs to qmgr/objects.
 struct Definition {
     MQLONG type = 0;
-    std::string name;        // without trailing blanks
-    QueueId queue = 0;       // MQOT_Q: assigned by the store when defined; other types: 0
-    std::string bytes;       // opaque
+    std::string name;  // without trailing blanks
+    QueueId queue = 0; // MQOT_Q: assigned by the store when defined; other types: 0
+    std::string bytes; // opaque
 };
 
 using Deadline = std::chrono::steady_clock::time_point;
@@ -116,7 +116,8 @@ public:
     [[nodiscard]] MessageKey newKey(QueueId queue, std::uint8_t order);
 
     // Runs body(ReadTransaction &) -> Outcome on a snapshot.
-    template <class Body> Outcome read(Body &&body)
+    template <class Body>
+    Outcome read(Body &&body)
     {
         ReadTransaction transaction;
         if (const Outcome begun = beginRead(transaction); begun.failed()) return begun;
@@ -128,7 +129,8 @@ public:
     // many body bytes it will add, 0 when it only gets, locks, removes or counts: those go through even when the
     // disk is full. When it is back the changes are visible to all and the getters concerned are woken.
     // MQRC_STORAGE_NOT_AVAILABLE when there is no room.
-    template <class Body> Outcome update(std::size_t bytesToStore, Body &&body)
+    template <class Body>
+    Outcome update(std::size_t bytesToStore, Body &&body)
     {
         for (;;) {
             WriteTransaction transaction;

@@ -29,7 +29,8 @@ std::uint64_t checksumOf(std::span<const std::byte> bytes, std::uint64_t seed)
     std::uint64_t sum = mix(seed ^ first, bytes.size() ^ second);
     const std::byte *at = bytes.data();
     std::size_t left = bytes.size();
-    for (; left >= 16; left -= 16, at += 16) sum = mix(wordAt(at) ^ first ^ sum, wordAt(at + 8) ^ second);
+    for (; left >= 16; left -= 16, at += 16)
+        sum = mix(wordAt(at) ^ first ^ sum, wordAt(at + 8) ^ second);
     std::byte rest[16]{};
     if (left > 0) std::memcpy(rest, at, left);
     return mix(wordAt(rest) ^ first ^ sum, wordAt(rest + 8) ^ second);

@@ -87,7 +87,8 @@ std::size_t roomOf(const Unit &unit)
 {
     if (unit.puts.empty()) return 0;
     std::size_t bytes = unit.gets.size() * 256;
-    for (const NewMessage &put : unit.puts) bytes += put.body.size() + 2 * sizeof(MessageHeader);
+    for (const NewMessage &put : unit.puts)
+        bytes += put.body.size() + 2 * sizeof(MessageHeader);
     return bytes;
 }
 
@@ -194,8 +195,12 @@ Outcome Store::logUnits(std::span<const PreparedUnit> units)
                     }
                     break;
                 case StepKind::Get:
-                case StepKind::Forget: log_->deleteMessage(key.sequence); break;
-                case StepKind::Backout: log_->setBackoutCount(key.sequence, step.backoutCount); break;
+                case StepKind::Forget:
+                    log_->deleteMessage(key.sequence);
+                    break;
+                case StepKind::Backout:
+                    log_->setBackoutCount(key.sequence, step.backoutCount);
+                    break;
                 }
             }
         }
@@ -387,7 +392,8 @@ Outcome Store::backOut(std::uint32_t slot, const Unit &unit)
     std::uint32_t returned = 0;
     const Outcome outcome = update(0, slot, [&](WriteTransaction &transaction) {
         returned = 0;
-        for (const NewMessage &put : unit.puts) transaction.unbookPut(put.key.queue);
+        for (const NewMessage &put : unit.puts)
+            transaction.unbookPut(put.key.queue);
         for (const TakenMessage &get : unit.gets) {
             const auto hold = transaction.holdOf(get.key);
             if (!hold || hold->kind != HoldKind::Got || hold->slot != slot) continue;

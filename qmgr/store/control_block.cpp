@@ -68,7 +68,7 @@ std::unique_ptr<ControlMapping> ControlMapping::create(const std::filesystem::pa
                                                        int &error)
 {
     const Descriptor file(::open((live / "control").c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    struct stat status{};
+    struct stat status {};
     if (file.get() < 0 || fstat(file.get(), &status) != 0) {
         error = errno;
         return nullptr;
@@ -100,8 +100,8 @@ std::unique_ptr<ControlMapping> ControlMapping::open(const std::filesystem::path
 {
     error = 0;
     const Descriptor file(::open((live / "control").c_str(), O_RDWR | O_CLOEXEC));
-    struct stat control{};
-    struct stat data{};
+    struct stat control {};
+    struct stat data {};
     if (file.get() < 0 || stat((live / "data.mdb").c_str(), &data) != 0 || fstat(file.get(), &control) != 0) {
         if (errno != ENOENT && errno != ENOTDIR) error = errno;
         return nullptr;
@@ -124,7 +124,7 @@ std::unique_ptr<ControlMapping> ControlMapping::open(const std::filesystem::path
 
 bool ControlMapping::declareReady(const std::filesystem::path &live)
 {
-    struct stat data{};
+    struct stat data {};
     if (stat((live / "data.mdb").c_str(), &data) != 0) return false;
     block_->stamp.dataInode = data.st_ino;
     std::atomic_ref(block_->stamp.ready).store(1, std::memory_order_release);
@@ -133,7 +133,7 @@ bool ControlMapping::declareReady(const std::filesystem::path &live)
 
 bool ControlMapping::isStillAt(const std::filesystem::path &live) const
 {
-    struct stat now{};
+    struct stat now {};
     return stat((live / "control").c_str(), &now) == 0 && now.st_ino == block_->stamp.controlInode &&
            now.st_dev == block_->stamp.controlDevice;
 }
@@ -145,7 +145,7 @@ ControlMapping::~ControlMapping()
 
 std::uint64_t pidNamespaceOfThisProcess()
 {
-    struct stat status{};
+    struct stat status {};
     return stat("/proc/self/ns/pid", &status) == 0 ? status.st_ino : 0;
 }
 

@@ -62,14 +62,14 @@ struct ControlBlock {
 
     alignas(64) std::atomic<State> state; // a futex word too
     std::atomic<std::uint64_t> pidNamespace;
-    std::atomic<std::uint64_t> mapSize;    // bytes of the live state that are reserved and may be mapped
-    std::atomic<std::uint32_t> slotLimit;  // slots from here on have never been taken
+    std::atomic<std::uint64_t> mapSize;     // bytes of the live state that are reserved and may be mapped
+    std::atomic<std::uint32_t> slotLimit;   // slots from here on have never been taken
     std::atomic<std::uint64_t> connections; // numbers given to connections
     std::atomic<std::uint64_t> definitionVersion;
 
     alignas(64) std::atomic<std::uint64_t> sequence; // next number for a message
 
-    alignas(64) pthread_mutex_t logLock; // process-shared, robust: see commit.cpp
+    alignas(64) pthread_mutex_t logLock;      // process-shared, robust: see commit.cpp
     std::atomic<std::uint32_t> logUnfinished; // what the log says has not all been brought to the live state
     std::atomic<std::uint64_t> flipped;       // highest ticket known to be finished; may lag behind
 

@@ -70,9 +70,8 @@ std::vector<Definition> Store::definitions(MQLONG type)
     std::vector<Definition> all;
     const Outcome outcome = read([&](ReadTransaction &transaction) {
         const LiveKey from = type == MQOT_ALL ? LiveKey::definitions() : LiveKey::definitionsOf(type);
-        transaction.forEach(from, [&](const MDB_val &key, const MDB_val &value) {
-            all.push_back(definitionIn(key, value));
-        });
+        transaction.forEach(from,
+                            [&](const MDB_val &key, const MDB_val &value) { all.push_back(definitionIn(key, value)); });
         return success();
     });
     static_cast<void>(outcome);
@@ -171,8 +170,8 @@ Outcome Store::sweep(const Definition &definition)
     });
     const QueueId queue = definition.queue;
     if (queue == 0) return outcome;
-    for (const LiveKey &records : {LiveKey::bodiesOf(queue), LiveKey::indexesOf(queue), LiveKey::holdsOf(queue),
-                                   LiveKey::messagesOf(queue)}) {
+    for (const LiveKey &records :
+         {LiveKey::bodiesOf(queue), LiveKey::indexesOf(queue), LiveKey::holdsOf(queue), LiveKey::messagesOf(queue)}) {
         bool more = true;
         while (more && !outcome.failed()) {
             outcome = update(0, 0, [&](WriteTransaction &transaction) {

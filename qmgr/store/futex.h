@@ -14,22 +14,20 @@
 namespace mqrig::qmgr::store {
 
 // Sleeps while the word holds `seen`, at most until the deadline; may wake for no reason. False: deadline passed.
-inline bool futexWait(const void *word, std::uint32_t seen,
-                      std::chrono::steady_clock::time_point deadline)
+inline bool futexWait(const void *word, std::uint32_t seen, std::chrono::steady_clock::time_point deadline)
 {
     using std::chrono::steady_clock;
     timespec until{};
     timespec *limit = nullptr;
     if (deadline != steady_clock::time_point::max()) {
-        const auto since = deadline.time_since_epoch().count() < 0 ? steady_clock::duration::zero()
-                                                                   : deadline.time_since_epoch();
+        const auto since =
+            deadline.time_since_epoch().count() < 0 ? steady_clock::duration::zero() : deadline.time_since_epoch();
         until.tv_sec = std::chrono::duration_cast<std::chrono::seconds>(since).count();
         until.tv_nsec = (since % std::chrono::seconds(1)).count();
         limit = &until;
     }
     // The bitset form takes an absolute time on the monotonic clock, which is steady_clock's.
-    const long answer =
-        syscall(SYS_futex, word, FUTEX_WAIT_BITSET, seen, limit, nullptr, FUTEX_BITSET_MATCH_ANY);
+    const long answer = syscall(SYS_futex, word, FUTEX_WAIT_BITSET, seen, limit, nullptr, FUTEX_BITSET_MATCH_ANY);
     return answer == 0 || errno != ETIMEDOUT;
 }
 

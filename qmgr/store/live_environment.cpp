@@ -25,7 +25,7 @@ constexpr long xfsMagic = 0x58465342;
 // The file systems on which a reserved block is proof against a full disk also when written through a mapping.
 bool reservationHolds(const std::filesystem::path &folder)
 {
-    struct statfs system{};
+    struct statfs system {};
     if (statfs(folder.c_str(), &system) != 0) return false;
     return system.f_type == EXT4_SUPER_MAGIC || system.f_type == TMPFS_MAGIC || system.f_type == xfsMagic;
 }
@@ -35,20 +35,25 @@ bool reservationHolds(const std::filesystem::path &folder)
 Outcome outcomeOfLive(int code)
 {
     switch (code) {
-    case MDB_SUCCESS: return success();
+    case MDB_SUCCESS:
+        return success();
     case MDB_MAP_FULL:
     case ENOSPC:
-    case EDQUOT: return failure(MQRC_STORAGE_NOT_AVAILABLE);
+    case EDQUOT:
+        return failure(MQRC_STORAGE_NOT_AVAILABLE);
     case EACCES:
     case EPERM:
-    case EROFS: return failure(MQRC_NOT_AUTHORIZED);
+    case EROFS:
+        return failure(MQRC_NOT_AUTHORIZED);
     case ENOMEM:
     case MDB_READERS_FULL:
     case MDB_TXN_FULL:
     case EMFILE:
     case ENFILE:
-    case EAGAIN: return failure(MQRC_RESOURCE_PROBLEM);
-    default: return failure(MQRC_UNEXPECTED_ERROR);
+    case EAGAIN:
+        return failure(MQRC_RESOURCE_PROBLEM);
+    default:
+        return failure(MQRC_UNEXPECTED_ERROR);
     }
 }
 
@@ -58,7 +63,8 @@ void Gate::enter()
         const std::uint32_t before = inside_.fetch_add(1, std::memory_order_acquire);
         if ((before & closed) == 0) return;
         leave();
-        for (std::uint32_t now = inside_.load(); (now & closed) != 0; now = inside_.load()) inside_.wait(now);
+        for (std::uint32_t now = inside_.load(); (now & closed) != 0; now = inside_.load())
+            inside_.wait(now);
     }
 }
 
@@ -71,7 +77,8 @@ void Gate::leave()
 void Gate::close()
 {
     inside_.fetch_or(closed, std::memory_order_acquire);
-    for (std::uint32_t now = inside_.load(); now != closed; now = inside_.load()) inside_.wait(now);
+    for (std::uint32_t now = inside_.load(); now != closed; now = inside_.load())
+        inside_.wait(now);
 }
 
 void Gate::open()
@@ -80,8 +87,7 @@ void Gate::open()
     inside_.notify_all();
 }
 
-LiveEnvironment::Opened LiveEnvironment::open(const std::filesystem::path &live, ControlBlock &control,
-                                              LockFile &locks)
+LiveEnvironment::Opened LiveEnvironment::open(const std::filesystem::path &live, ControlBlock &control, LockFile &locks)
 {
     std::unique_ptr<LiveEnvironment> made(new LiveEnvironment(control, locks));
     made->writeMapped_ = reservationHolds(live);
@@ -113,14 +119,14 @@ LiveEnvironment::Opened LiveEnvironment::open(const std::filesystem::path &live,
         mdb_txn_abort(txn);
     }
     if (code != 0) return {outcomeOfLive(code), nullptr};
-    int dead = 0;
-    mdb_reader_check(made->env_, &dead);
+    made->clearDeadReaders();
     return {success(), std::move(made)};
 }
 
 LiveEnvironment::~LiveEnvironment()
 {
-    for (MDB_txn *reader : readers_) mdb_txn_abort(reader);
+    for (MDB_txn *reader : readers_)
+        mdb_txn_abort(reader);
     if (env_ != nullptr) mdb_env_close(env_);
 }
 
@@ -134,6 +140,13 @@ Outcome LiveEnvironment::reserve(std::uint64_t size)
         const int error = posix_fallocate(fd, 0, static_cast<off_t>(size));
         if (error != EINTR) return outcomeOfLive(error);
     }
+}
+
+int LiveEnvironment::clearDeadReaders()
+{
+    int dead = 0;
+    mdb_reader_check(env_, &dead);
+    return dead;
 }
 
 Outcome LiveEnvironment::beginRead(MDB_txn *&txn)
@@ -156,10 +169,7 @@ Outcome LiveEnvironment::beginRead(MDB_txn *&txn)
         if (txn != nullptr) mdb_txn_abort(txn);
         gate_.leave();
         if (code == MDB_MAP_RESIZED) continue; // grown since we looked: the published size is the new one by now
-        if (code == MDB_READERS_FULL) {
-            int dead = 0;
-            if (mdb_reader_check(env_, &dead) == 0 && dead > 0) continue;
-        }
+        if (code == MDB_READERS_FULL && clearDeadReaders() > 0) continue;
         return outcomeOfLive(code);
     }
 }
@@ -258,6 +268,7 @@ Outcome LiveEnvironment::followMap()
 
 Outcome LiveEnvironment::grow(std::size_t room)
 {
+    clearDeadReaders();
     const std::uint64_t before = mapped_.load(std::memory_order_relaxed);
     const Outcome grown = remap([before, room](std::uint64_t published) {
         if (published != before) return published; // somebody else has just done it
@@ -268,7 +279,8 @@ Outcome LiveEnvironment::grow(std::size_t room)
     return grown;
 }
 
-template <class NewSize> Outcome LiveEnvironment::remap(NewSize &&newSize)
+template <class NewSize>
+Outcome LiveEnvironment::remap(NewSize &&newSize)
 {
     const std::scoped_lock thread(mapMutex_);
     if (!locks_.lock(lockBytes::map)) return failure(MQRC_RESOURCE_PROBLEM);
@@ -300,4 +312,3 @@ template <class NewSize> Outcome LiveEnvironment::remap(NewSize &&newSize)
 }
 
 } // namespace mqrig::qmgr::store
-

@@ -66,6 +66,10 @@ public:
     int commitWrite(MDB_txn *txn);
     void abortWrite(MDB_txn *txn);
 
+    // Frees the reader slots of processes that died inside a read transaction: their snapshots keep pages from being
+    // used again. Answers how many there were.
+    int clearDeadReaders();
+
     // After MDB_MAP_FULL, outside every transaction of this thread: makes the map larger by at least `room` bytes.
     // MQRC_STORAGE_NOT_AVAILABLE if the disk does not have them.
     Outcome grow(std::size_t room);
@@ -74,7 +78,8 @@ private:
     LiveEnvironment(ControlBlock &control, LockFile &locks) : control_(control), locks_(locks) {}
     Outcome reserve(std::uint64_t size);
     Outcome followMap();
-    template <class NewSize> Outcome remap(NewSize &&newSize);
+    template <class NewSize>
+    Outcome remap(NewSize &&newSize);
     [[nodiscard]] bool hasRoom(std::size_t room) const;
     [[nodiscard]] bool hasFreePages(std::size_t room) const;
 
@@ -84,8 +89,8 @@ private:
     MDB_dbi records_ = 0;
     bool writeMapped_ = false;
     std::atomic<std::uint64_t> mapped_{0};
-    bool broken_ = false;                       // has lost its map; under mapMutex_
-    std::atomic<std::uint64_t> cannotGrow_{0};  // the size at which growing failed last
+    bool broken_ = false;                      // has lost its map; under mapMutex_
+    std::atomic<std::uint64_t> cannotGrow_{0}; // the size at which growing failed last
     Gate gate_;
     std::mutex readersMutex_;
     std::vector<MDB_txn *> readers_; // reset, ready to be renewed

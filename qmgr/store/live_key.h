@@ -7,10 +7,10 @@
 //   'D' type name                   -> object definition: queue id, bytes
 //   'H' queue order sequence        -> Hold: the message is there but not visible, and who has it
 //   'I' queue index id order sequence -> nothing; for every id that is not all zero
-//   'M' queue                       -> QueueStatus: on the page of the queue's first messages, which a get changes anyway
-//   'M' queue order sequence        -> MessageHeader, then the body unless it is large
-//   'S' slot queue                  -> Booking: what the connection has of the queue
-//   'U' ticket                      -> a prepared unit of work: UnitRecord, then its steps
+//   'M' queue                       -> QueueStatus: on the page of the queue's first messages, which a get changes
+//   anyway 'M' queue order sequence        -> MessageHeader, then the body unless it is large 'S' slot queue ->
+//   Booking: what the connection has of the queue 'U' ticket                      -> a prepared unit of work:
+//   UnitRecord, then its steps
 #pragma once
 
 #include <algorithm>

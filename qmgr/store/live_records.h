@@ -85,7 +85,8 @@ struct UnitRecord {
 }
 
 // The number at the end of a key of kind 'S' (the queue) or 'U' (the ticket).
-template <class Number> [[nodiscard]] Number numberAtEnd(const MDB_val &key)
+template <class Number>
+[[nodiscard]] Number numberAtEnd(const MDB_val &key)
 {
     Number number = 0;
     std::memcpy(&number, static_cast<const std::uint8_t *>(key.mv_data) + key.mv_size - sizeof number, sizeof number);
@@ -97,18 +98,21 @@ template <class Number> [[nodiscard]] Number numberAtEnd(const MDB_val &key)
 }
 
 // Reads a fixed record out of stored bytes; nothing if they are too few to be one.
-template <class Record> [[nodiscard]] std::optional<Record> recordIn(const void *data, std::size_t size)
+template <class Record>
+[[nodiscard]] std::optional<Record> recordIn(const void *data, std::size_t size)
 {
     static_assert(std::is_trivially_copyable_v<Record>);
     std::optional<Record> record;
     if (size >= sizeof(Record)) std::memcpy(&record.emplace(), data, sizeof(Record));
     return record;
 }
-template <class Record> [[nodiscard]] std::optional<Record> recordIn(const MDB_val &value)
+template <class Record>
+[[nodiscard]] std::optional<Record> recordIn(const MDB_val &value)
 {
     return recordIn<Record>(value.mv_data, value.mv_size);
 }
-template <class Record, class Value> [[nodiscard]] std::optional<Record> recordIn(const Value &value)
+template <class Record, class Value>
+[[nodiscard]] std::optional<Record> recordIn(const Value &value)
 {
     return recordIn<Record>(value.data, value.size);
 }

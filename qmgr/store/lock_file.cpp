@@ -13,7 +13,7 @@ namespace {
 
 struct flock lockOf(short type, std::uint32_t byte)
 {
-    struct flock lock{};
+    struct flock lock {};
     lock.l_type = type;
     lock.l_whence = SEEK_SET;
     lock.l_start = byte;
@@ -31,7 +31,7 @@ std::pair<std::uint64_t, std::uint64_t> identity(const struct stat &file)
 LockFile::Opened LockFile::open(const std::filesystem::path &path)
 {
     auto &known = thisProcess().lockFiles;
-    struct stat file{};
+    struct stat file {};
     // Looked up before it is opened: a second descriptor could not be closed again without dropping every lock.
     if (stat(path.c_str(), &file) == 0) {
         if (const auto found = known.find(identity(file)); found != known.end()) return {found->second.get(), 0};

@@ -73,20 +73,27 @@ Outcome outcomeOfLog(int code)
     switch (code & 0xff) {
     case SQLITE_OK:
     case SQLITE_ROW:
-    case SQLITE_DONE: return success();
+    case SQLITE_DONE:
+        return success();
     case SQLITE_FULL:
-    case SQLITE_BUSY: return failure(MQRC_STORAGE_NOT_AVAILABLE);
-    case SQLITE_NOMEM: return failure(MQRC_RESOURCE_PROBLEM);
+    case SQLITE_BUSY:
+        return failure(MQRC_STORAGE_NOT_AVAILABLE);
+    case SQLITE_NOMEM:
+        return failure(MQRC_RESOURCE_PROBLEM);
     case SQLITE_PERM:
     case SQLITE_READONLY:
-    case SQLITE_AUTH: return failure(MQRC_NOT_AUTHORIZED);
-    case SQLITE_CANTOPEN: return failure(errno == EACCES ? MQRC_NOT_AUTHORIZED : MQRC_STORAGE_NOT_AVAILABLE);
-    default: return failure(MQRC_UNEXPECTED_ERROR);
+    case SQLITE_AUTH:
+        return failure(MQRC_NOT_AUTHORIZED);
+    case SQLITE_CANTOPEN:
+        return failure(errno == EACCES ? MQRC_NOT_AUTHORIZED : MQRC_STORAGE_NOT_AVAILABLE);
+    default:
+        return failure(MQRC_UNEXPECTED_ERROR);
     }
 }
 
 // Repeats while SQLite finds its locks taken, for a few seconds at most.
-template <class Act> int patiently(Act &&act)
+template <class Act>
+int patiently(Act &&act)
 {
     int code = act();
     for (int tries = 0; (code & 0xff) == SQLITE_BUSY && tries < 3000; ++tries) {
@@ -116,7 +123,8 @@ std::span<const std::byte> blobColumn(sqlite3_stmt *statement, int column)
 std::string textColumn(sqlite3_stmt *statement, int column)
 {
     const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(statement, column));
-    return text == nullptr ? std::string() : std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column)));
+    return text == nullptr ? std::string()
+                           : std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column)));
 }
 
 // Binds without copying: everything outlives the step.
@@ -131,7 +139,8 @@ void bindText(sqlite3_stmt *statement, int index, std::string_view text)
     sqlite3_bind_text(statement, index, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
 }
 
-std::uint64_t checksumOfMessage(const MessageKey &key, std::span<const std::byte> header, std::span<const std::byte> body)
+std::uint64_t checksumOfMessage(const MessageKey &key, std::span<const std::byte> header,
+                                std::span<const std::byte> body)
 {
     const std::uint64_t seed = key.sequence ^ (std::uint64_t{key.queue} << 8 | key.order) * 0x9e3779b97f4a7c15;
     return checksumOf(body, checksumOf(header, seed));
@@ -148,7 +157,8 @@ std::uint64_t checksumOfDefinition(MQLONG type, std::string_view name, QueueId q
 int LogDatabase::connect(const std::filesystem::path &file, bool create)
 {
     static_assert(statementTexts.size() == statements);
-    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | (create ? SQLITE_OPEN_CREATE : 0);
+    const int flags =
+        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | (create ? SQLITE_OPEN_CREATE : 0);
     return sqlite3_open_v2(file.c_str(), &database_, flags, nullptr);
 }
 
@@ -226,7 +236,8 @@ Outcome LogDatabase::bringUpToDate()
     constexpr std::array<const char *, formatNumber> upgrades{nullptr}; // [n]: from format n to n + 1; none before 1
     if (found < 1) return failure(MQRC_UNEXPECTED_ERROR);
     std::string steps = "BEGIN IMMEDIATE;";
-    for (int from = found; from < formatNumber; ++from) steps += upgrades.at(static_cast<std::size_t>(from));
+    for (int from = found; from < formatNumber; ++from)
+        steps += upgrades.at(static_cast<std::size_t>(from));
     steps += "; PRAGMA user_version = " + std::to_string(formatNumber) + "; COMMIT";
     const int upgraded = execute(steps.c_str());
     if (upgraded != SQLITE_OK) execute("ROLLBACK");
@@ -235,7 +246,8 @@ Outcome LogDatabase::bringUpToDate()
 
 LogDatabase::~LogDatabase()
 {
-    for (sqlite3_stmt *statement : prepared_) sqlite3_finalize(statement);
+    for (sqlite3_stmt *statement : prepared_)
+        sqlite3_finalize(statement);
     // Without the closing checkpoint: this may run at the end of a process that holds no lock.
     if (database_ != nullptr) {
         sqlite3_db_config(database_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
@@ -416,9 +428,9 @@ void LogDatabase::storeDefinition(const Definition &definition)
     bindText(statement, 2, definition.name);
     sqlite3_bind_int64(statement, 3, definition.queue);
     bindBlob(statement, 4, std::as_bytes(std::span(definition.bytes)));
-    sqlite3_bind_int64(statement, 5,
-                       signedOf(checksumOfDefinition(definition.type, definition.name, definition.queue,
-                                                     definition.bytes)));
+    sqlite3_bind_int64(
+        statement, 5,
+        signedOf(checksumOfDefinition(definition.type, definition.name, definition.queue, definition.bytes)));
     run(statement);
     sqlite3_clear_bindings(statement);
 }
@@ -537,7 +549,8 @@ bool LogDatabase::Reader::nextMessage()
            .sequence = unsignedColumn(statement, 0)};
     const auto headerBytes = blobColumn(statement, 5);
     body = blobColumn(statement, 6);
-    if (headerBytes.size() != sizeof header || checksumOfMessage(key, headerBytes, body) != unsignedColumn(statement, 4)) {
+    if (headerBytes.size() != sizeof header ||
+        checksumOfMessage(key, headerBytes, body) != unsignedColumn(statement, 4)) {
         outcome = failure(MQRC_UNEXPECTED_ERROR);
         return false;
     }

@@ -89,7 +89,8 @@ public:
 
     // Reads everything. The visitor answers false to stop; views live for the visit. A row whose checksum is wrong
     // ends the walk with MQRC_UNEXPECTED_ERROR.
-    template <class Visit> Outcome forEachMessage(Visit &&visit)
+    template <class Visit>
+    Outcome forEachMessage(Visit &&visit)
     {
         Reader reader(*this, Rows::Messages);
         while (reader.nextMessage()) {
@@ -97,7 +98,8 @@ public:
         }
         return reader.outcome;
     }
-    template <class Visit> Outcome forEachDefinition(Visit &&visit)
+    template <class Visit>
+    Outcome forEachDefinition(Visit &&visit)
     {
         Reader reader(*this, Rows::Definitions);
         while (reader.nextDefinition()) {
@@ -108,9 +110,26 @@ public:
 
 private:
     enum Statement : std::uint8_t {
-        Begin, Commit, Rollback, InsertMessage, DeleteMessage, SetBackoutCount, DeleteMessagesOf, StoreDefinition,
-        DeleteDefinition, TakeQueueId, Advance, SetState, BeginLife, ReadQueueManager, HighestSequence,
-        ReadMessages, ReadDefinitions, PageCount, FreePages, statements
+        Begin,
+        Commit,
+        Rollback,
+        InsertMessage,
+        DeleteMessage,
+        SetBackoutCount,
+        DeleteMessagesOf,
+        StoreDefinition,
+        DeleteDefinition,
+        TakeQueueId,
+        Advance,
+        SetState,
+        BeginLife,
+        ReadQueueManager,
+        HighestSequence,
+        ReadMessages,
+        ReadDefinitions,
+        PageCount,
+        FreePages,
+        statements
     };
     enum class Rows : std::uint8_t { Messages, Definitions };
     struct Reader {

@@ -12,16 +12,16 @@
 
 namespace mqrig::qmgr::store {
 
-using QueueId = std::uint32_t;     // numeric id of a queue, never used again once the queue is deleted; 0 is no queue
-using Ticket = std::uint64_t;      // a prepared unit of work; 0 is none: nothing had to be logged
+using QueueId = std::uint32_t; // numeric id of a queue, never used again once the queue is deleted; 0 is no queue
+using Ticket = std::uint64_t;  // a prepared unit of work; 0 is none: nothing had to be logged
 using MessageId = std::span<const MQBYTE, 24>; // MsgId, CorrelId or GroupId
 using MessageToken = std::array<MQBYTE, 16>;
 
 // The place of a message in the live state. Keys of one queue compare in delivery order.
 struct MessageKey {
     QueueId queue = 0;
-    std::uint8_t order = 0;      // rank within the queue, 0 first: 9 - Priority, or one constant for MSGDLVSQ(FIFO)
-    std::uint64_t sequence = 0;  // taken at MQPUT, unique in the store, also over restarts
+    std::uint8_t order = 0;     // rank within the queue, 0 first: 9 - Priority, or one constant for MSGDLVSQ(FIFO)
+    std::uint64_t sequence = 0; // taken at MQPUT, unique in the store, also over restarts
 
     auto operator<=>(const MessageKey &) const = default;
 };
@@ -36,12 +36,12 @@ enum class Index : std::uint8_t { MsgId = 1, CorrelId = 2, GroupId = 3 };
 // Everything about a message but its body. Stored as it stands, in the live state and, for persistent messages, in
 // the log: no pointers, no padding that is not zero (value-initialise it), and a new meaning only for spare fields.
 struct MessageHeader {
-    MQMD md;                          // version 2, all fields as the getter will see them
-    std::uint32_t bodyLength = 0;     // bytes; the store sets it from the body
-    std::int64_t expiryDeadline = 0;  // microseconds since 1970 UTC; 0: never expires
-    std::int64_t putTime = 0;         // microseconds since 1970 UTC
-    std::uint32_t coreFlags = 0;      // free for the floors above
-    std::uint32_t coreLength = 0;     // free for the floors above, e.g. length of the properties before the body
+    MQMD md;                              // version 2, all fields as the getter will see them
+    std::uint32_t bodyLength = 0;         // bytes; the store sets it from the body
+    std::int64_t expiryDeadline = 0;      // microseconds since 1970 UTC; 0: never expires
+    std::int64_t putTime = 0;             // microseconds since 1970 UTC
+    std::uint32_t coreFlags = 0;          // free for the floors above
+    std::uint32_t coreLength = 0;         // free for the floors above, e.g. length of the properties before the body
     std::array<std::uint8_t, 32> spare{}; // zero; free for the floors above
 };
 

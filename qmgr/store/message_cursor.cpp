@@ -6,7 +6,8 @@ namespace mqrig::qmgr::store {
 namespace {
 
 // Moves a cursor of the library. `name` gives the key for MDB_SET_RANGE.
-template <class Value> int move(MDB_cursor *cursor, MDB_cursor_op how, Value &name, Value &value)
+template <class Value>
+int move(MDB_cursor *cursor, MDB_cursor_op how, Value &name, Value &value)
 {
     MDB_val key{name.size, const_cast<void *>(name.data)}; // NOLINT: the library takes no const
     MDB_val data{};
@@ -137,8 +138,7 @@ const MessageHeader &MessageCursor::header()
 std::span<const std::byte> MessageCursor::body()
 {
     if (header().bodyLength > inlineBody || value_.size < sizeof(MessageHeader)) return transaction_.body(key_);
-    return {static_cast<const std::byte *>(value_.data) + sizeof(MessageHeader),
-            value_.size - sizeof(MessageHeader)};
+    return {static_cast<const std::byte *>(value_.data) + sizeof(MessageHeader), value_.size - sizeof(MessageHeader)};
 }
 
 } // namespace mqrig::qmgr::store

@@ -21,9 +21,9 @@ extern std::atomic<std::uint32_t> forkCount;
 // One for each process. A forked child starts with a new one and leaves the parent's where it lies: it must neither
 // use nor close what it inherited (storage environments, descriptors that carry the parent's locks).
 struct Process {
-    std::uint64_t token;       // random: tells this process from an earlier one with the same pid
-    std::mutex mutex;          // guards the maps; taken while a store is opened, so two threads do not open it twice
-    std::map<std::string, std::shared_ptr<Store>> stores;       // by queue manager folder
+    std::uint64_t token; // random: tells this process from an earlier one with the same pid
+    std::mutex mutex;    // guards the maps; taken while a store is opened, so two threads do not open it twice
+    std::map<std::string, std::shared_ptr<Store>> stores;                                   // by queue manager folder
     std::map<std::pair<std::uint64_t, std::uint64_t>, std::unique_ptr<LockFile>> lockFiles; // by device and inode
 
     Process();

@@ -27,14 +27,19 @@ Outcome outcomeOfErrno()
 {
     switch (errno) {
     case ENOSPC:
-    case EDQUOT: return failure(MQRC_STORAGE_NOT_AVAILABLE);
+    case EDQUOT:
+        return failure(MQRC_STORAGE_NOT_AVAILABLE);
     case EACCES:
     case EPERM:
-    case EROFS: return failure(MQRC_NOT_AUTHORIZED);
+    case EROFS:
+        return failure(MQRC_NOT_AUTHORIZED);
     case EEXIST:
-    case ENOTEMPTY: return failure(MQRC_OBJECT_ALREADY_EXISTS);
-    case ENOENT: return failure(MQRC_Q_MGR_NAME_ERROR);
-    default: return failure(MQRC_UNEXPECTED_ERROR);
+    case ENOTEMPTY:
+        return failure(MQRC_OBJECT_ALREADY_EXISTS);
+    case ENOENT:
+        return failure(MQRC_Q_MGR_NAME_ERROR);
+    default:
+        return failure(MQRC_UNEXPECTED_ERROR);
     }
 }
 
@@ -69,7 +74,7 @@ void sweepLeftovers(const std::filesystem::path &storeFolder)
     std::error_code error;
     for (const auto &entry : std::filesystem::directory_iterator(storeFolder, error)) {
         const std::string name = entry.path().filename().string();
-        struct stat status{};
+        struct stat status {};
         if (!name.starts_with(unfinished) && !name.starts_with(discarded)) continue;
         if (stat(entry.path().c_str(), &status) != 0 || status.st_mtime > currentTime() / 1'000'000 - anHour) continue;
         std::filesystem::remove_all(entry.path(), error);

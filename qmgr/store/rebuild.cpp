@@ -78,7 +78,8 @@ Outcome Store::fill(LogDatabase &log)
     });
     if (outcome.failed()) return outcome;
     outcome = update(1, 0, [&](WriteTransaction &transaction) {
-        for (const Definition &definition : definitions) putDefinition(transaction, definition);
+        for (const Definition &definition : definitions)
+            putDefinition(transaction, definition);
         return success();
     });
     if (outcome.failed()) return outcome;
@@ -102,15 +103,16 @@ Outcome Store::fill(LogDatabase &log)
         });
     };
     Outcome stored;
-    outcome = log.forEachMessage([&](const MessageKey &key, const MessageHeader &header, std::span<const std::byte> body) {
-        batch.push_back({key, header, {body.begin(), body.end()}});
-        bytes += body.size() + sizeof(MessageHeader);
-        if (bytes < bytesAtOnce) return true;
-        stored = store();
-        batch.clear();
-        bytes = 0;
-        return !stored.failed();
-    });
+    outcome =
+        log.forEachMessage([&](const MessageKey &key, const MessageHeader &header, std::span<const std::byte> body) {
+            batch.push_back({key, header, {body.begin(), body.end()}});
+            bytes += body.size() + sizeof(MessageHeader);
+            if (bytes < bytesAtOnce) return true;
+            stored = store();
+            batch.clear();
+            bytes = 0;
+            return !stored.failed();
+        });
     if (outcome.failed()) return outcome;
     return stored.failed() ? stored : store();
 }

@@ -10,19 +10,28 @@ namespace mqrig::qmgr::store {
 
 // Steps of an operation between which a process may die.
 enum class Step : std::uint8_t {
-    CreateWritten,      // a queue manager's folder is complete but not yet in its place
-    LiveRebuilt,        // live state rebuilt, not yet declared valid
-    SlotTaken,          // connection slot taken, attach not yet answered
-    UnitPrepared,       // unit of work prepared in the live state, not yet logged
-    UnitLogged,         // in the log, not yet flipped
-    UnitFlipped,        // visible, owners and getters not yet woken
-    DefinitionLogged,   // object definition in the log, not yet in the live state
-    EndLogged,          // end of the queue manager on disk, not yet in the control block
-    MapReserved,        // space for a larger live state reserved, not yet published
+    CreateWritten,    // a queue manager's folder is complete but not yet in its place
+    LiveRebuilt,      // live state rebuilt, not yet declared valid
+    SlotTaken,        // connection slot taken, attach not yet answered
+    UnitPrepared,     // unit of work prepared in the live state, not yet logged
+    UnitLogged,       // in the log, not yet flipped
+    UnitFlipped,      // visible, owners and getters not yet woken
+    DefinitionLogged, // object definition in the log, not yet in the live state
+    EndLogged,        // end of the queue manager on disk, not yet in the control block
+    MapReserved,      // space for a larger live state reserved, not yet published
 };
 
 // Storage calls that a test may let fail.
-enum class StorageCall : std::uint8_t { LogBegin, LogWrite, LogCommit, LogSync, LiveBegin, LivePut, LiveCommit, Reserve };
+enum class StorageCall : std::uint8_t {
+    LogBegin,
+    LogWrite,
+    LogCommit,
+    LogSync,
+    LiveBegin,
+    LivePut,
+    LiveCommit,
+    Reserve
+};
 
 struct Seams {
     // Wall clock, microseconds since 1970 UTC. Used for put times and expiry.

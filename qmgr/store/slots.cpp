@@ -105,6 +105,7 @@ bool Store::releaseDead()
         }
     }
     if (!any) return false;
+    live_->clearDeadReaders();
     // It may have died between preparing a unit and finishing it.
     if (anyPrepared()) static_cast<void>(finishPrepared());
     if (block.state == State::Quiescing && !anyConnection()) completeQuiesce();
@@ -131,7 +132,8 @@ void Store::cleanUp(std::uint32_t number)
             booked.emplace_back(numberAtEnd<QueueId>(key), recordIn<Booking>(value).value_or(Booking{}));
         });
         if (gots.empty() && booked.empty()) return failure(MQRC_NONE); // nothing to commit
-        for (const MessageKey &key : gots) transaction.returnToQueue(key);
+        for (const MessageKey &key : gots)
+            transaction.returnToQueue(key);
         for (const auto &[queue, booking] : booked) {
             QueueStatus &status = transaction.counters(queue);
             status.depth -= booking.puts;

@@ -17,14 +17,18 @@ Outcome outcomeOfFile(int error)
 {
     switch (error) {
     case ENOSPC:
-    case EDQUOT: return failure(MQRC_STORAGE_NOT_AVAILABLE);
+    case EDQUOT:
+        return failure(MQRC_STORAGE_NOT_AVAILABLE);
     case EACCES:
     case EPERM:
-    case EROFS: return failure(MQRC_NOT_AUTHORIZED);
+    case EROFS:
+        return failure(MQRC_NOT_AUTHORIZED);
     case ENOMEM:
     case EMFILE:
-    case ENFILE: return failure(MQRC_RESOURCE_PROBLEM);
-    default: return failure(MQRC_UNEXPECTED_ERROR);
+    case ENFILE:
+        return failure(MQRC_RESOURCE_PROBLEM);
+    default:
+        return failure(MQRC_UNEXPECTED_ERROR);
     }
 }
 
@@ -32,7 +36,7 @@ Outcome outcomeOfFile(int error)
 
 Outcome Store::exists(const std::filesystem::path &folder)
 {
-    struct stat status{};
+    struct stat status {};
     if (stat((folder / "log.db").c_str(), &status) == 0) return success();
     if (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG) return failure(MQRC_Q_MGR_NAME_ERROR);
     return outcomeOfFile(errno);
@@ -109,7 +113,8 @@ StateOfQueueManager Store::look(const std::filesystem::path &folder)
 {
     if (const Outcome there = exists(folder); there.failed()) return {there};
     int error = 0;
-    if (const auto control = ControlMapping::open(folder / "live", error); control) return {success(), (*control)->state};
+    if (const auto control = ControlMapping::open(folder / "live", error); control)
+        return {success(), (*control)->state};
     if (error != 0) return {outcomeOfFile(error)};
     Process &process = thisProcess();
     const std::scoped_lock lock(process.mutex);

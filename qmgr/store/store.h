@@ -60,14 +60,16 @@ public:
     // Commits and wakes, or gives everything up if the answer or a step failed. The body's answer, or the failure.
     Outcome end(WriteTransaction &transaction, const Outcome &answer);
     Outcome grow(std::size_t room) { return live_->grow(room); }
-    template <class Body> Outcome read(Body &&body)
+    template <class Body>
+    Outcome read(Body &&body)
     {
         ReadTransaction transaction;
         if (const Outcome begun = begin(transaction); begun.failed()) return begun;
         const Outcome answer = body(transaction);
         return transaction.outcome().failed() ? transaction.outcome() : answer;
     }
-    template <class Body> Outcome update(std::size_t room, std::uint32_t slot, Body &&body)
+    template <class Body>
+    Outcome update(std::size_t room, std::uint32_t slot, Body &&body)
     {
         for (;;) {
             WriteTransaction transaction;
@@ -124,7 +126,8 @@ private:
     Store(std::filesystem::path folder, LockFile &locks) : folder_(std::move(folder)), locks_(locks) {}
 
     static Opened openUnderLock(const std::filesystem::path &folder, LockFile &locks);
-    static Opened openLife(const std::filesystem::path &folder, LockFile &locks, std::unique_ptr<ControlMapping> control);
+    static Opened openLife(const std::filesystem::path &folder, LockFile &locks,
+                           std::unique_ptr<ControlMapping> control);
     static Opened beginLife(const std::filesystem::path &folder, LockFile &locks, LogDatabase &log);
     Outcome fill(LogDatabase &log);
     static void putDefinition(WriteTransaction &transaction, const Definition &definition);

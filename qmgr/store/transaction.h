@@ -94,9 +94,12 @@ protected:
         std::size_t size = 0;
     };
     Value get(const LiveKey &key);
-    template <class Visit> void walk(const LiveKey &prefix, Visit &&visit);
-    template <class Visit> void forEach(const LiveKey &prefix, Visit &&visit);
-    template <class Visit> void forFirst(const LiveKey &prefix, Visit &&visit);
+    template <class Visit>
+    void walk(const LiveKey &prefix, Visit &&visit);
+    template <class Visit>
+    void forEach(const LiveKey &prefix, Visit &&visit);
+    template <class Visit>
+    void forFirst(const LiveKey &prefix, Visit &&visit);
     [[nodiscard]] std::optional<Hold> holdOf(const MessageKey &key);
     [[nodiscard]] bool isHeld(const MessageKey &key);
     // Remembers LMDB's error code; MDB_NOTFOUND is none. True if there was no error.
@@ -216,14 +219,14 @@ private:
     bool isHeld();
 
     Transaction &transaction_;
-    MDB_cursor *walk_ = nullptr;   // over messages or over one index
-    MDB_cursor *holds_ = nullptr;  // over the queue's holds, beside it; null while the queue has none
-    LiveKey prefix_;               // of the records of the walk
+    MDB_cursor *walk_ = nullptr;  // over messages or over one index
+    MDB_cursor *holds_ = nullptr; // over the queue's holds, beside it; null while the queue has none
+    LiveKey prefix_;              // of the records of the walk
     bool byIndex_ = false;
     MessageKey key_;
     std::optional<MessageKey> nextHold_; // first held message not before key_
     bool nextHoldKnown_ = false;
-    Transaction::Value value_;           // of the message's record, once known
+    Transaction::Value value_; // of the message's record, once known
     MessageHeader header_{};
     bool headerRead_ = false;
 };

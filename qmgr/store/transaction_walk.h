@@ -7,7 +7,8 @@
 namespace mqrig::qmgr::store {
 
 // Visits records in key order from the first that begins with `prefix` while the visitor answers true.
-template <class Visit> void Transaction::walk(const LiveKey &prefix, Visit &&visit)
+template <class Visit>
+void Transaction::walk(const LiveKey &prefix, Visit &&visit)
 {
     if (outcome_.failed()) return;
     MDB_cursor *cursor = nullptr;
@@ -23,7 +24,8 @@ template <class Visit> void Transaction::walk(const LiveKey &prefix, Visit &&vis
 }
 
 // Visits all records that begin with `prefix`. The visitor changes nothing in the live state.
-template <class Visit> void Transaction::forEach(const LiveKey &prefix, Visit &&visit)
+template <class Visit>
+void Transaction::forEach(const LiveKey &prefix, Visit &&visit)
 {
     walk(prefix, [&](const MDB_val &key, const MDB_val &value) {
         visit(key, value);
@@ -32,7 +34,8 @@ template <class Visit> void Transaction::forEach(const LiveKey &prefix, Visit &&
 }
 
 // Visits the first of them, if there is one.
-template <class Visit> void Transaction::forFirst(const LiveKey &prefix, Visit &&visit)
+template <class Visit>
+void Transaction::forFirst(const LiveKey &prefix, Visit &&visit)
 {
     walk(prefix, [&](const MDB_val &key, const MDB_val &value) {
         visit(key, value);

@@ -17,7 +17,8 @@ bool isNoId(const MQBYTE *id)
 }
 
 // Runs `act` on the index key of every id that the message has.
-template <class Act> void forEachIndex(const MessageKey &key, const MQMD &md, Act &&act)
+template <class Act>
+void forEachIndex(const MessageKey &key, const MQMD &md, Act &&act)
 {
     if (!isNoId(md.MsgId)) act(LiveKey::indexed(key, Index::MsgId, md.MsgId));
     if (!isNoId(md.CorrelId)) act(LiveKey::indexed(key, Index::CorrelId, md.CorrelId));
@@ -135,8 +136,10 @@ void WriteTransaction::flush()
         }
     }
     if (scratch_->steps.empty() || outcome_.failed()) return;
-    const UnitRecord unit{
-        .kind = scratch_->unitKind, .slot = slot_, .connection = connection_->connection.load(), .steps = scratch_->steps.size()};
+    const UnitRecord unit{.kind = scratch_->unitKind,
+                          .slot = slot_,
+                          .connection = connection_->connection.load(),
+                          .steps = scratch_->steps.size()};
     const std::size_t stepBytes = scratch_->steps.size() * sizeof(UnitStep);
     const LiveKey key = LiveKey::unit(ticket());
     MDB_val name = valueOf(key);

@@ -22,7 +22,8 @@ TEST_F(Definitions, AreListedInNameOrder)
     Definition more{.type = MQOT_Q, .name = "A.QUEUE", .bytes = "x"};
     ASSERT_EQ(a->define(more), success());
     std::vector<std::string> names;
-    for (const auto &definition : a->definitions(MQOT_Q)) names.push_back(definition.name);
+    for (const auto &definition : a->definitions(MQOT_Q))
+        names.push_back(definition.name);
     EXPECT_EQ(names, (std::vector<std::string>{"A.QUEUE", "Q1", "Q2"}));
     EXPECT_EQ(a->definitions(MQOT_ALL).size(), 4U);
 }
@@ -65,7 +66,8 @@ TEST_F(Definitions, QueueNumbersAreNeverGivenTwice)
     for (int time = 0; time < 3; ++time) {
         Definition queue{.type = MQOT_Q, .name = "AGAIN", .bytes = ""};
         ASSERT_EQ(a->define(queue), success());
-        for (const QueueId id : ids) EXPECT_NE(queue.queue, id);
+        for (const QueueId id : ids)
+            EXPECT_NE(queue.queue, id);
         ids.push_back(queue.queue);
         ASSERT_EQ(a->remove(MQOT_Q, "AGAIN", nullptr), success());
     }
@@ -75,7 +77,8 @@ TEST_F(Definitions, RemovingAQueueAsksAndTakesItsMessages)
 {
     const auto a = connect();
     ASSERT_EQ(put(*a, q1_, "stays", {.persistence = MQPER_PERSISTENT, .msgId = "m"}), success());
-    for (int n = 0; n < 5000; ++n) ASSERT_EQ(put(*a, q2_, "goes", {.msgId = "m", .correlId = "c"}), success());
+    for (int n = 0; n < 5000; ++n)
+        ASSERT_EQ(put(*a, q2_, "goes", {.msgId = "m", .correlId = "c"}), success());
     ASSERT_EQ(put(*a, q2_, std::string(100'000, 'g'), {.persistence = MQPER_PERSISTENT}), success());
     const auto ifEmpty = [](const QueueStatus &status) {
         return status.depth == 0 ? success() : failure(MQRC_Q_NOT_EMPTY);
@@ -87,10 +90,11 @@ TEST_F(Definitions, RemovingAQueueAsksAndTakesItsMessages)
     EXPECT_EQ(put(*a, q2_, "late"), failure(MQRC_Q_DELETED));
     UnitOfWork unit(*a);
     EXPECT_EQ(unit.put(q2_, "late"), failure(MQRC_Q_DELETED));
-    EXPECT_EQ(a->update(0, [&](WriteTransaction &transaction) {
-        transaction.addOpens(q2_, {.input = 1});
-        return success();
-    }),
+    EXPECT_EQ(a->update(0,
+                        [&](WriteTransaction &transaction) {
+                            transaction.addOpens(q2_, {.input = 1});
+                            return success();
+                        }),
               failure(MQRC_Q_DELETED));
     EXPECT_EQ(browse(*a, q1_), (std::vector<std::string>{"stays"}));
 }

@@ -131,8 +131,10 @@ void sweep(const std::function<std::unique_ptr<Attachment>()> &connect, QueueId 
         ASSERT_EQ(statusOf(*a, q1).held, 0U) << before;
         ASSERT_EQ(statusOf(*a, q2).held, 0U) << before;
         ASSERT_EQ(statusOf(*a, q2).uncommitted, 0U) << before;
-        while (!get(*a, q1).empty()) {}
-        while (!get(*a, q2).empty()) {}
+        while (!get(*a, q1).empty()) {
+        }
+        while (!get(*a, q2).empty()) {
+        }
         if (!failed) {
             ASSERT_GT(before, 0);
             return;
@@ -156,19 +158,21 @@ TEST_F(Faults, AFullMapGrows)
     const auto a = connect();
     const auto b = connect();
     const std::string large(10'000'000, 'x');
-    for (int n = 0; n < 15; ++n) ASSERT_EQ(put(*a, q1_, large), success());
+    for (int n = 0; n < 15; ++n)
+        ASSERT_EQ(put(*a, q1_, large), success());
     // A process that had the small map follows.
     EXPECT_EQ(runProcess([&] {
-        const auto attached = attach(folder_, "QM1");
-        if (browse(*attached.attachment, q1_).size() != 15) return 1;
-        for (int n = 0; n < 10; ++n) {
-            if (put(*attached.attachment, q1_, large).failed()) return 2;
-        }
-        return 0;
-    }),
+                  const auto attached = attach(folder_, "QM1");
+                  if (browse(*attached.attachment, q1_).size() != 15) return 1;
+                  for (int n = 0; n < 10; ++n) {
+                      if (put(*attached.attachment, q1_, large).failed()) return 2;
+                  }
+                  return 0;
+              }),
               0);
     EXPECT_EQ(browse(*b, q1_).size(), 25U);
-    for (int n = 0; n < 25; ++n) ASSERT_EQ(get(*b, q1_), large);
+    for (int n = 0; n < 25; ++n)
+        ASSERT_EQ(get(*b, q1_), large);
 }
 
 TEST_F(Faults, AFullMapThatCannotGrowCanStillBeEmptied)
@@ -177,22 +181,26 @@ TEST_F(Faults, AFullMapThatCannotGrowCanStillBeEmptied)
     fail(StorageCall::Reserve, 0, true);
     int stored = 0;
     Outcome outcome;
-    while (stored < 100'000 && !(outcome = put(*a, q1_, std::string(5000, 'x'))).failed()) ++stored;
+    while (stored < 100'000 && !(outcome = put(*a, q1_, std::string(5000, 'x'))).failed())
+        ++stored;
     EXPECT_EQ(outcome, failure(MQRC_STORAGE_NOT_AVAILABLE));
     EXPECT_GT(stored, 1000);
     EXPECT_EQ(statusOf(*a, q1_).depth, static_cast<std::uint32_t>(stored));
     int got = 0;
-    while (!get(*a, q1_).empty()) ++got;
+    while (!get(*a, q1_).empty())
+        ++got;
     EXPECT_EQ(got, stored);
     // What was freed is taken again, although the map has not grown.
-    for (int n = 0; n < stored / 2; ++n) ASSERT_EQ(put(*a, q1_, std::string(5000, 'x')), success()) << n;
+    for (int n = 0; n < stored / 2; ++n)
+        ASSERT_EQ(put(*a, q1_, std::string(5000, 'x')), success()) << n;
 }
 
 TEST_F(Faults, AUnitThatDoesNotFitIsBackedOut)
 {
     const auto a = connect();
     UnitOfWork unit(*a);
-    for (int n = 0; n < 10; ++n) ASSERT_EQ(unit.put(q1_, std::string(10'000'000, 'x')), success());
+    for (int n = 0; n < 10; ++n)
+        ASSERT_EQ(unit.put(q1_, std::string(10'000'000, 'x')), success());
     fail(StorageCall::Reserve, 0, true);
     EXPECT_EQ(unit.commit(), warning(MQRC_BACKED_OUT));
     heal();
@@ -203,14 +211,17 @@ TEST_F(Faults, AUnitThatDoesNotFitIsBackedOut)
 TEST_F(Faults, ALogWithoutRoomTakesNoPutsButAllGets)
 {
     const auto a = connect();
-    for (int n = 0; n < 50; ++n) ASSERT_EQ(put(*a, q1_, "x", persistent), success());
+    for (int n = 0; n < 50; ++n)
+        ASSERT_EQ(put(*a, q1_, "x", persistent), success());
     fail(StorageCall::Reserve, 0, true);
     int more = 0;
     Outcome outcome;
-    while (more < 100'000 && !(outcome = put(*a, q1_, std::string(50'000, 'x'), persistent)).failed()) ++more;
+    while (more < 100'000 && !(outcome = put(*a, q1_, std::string(50'000, 'x'), persistent)).failed())
+        ++more;
     EXPECT_EQ(outcome, failure(MQRC_STORAGE_NOT_AVAILABLE));
     EXPECT_EQ(statusOf(*a, q1_).depth, 50U + static_cast<unsigned>(more));
-    for (int n = 0; n < 50 + more; ++n) ASSERT_NE(get(*a, q1_), "");
+    for (int n = 0; n < 50 + more; ++n)
+        ASSERT_NE(get(*a, q1_), "");
 }
 
 } // namespace

@@ -102,11 +102,11 @@ protected:
     void live(const std::function<void()> &damage)
     {
         ASSERT_EQ(runProcess([&] {
-            if (startQueueManager(folder_, "QM1").failed()) return 1;
-            const auto attached = attach(folder_, "QM1");
-            if (attached.outcome.failed()) return 2;
-            return put(*attached.attachment, q1_, "unsafe") == success() ? 0 : 3;
-        }),
+                      if (startQueueManager(folder_, "QM1").failed()) return 1;
+                      const auto attached = attach(folder_, "QM1");
+                      if (attached.outcome.failed()) return 2;
+                      return put(*attached.attachment, q1_, "unsafe") == success() ? 0 : 3;
+                  }),
                   0);
         damage();
     }
@@ -192,9 +192,9 @@ TEST_F(Files, OfAnotherUserAreNotAuthorized)
         ASSERT_EQ(chmod((folder_ / "QM1").c_str(), 0), 0);
     }
     EXPECT_EQ(runProcess([&] {
-        if (geteuid() == 0 && setuid(65534) != 0) return 1;
-        return attach(folder_, "QM1").outcome == failure(MQRC_NOT_AUTHORIZED) ? 0 : 2;
-    }),
+                  if (geteuid() == 0 && setuid(65534) != 0) return 1;
+                  return attach(folder_, "QM1").outcome == failure(MQRC_NOT_AUTHORIZED) ? 0 : 2;
+              }),
               0);
     chmod((folder_ / "QM1").c_str(), 0700);
 }

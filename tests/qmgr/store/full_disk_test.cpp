@@ -56,15 +56,18 @@ void fillAndEmpty(Attachment &attachment, QueueId queue, MQLONG persistence, std
 {
     const std::string text(size, 't');
     unsigned stored = 0;
-    for (; stored < before; ++stored) ASSERT_EQ(put(attachment, queue, text, {.persistence = persistence}), success());
+    for (; stored < before; ++stored)
+        ASSERT_EQ(put(attachment, queue, text, {.persistence = persistence}), success());
     fillDisk();
     Outcome outcome;
-    while (stored < 500'000 && !(outcome = put(attachment, queue, text, {.persistence = persistence})).failed()) ++stored;
+    while (stored < 500'000 && !(outcome = put(attachment, queue, text, {.persistence = persistence})).failed())
+        ++stored;
     EXPECT_EQ(outcome, failure(MQRC_STORAGE_NOT_AVAILABLE));
     EXPECT_EQ(statusOf(attachment, queue).depth, stored);
     std::cout << stored << " messages of " << size << " bytes fitted\n";
     unsigned got = 0;
-    while (get(attachment, queue) == text) ++got;
+    while (get(attachment, queue) == text)
+        ++got;
     EXPECT_EQ(got, stored);
     EXPECT_EQ(put(attachment, queue, text, {.persistence = persistence}), success());
     EXPECT_EQ(get(attachment, queue), text);

@@ -37,7 +37,8 @@ void moveForEver(const std::filesystem::path &folder, QueueId from, QueueId to, 
             const std::string text = unit.get(from);
             if (text.empty()) break;
             const bool persistent = text.front() == 'p';
-            if (unit.put(to, text, {.persistence = persistent ? MQPER_PERSISTENT : MQPER_NOT_PERSISTENT}).failed()) _exit(2);
+            if (unit.put(to, text, {.persistence = persistent ? MQPER_PERSISTENT : MQPER_NOT_PERSISTENT}).failed())
+                _exit(2);
         }
         const Outcome outcome = (n + kind) % 5 == 0 ? unit.backOut() : unit.commit();
         if (outcome != success()) _exit(3);
@@ -82,7 +83,8 @@ TEST_F(Kills, AtRandomMomentsLoseAndDoubleNothing)
             usleep(static_cast<useconds_t>(random() % 30'000));
             kill(child, SIGKILL);
         }
-        for (const pid_t child : children) EXPECT_EQ(endOfProcess(child), -SIGKILL);
+        for (const pid_t child : children)
+            EXPECT_EQ(endOfProcess(child), -SIGKILL);
         check(all);
     }
     ASSERT_EQ(endQueueManager(folder_, "QM1", End::Immediate), success());

@@ -9,7 +9,8 @@ using Texts = std::vector<std::string>;
 TEST_F(Messages, AreDeliveredInTheOrderTheyWerePut)
 {
     const auto a = connect();
-    for (const char *text : {"one", "two", "three"}) ASSERT_EQ(put(*a, q1_, text), success());
+    for (const char *text : {"one", "two", "three"})
+        ASSERT_EQ(put(*a, q1_, text), success());
     EXPECT_EQ(browse(*a, q1_), (Texts{"one", "two", "three"}));
     EXPECT_EQ(get(*a, q1_), "one");
     EXPECT_EQ(get(*a, q1_), "two");
@@ -43,9 +44,11 @@ TEST_F(Messages, KeepHeaderAndBodyByteForByte)
                                    std::size_t{100'000}, std::size_t{100} << 20}) {
         for (const MQLONG persistence : {MQPER_NOT_PERSISTENT, MQPER_PERSISTENT}) {
             std::string text(size, 'x');
-            for (std::size_t at = 0; at < size; at += 4099) text[at] = static_cast<char>('a' + at % 26);
-            ASSERT_EQ(put(*a, q1_, text, {.persistence = persistence, .priority = 3, .msgId = "id", .correlId = "correl"}),
-                      success());
+            for (std::size_t at = 0; at < size; at += 4099)
+                text[at] = static_cast<char>('a' + at % 26);
+            ASSERT_EQ(
+                put(*a, q1_, text, {.persistence = persistence, .priority = 3, .msgId = "id", .correlId = "correl"}),
+                success());
             MessageHeader header{};
             ASSERT_EQ(a->read([&](ReadTransaction &transaction) {
                 MessageCursor cursor(transaction, q1_);
@@ -75,7 +78,8 @@ TEST_F(Messages, AreFoundByTheirIdsInDeliveryOrder)
         std::memcpy(bytes, id.data(), id.size());
         EXPECT_EQ(a->read([&](ReadTransaction &transaction) {
             MessageCursor cursor(transaction, q1_, index, bytes);
-            for (bool on = cursor.first(); on; on = cursor.next()) texts.push_back(textOf(cursor.body()));
+            for (bool on = cursor.first(); on; on = cursor.next())
+                texts.push_back(textOf(cursor.body()));
             return success();
         }),
                   success());
@@ -95,7 +99,8 @@ TEST_F(Messages, AreFoundByTheirIdsInDeliveryOrder)
 TEST_F(Messages, AreBrowsedOnFromAKeyThatIsGone)
 {
     const auto a = connect();
-    for (const char *text : {"1", "2", "3", "4"}) ASSERT_EQ(put(*a, q1_, text), success());
+    for (const char *text : {"1", "2", "3", "4"})
+        ASSERT_EQ(put(*a, q1_, text), success());
     MessageKey first;
     ASSERT_EQ(a->read([&](ReadTransaction &transaction) {
         MessageCursor cursor(transaction, q1_);
@@ -125,7 +130,8 @@ TEST_F(Messages, HeldInTheMiddleArePassedOver)
 {
     const auto a = connect();
     const auto b = connect();
-    for (int n = 0; n < 10; ++n) ASSERT_EQ(put(*a, q1_, std::to_string(n)), success());
+    for (int n = 0; n < 10; ++n)
+        ASSERT_EQ(put(*a, q1_, std::to_string(n)), success());
     UnitOfWork unit(*a);
     ASSERT_EQ(unit.get(q1_), "0");
     ASSERT_EQ(unit.get(q1_), "1");
@@ -152,20 +158,22 @@ TEST_F(Messages, HeaderChangesLeaveTheBodyAlone)
     ASSERT_EQ(put(*a, q1_, "small"), success());
     const std::string large(200'000, 'L');
     ASSERT_EQ(put(*a, q1_, large), success());
-    ASSERT_EQ(a->update(0, [&](WriteTransaction &transaction) {
-        std::vector<MessageKey> keys;
-        {
-            MessageCursor cursor(transaction, q1_);
-            for (bool on = cursor.first(); on; on = cursor.next()) keys.push_back(cursor.key());
-        }
-        for (const MessageKey &key : keys) {
-            auto header = transaction.find(key);
-            EXPECT_TRUE(header.has_value());
-            header->md.BackoutCount = 7;
-            transaction.changeHeader(key, *header);
-        }
-        return success();
-    }),
+    ASSERT_EQ(a->update(0,
+                        [&](WriteTransaction &transaction) {
+                            std::vector<MessageKey> keys;
+                            {
+                                MessageCursor cursor(transaction, q1_);
+                                for (bool on = cursor.first(); on; on = cursor.next())
+                                    keys.push_back(cursor.key());
+                            }
+                            for (const MessageKey &key : keys) {
+                                auto header = transaction.find(key);
+                                EXPECT_TRUE(header.has_value());
+                                header->md.BackoutCount = 7;
+                                transaction.changeHeader(key, *header);
+                            }
+                            return success();
+                        }),
               success());
     EXPECT_EQ(browse(*a, q1_), (Texts{"small", large}));
 }
@@ -174,10 +182,11 @@ TEST_F(Messages, OfARefusedUpdateAreNotThere)
 {
     const auto a = connect();
     const NewMessage message{a->newKey(q1_, 0), headerOf({}), bytesOf("never")};
-    EXPECT_EQ(a->update(5, [&](WriteTransaction &transaction) {
-        transaction.put(message);
-        return failure(MQRC_Q_FULL);
-    }),
+    EXPECT_EQ(a->update(5,
+                        [&](WriteTransaction &transaction) {
+                            transaction.put(message);
+                            return failure(MQRC_Q_FULL);
+                        }),
               failure(MQRC_Q_FULL));
     EXPECT_EQ(browse(*a, q1_), (Texts{}));
     EXPECT_EQ(statusOf(*a, q1_).depth, 0U);
@@ -188,16 +197,17 @@ TEST_F(Messages, DiscardedAreGoneAtOnce)
     const auto a = connect();
     ASSERT_EQ(put(*a, q1_, "expired", {.persistence = MQPER_PERSISTENT}), success());
     ASSERT_EQ(put(*a, q1_, "alive", {.persistence = MQPER_PERSISTENT}), success());
-    ASSERT_EQ(a->update(0, [&](WriteTransaction &transaction) {
-        MessageKey key;
-        {
-            MessageCursor cursor(transaction, q1_);
-            EXPECT_TRUE(cursor.first());
-            key = cursor.key();
-        }
-        transaction.discard(key);
-        return success();
-    }),
+    ASSERT_EQ(a->update(0,
+                        [&](WriteTransaction &transaction) {
+                            MessageKey key;
+                            {
+                                MessageCursor cursor(transaction, q1_);
+                                EXPECT_TRUE(cursor.first());
+                                key = cursor.key();
+                            }
+                            transaction.discard(key);
+                            return success();
+                        }),
               success());
     EXPECT_EQ(browse(*a, q1_), (Texts{"alive"}));
     EXPECT_EQ(statusOf(*a, q1_).depth, 1U);

@@ -31,11 +31,11 @@ TEST_F(Processes, PutAndGetForEachOther)
     const auto a = connect();
     ASSERT_EQ(put(*a, q1_, "question", {.persistence = MQPER_PERSISTENT}), success());
     EXPECT_EQ(runProcess([&] {
-        const auto attached = attach(folder_, "QM1");
-        if (attached.outcome.failed()) return 1;
-        if (get(*attached.attachment, q1_) != "question") return 2;
-        return put(*attached.attachment, q2_, "answer") == success() ? 0 : 3;
-    }),
+                  const auto attached = attach(folder_, "QM1");
+                  if (attached.outcome.failed()) return 1;
+                  if (get(*attached.attachment, q1_) != "question") return 2;
+                  return put(*attached.attachment, q2_, "answer") == success() ? 0 : 3;
+              }),
               0);
     EXPECT_EQ(get(*a, q2_), "answer");
     EXPECT_EQ(get(*a, q1_), "");
@@ -93,8 +93,10 @@ TEST_F(Processes, PuttingAndGettingAtOnceLoseAndDoubleNothing)
             }
         });
     }
-    for (const pid_t child : children) EXPECT_EQ(endOfProcess(child), 0);
-    for (auto &reader : readers) reader.join();
+    for (const pid_t child : children)
+        EXPECT_EQ(endOfProcess(child), 0);
+    for (auto &reader : readers)
+        reader.join();
     EXPECT_EQ(got.size(), std::size_t{writers} * each);
     EXPECT_EQ(doubled, 0U);
     EXPECT_EQ(statusOf(*connect(), q1_).depth, 0U);
@@ -107,18 +109,18 @@ TEST_F(Processes, KilledInsideAUnitAreAsBackedOut)
     ASSERT_EQ(put(*a, q1_, "n"), success());
     ASSERT_EQ(put(*a, q1_, "p", {.persistence = MQPER_PERSISTENT}), success());
     EXPECT_EQ(runProcess([&] {
-        auto attached = attach(folder_, "QM1");
-        UnitOfWork unit(*attached.attachment);
-        if (unit.get(q1_) != "n" || unit.get(q1_) != "p") return 1;
-        if (unit.put(q1_, "never", {.persistence = MQPER_PERSISTENT}).failed()) return 2;
-        if (attached.attachment->update(0, [&](WriteTransaction &transaction) {
-                transaction.addOpens(q1_, {.input = 1, .exclusive = 1});
-                return success();
-            }) != success()) {
-            return 3;
-        }
-        die();
-    }),
+                  auto attached = attach(folder_, "QM1");
+                  UnitOfWork unit(*attached.attachment);
+                  if (unit.get(q1_) != "n" || unit.get(q1_) != "p") return 1;
+                  if (unit.put(q1_, "never", {.persistence = MQPER_PERSISTENT}).failed()) return 2;
+                  if (attached.attachment->update(0, [&](WriteTransaction &transaction) {
+                          transaction.addOpens(q1_, {.input = 1, .exclusive = 1});
+                          return success();
+                      }) != success()) {
+                      return 3;
+                  }
+                  die();
+              }),
               -SIGKILL);
     EXPECT_EQ(statusOf(*a, q1_).depth, 1U);
     EXPECT_EQ(statusOf(*a, q1_).opens.exclusive, 1);
@@ -139,10 +141,10 @@ TEST_F(Processes, ThatExitWithoutDisconnectingAreBackedOut)
     const auto a = connect();
     ASSERT_EQ(put(*a, q1_, "1"), success());
     EXPECT_EQ(runProcess([&]() -> int {
-        auto attached = attach(folder_, "QM1");
-        UnitOfWork unit(*attached.attachment);
-        _exit(unit.get(q1_) == "1" ? 0 : 1); // no destructor runs
-    }),
+                  auto attached = attach(folder_, "QM1");
+                  UnitOfWork unit(*attached.attachment);
+                  _exit(unit.get(q1_) == "1" ? 0 : 1); // no destructor runs
+              }),
               0);
     EXPECT_TRUE(a->releaseDead());
     EXPECT_EQ(browse(*a, q1_), (Texts{"1"}));
@@ -156,13 +158,14 @@ protected:
         const auto a = connect();
         ASSERT_EQ(put(*a, q1_, "in", {.persistence = MQPER_PERSISTENT}), success());
         ASSERT_EQ(runProcess([&] {
-            auto attached = attach(folder_, "QM1");
-            UnitOfWork unit(*attached.attachment);
-            if (unit.get(q1_) != "in" || unit.put(q2_, "out", {.persistence = MQPER_PERSISTENT}).failed()) return 1;
-            dieAt(step);
-            static_cast<void>(unit.commit());
-            return 2;
-        }),
+                      auto attached = attach(folder_, "QM1");
+                      UnitOfWork unit(*attached.attachment);
+                      if (unit.get(q1_) != "in" || unit.put(q2_, "out", {.persistence = MQPER_PERSISTENT}).failed())
+                          return 1;
+                      dieAt(step);
+                      static_cast<void>(unit.commit());
+                      return 2;
+                  }),
                   -SIGKILL);
         // Any persistent operation of anybody finishes what the dead one left.
         ASSERT_EQ(put(*a, q1_, "next", {.persistence = MQPER_PERSISTENT}), success());
@@ -207,11 +210,11 @@ TEST_F(KilledCommit, PreparedIsFinishedByALookForDeadConnections)
 {
     const auto a = connect();
     ASSERT_EQ(runProcess([&] {
-        auto attached = attach(folder_, "QM1");
-        dieAt(Step::UnitPrepared);
-        static_cast<void>(put(*attached.attachment, q1_, "whole", {.persistence = MQPER_PERSISTENT}));
-        return 1;
-    }),
+                  auto attached = attach(folder_, "QM1");
+                  dieAt(Step::UnitPrepared);
+                  static_cast<void>(put(*attached.attachment, q1_, "whole", {.persistence = MQPER_PERSISTENT}));
+                  return 1;
+              }),
               -SIGKILL);
     EXPECT_TRUE(browse(*a, q1_).empty());
     EXPECT_TRUE(a->releaseDead());
@@ -221,11 +224,11 @@ TEST_F(KilledCommit, PreparedIsFinishedByALookForDeadConnections)
 TEST_F(KilledCommit, LoggedSurvivesARestartThatComesFirst)
 {
     ASSERT_EQ(runProcess([&] {
-        auto attached = attach(folder_, "QM1");
-        dieAt(Step::UnitLogged);
-        static_cast<void>(put(*attached.attachment, q1_, "logged", {.persistence = MQPER_PERSISTENT}));
-        return 1;
-    }),
+                  auto attached = attach(folder_, "QM1");
+                  dieAt(Step::UnitLogged);
+                  static_cast<void>(put(*attached.attachment, q1_, "logged", {.persistence = MQPER_PERSISTENT}));
+                  return 1;
+              }),
               -SIGKILL);
     std::filesystem::remove_all(folder_ / "QM1" / "live"); // as a new boot would find it
     EXPECT_EQ(browse(*connect(), q1_), (Texts{"logged"}));
@@ -235,12 +238,12 @@ TEST_F(Processes, KilledWhileDefiningLeaveTheDefinitionToTheNext)
 {
     const auto a = connect();
     ASSERT_EQ(runProcess([&] {
-        auto attached = attach(folder_, "QM1");
-        dieAt(Step::DefinitionLogged);
-        Definition queue{.type = MQOT_Q, .name = "NEW", .bytes = "x"};
-        static_cast<void>(attached.attachment->define(queue));
-        return 1;
-    }),
+                  auto attached = attach(folder_, "QM1");
+                  dieAt(Step::DefinitionLogged);
+                  Definition queue{.type = MQOT_Q, .name = "NEW", .bytes = "x"};
+                  static_cast<void>(attached.attachment->define(queue));
+                  return 1;
+              }),
               -SIGKILL);
     EXPECT_FALSE(a->findDefinition(MQOT_Q, "NEW").has_value());
     ASSERT_EQ(put(*a, q1_, "any", {.persistence = MQPER_PERSISTENT}), success());
@@ -254,11 +257,11 @@ TEST_F(Processes, KilledWhileRemovingAQueueLeaveItRemoved)
     const auto a = connect();
     ASSERT_EQ(put(*a, q2_, "goes", {.persistence = MQPER_PERSISTENT}), success());
     ASSERT_EQ(runProcess([&] {
-        auto attached = attach(folder_, "QM1");
-        dieAt(Step::DefinitionLogged);
-        static_cast<void>(attached.attachment->remove(MQOT_Q, "Q2", nullptr));
-        return 1;
-    }),
+                  auto attached = attach(folder_, "QM1");
+                  dieAt(Step::DefinitionLogged);
+                  static_cast<void>(attached.attachment->remove(MQOT_Q, "Q2", nullptr));
+                  return 1;
+              }),
               -SIGKILL);
     EXPECT_EQ(put(*a, q2_, "late"), failure(MQRC_Q_DELETED));
     ASSERT_EQ(put(*a, q1_, "any", {.persistence = MQPER_PERSISTENT}), success());
@@ -269,10 +272,10 @@ TEST_F(Processes, KilledWhileRemovingAQueueLeaveItRemoved)
 TEST_F(Processes, KilledWhileCreatingLeaveNoQueueManager)
 {
     ASSERT_EQ(runProcess([&] {
-        dieAt(Step::CreateWritten);
-        static_cast<void>(createQueueManager(folder_, "QM2", {}, DefaultQueueManager::Yes));
-        return 1;
-    }),
+                  dieAt(Step::CreateWritten);
+                  static_cast<void>(createQueueManager(folder_, "QM2", {}, DefaultQueueManager::Yes));
+                  return 1;
+              }),
               -SIGKILL);
     EXPECT_EQ(listQueueManagers(folder_).size(), 1U);
     EXPECT_EQ(defaultQueueManager(folder_), "");
@@ -280,15 +283,49 @@ TEST_F(Processes, KilledWhileCreatingLeaveNoQueueManager)
     EXPECT_EQ(createQueueManager(folder_, "QM2", {}, DefaultQueueManager::No), success());
 }
 
+TEST_F(Processes, KilledWhileConnectingLeaveAFreeSlot)
+{
+    ASSERT_EQ(runProcess([&] {
+                  dieAt(Step::SlotTaken);
+                  static_cast<void>(attach(folder_, "QM1"));
+                  return 1;
+              }),
+              -SIGKILL);
+    const auto a = connect();
+    EXPECT_TRUE(a->releaseDead());
+    EXPECT_FALSE(a->releaseDead());
+}
+
+TEST_F(Processes, KilledWhileTheLiveStateGrowsLeaveItWhole)
+{
+    const auto a = connect();
+    ASSERT_EQ(put(*a, q1_, "before"), success());
+    const std::string large(10'000'000, 'x');
+    ASSERT_EQ(runProcess([&] {
+                  const auto attached = attach(folder_, "QM1");
+                  dieAt(Step::MapReserved);
+                  for (int n = 0; n < 20; ++n)
+                      static_cast<void>(put(*attached.attachment, q2_, large));
+                  return 1;
+              }),
+              -SIGKILL);
+    const std::size_t stored = browse(*a, q2_).size();
+    EXPECT_GT(stored, 0U);
+    for (int n = 0; n < 20; ++n)
+        ASSERT_EQ(put(*a, q2_, large), success());
+    EXPECT_EQ(browse(*a, q2_).size(), stored + 20);
+    EXPECT_EQ(browse(*a, q1_), (Texts{"before"}));
+}
+
 TEST_F(Processes, KilledWhileRebuildingLeaveItToTheNext)
 {
     ASSERT_EQ(put(*connect(), q1_, "safe", {.persistence = MQPER_PERSISTENT}), success());
     ASSERT_EQ(endQueueManager(folder_, "QM1", End::Quiesce), success());
     ASSERT_EQ(runProcess([&] {
-        dieAt(Step::LiveRebuilt);
-        static_cast<void>(startQueueManager(folder_, "QM1"));
-        return 1;
-    }),
+                  dieAt(Step::LiveRebuilt);
+                  static_cast<void>(startQueueManager(folder_, "QM1"));
+                  return 1;
+              }),
               -SIGKILL);
     EXPECT_EQ(browse(*connect(), q1_), (Texts{"safe"}));
 }
@@ -297,10 +334,10 @@ TEST_F(Processes, KilledWhileEndingLeaveAnEndThatCanBeRepeated)
 {
     const auto a = connect();
     ASSERT_EQ(runProcess([&] {
-        dieAt(Step::EndLogged);
-        static_cast<void>(endQueueManager(folder_, "QM1", End::Immediate));
-        return 1;
-    }),
+                  dieAt(Step::EndLogged);
+                  static_cast<void>(endQueueManager(folder_, "QM1", End::Immediate));
+                  return 1;
+              }),
               -SIGKILL);
     EXPECT_EQ(put(*a, q1_, "late", {.persistence = MQPER_PERSISTENT}), failure(MQRC_CONNECTION_BROKEN));
     EXPECT_EQ(attach(folder_, "QM1").outcome, failure(MQRC_Q_MGR_NOT_AVAILABLE));
@@ -327,11 +364,13 @@ TEST_F(Processes, TwoFirstOnesAtOnceFindOneLife)
         }
         close(gate[0]);
         close(gate[1]);
-        for (const pid_t child : children) EXPECT_EQ(endOfProcess(child), 0);
+        for (const pid_t child : children)
+            EXPECT_EQ(endOfProcess(child), 0);
         const auto a = connect();
         EXPECT_EQ(browse(*a, q2_).size(), 4U);
         EXPECT_EQ(browse(*a, q1_).size(), static_cast<std::size_t>(round + 1));
-        while (!get(*a, q2_).empty()) {}
+        while (!get(*a, q2_).empty()) {
+        }
     }
 }
 
@@ -343,13 +382,13 @@ TEST_F(Processes, ForkedChildrenDoNotOwnTheConnection)
     ASSERT_EQ(unit.get(q1_), "1");
     EXPECT_FALSE(a->forked());
     EXPECT_EQ(runProcess([&] {
-        if (!a->forked() || a->check() != failure(MQRC_HCONN_ERROR)) return 1;
-        const auto own = attach(folder_, "QM1"); // a connection of its own is fine
-        if (own.outcome.failed()) return 2;
-        if (!browse(*own.attachment, q1_).empty()) return 3;
-        if (own.attachment->releaseDead()) return 4; // the parent is alive
-        return put(*own.attachment, q1_, "child's") == success() ? 0 : 5;
-    }),
+                  if (!a->forked() || a->check() != failure(MQRC_HCONN_ERROR)) return 1;
+                  const auto own = attach(folder_, "QM1"); // a connection of its own is fine
+                  if (own.outcome.failed()) return 2;
+                  if (!browse(*own.attachment, q1_).empty()) return 3;
+                  if (own.attachment->releaseDead()) return 4; // the parent is alive
+                  return put(*own.attachment, q1_, "child's") == success() ? 0 : 5;
+              }),
               0);
     EXPECT_EQ(a->check(), success());
     static_cast<void>(a->releaseDead());

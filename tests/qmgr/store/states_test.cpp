@@ -194,7 +194,8 @@ TEST_F(States, AWaiterForAChangeOfStateSeesIt)
 {
     const auto a = connect();
     State seen = State::Running;
-    std::thread waiter([&] { seen = a->waitForStateChange(State::Running, std::chrono::steady_clock::now() + patience); });
+    std::thread waiter(
+        [&] { seen = a->waitForStateChange(State::Running, std::chrono::steady_clock::now() + patience); });
     ASSERT_EQ(endQueueManager(folder_, "QM1", End::Quiesce), success());
     waiter.join();
     EXPECT_EQ(seen, State::Quiescing);
@@ -224,7 +225,9 @@ TEST(QueueManagerNames, HaveOneFolderEach)
 
 TEST(StoreFolder, FollowsTheEnvironment)
 {
-    const auto set = [](const char *name, const char *value) { value == nullptr ? unsetenv(name) : setenv(name, value, 1); };
+    const auto set = [](const char *name, const char *value) {
+        value == nullptr ? unsetenv(name) : setenv(name, value, 1);
+    };
     const char *home = getenv("HOME");
     const std::string savedHome = home == nullptr ? "" : home;
     set("MQRIG_STORE", "/x/store");

@@ -50,7 +50,8 @@ pid_t StoreTest::startProcess(const std::function<int()> &body)
 
 void StoreTest::die()
 {
-    for (;;) kill(getpid(), SIGKILL);
+    for (;;)
+        kill(getpid(), SIGKILL);
 }
 
 int StoreTest::endOfProcess(pid_t process)
@@ -86,8 +87,8 @@ std::string textOf(std::span<const std::byte> bytes)
 
 Outcome put(Attachment &attachment, QueueId queue, std::string_view text, const Wanted &wanted)
 {
-    const NewMessage message{attachment.newKey(queue, static_cast<std::uint8_t>(9 - wanted.priority)),
-                             headerOf(wanted), bytesOf(text)};
+    const NewMessage message{attachment.newKey(queue, static_cast<std::uint8_t>(9 - wanted.priority)), headerOf(wanted),
+                             bytesOf(text)};
     Ticket ticket = 0;
     const Outcome outcome = attachment.update(text.size(), [&](WriteTransaction &transaction) {
         ticket = transaction.put(message);
@@ -120,7 +121,8 @@ std::vector<std::string> browse(Attachment &attachment, QueueId queue)
     std::vector<std::string> texts;
     EXPECT_EQ(attachment.read([&](ReadTransaction &transaction) {
         MessageCursor cursor(transaction, queue);
-        for (bool found = cursor.first(); found; found = cursor.next()) texts.push_back(textOf(cursor.body()));
+        for (bool found = cursor.first(); found; found = cursor.next())
+            texts.push_back(textOf(cursor.body()));
         return success();
     }),
               success());

@@ -123,10 +123,11 @@ TEST_P(Units, DisconnectingGivesBackWhatWasHeld)
         UnitOfWork unit(*b);
         ASSERT_EQ(unit.get(q1_), "1");
         ASSERT_EQ(unit.put(q1_, "2", kind_), success());
-        ASSERT_EQ(b->update(0, [&](WriteTransaction &transaction) {
-            transaction.addOpens(q1_, {.input = 1, .exclusive = 1, .output = 1});
-            return success();
-        }),
+        ASSERT_EQ(b->update(0,
+                            [&](WriteTransaction &transaction) {
+                                transaction.addOpens(q1_, {.input = 1, .exclusive = 1, .output = 1});
+                                return success();
+                            }),
                   success());
         EXPECT_EQ(statusOf(*a, q1_).opens.exclusive, 1);
     }
@@ -143,10 +144,12 @@ TEST_P(Units, LargeUnitsCommit)
 {
     const auto a = connect();
     UnitOfWork unit(*a);
-    for (int n = 0; n < 2000; ++n) ASSERT_EQ(unit.put(q1_, std::to_string(n), kind_), success());
+    for (int n = 0; n < 2000; ++n)
+        ASSERT_EQ(unit.put(q1_, std::to_string(n), kind_), success());
     ASSERT_EQ(unit.commit(), success());
     EXPECT_EQ(statusOf(*a, q1_).depth, 2000U);
-    for (int n = 0; n < 2000; ++n) ASSERT_EQ(unit.get(q1_), std::to_string(n));
+    for (int n = 0; n < 2000; ++n)
+        ASSERT_EQ(unit.get(q1_), std::to_string(n));
     ASSERT_EQ(unit.commit(), success());
     EXPECT_EQ(browse(*a, q1_), (Texts{}));
     EXPECT_EQ(statusOf(*a, q1_).held, 0U);

@@ -1,6 +1,7 @@
 #include <atomic>
 #include <thread>
 
+#include "qmgr/store/seams.h"
 #include "store_test.h"
 
 #include <csignal>
@@ -91,7 +92,8 @@ TEST_F(Waiting, EveryWaiterGetsOneOfManyMessages)
     for (int n = 0; n < waiters; ++n) {
         ASSERT_EQ(put(*a, q1_, "m", {.persistence = n % 2 == 0 ? MQPER_PERSISTENT : MQPER_NOT_PERSISTENT}), success());
     }
-    for (auto &thread : threads) thread.join();
+    for (auto &thread : threads)
+        thread.join();
     EXPECT_EQ(got, waiters);
     EXPECT_EQ(get(*a, q1_), "");
 }
@@ -109,6 +111,31 @@ TEST_F(Waiting, EndsWithTheQueueManager)
     ASSERT_EQ(read(ready[0], &byte, 1), 1);
     ASSERT_EQ(endQueueManager(folder_, "QM1", End::Immediate), success());
     EXPECT_EQ(endOfProcess(process), 0);
+}
+
+// Nobody is left who would finish the unit but the sleeper itself.
+TEST_F(Waiting, GetsTheMessageThatAKilledProcessHadPrepared)
+{
+    std::string got;
+    std::atomic<bool> asleep{false};
+    std::thread getter([&] {
+        const auto b = connect();
+        asleep = true;
+        got = waitAndGet(*b, q1_, soon());
+    });
+    while (!asleep)
+        std::this_thread::yield();
+    EXPECT_EQ(runProcess([&] {
+                  const auto attached = attach(folder_, "QM1");
+                  seams.reached = [](Step step) {
+                      if (step == Step::UnitPrepared) die();
+                  };
+                  static_cast<void>(put(*attached.attachment, q1_, "heir", {.persistence = MQPER_PERSISTENT}));
+                  return 1;
+              }),
+              -SIGKILL);
+    getter.join();
+    EXPECT_EQ(got, "heir");
 }
 
 // A getter sleeps in another thread; a process takes the message under syncpoint and is killed.
