@@ -23,7 +23,7 @@ struct MessageKey {
     std::uint8_t order = 0;     // rank within the queue, 0 first: 9 - Priority, or one constant for MSGDLVSQ(FIFO)
     std::uint64_t sequence = 0; // taken at MQPUT, unique in the store, also over restarts
 
-    auto operator<=>(const MessageKey &) const = default;
+    auto operator<=>(const MessageKey &) const = default; // NOLINT(modernize-use-nullptr): the checker misreads it
 };
 
 // The ids that messages can be found by.
