@@ -24,7 +24,8 @@ void storeConnection(const core::Connection &connection, MQCNO &cno)
 
 Outcome connectWithOptions(PMQCHAR pQMgrName, PMQCNO pConnectOpts, PMQHCONN pHconn)
 {
-    if (pHconn != nullptr) *pHconn = MQHC_UNUSABLE_HCONN;
+    if (pHconn == nullptr) return failure(MQRC_HCONN_ERROR);
+    *pHconn = MQHC_UNUSABLE_HCONN;
     if (const MQLONG reason = api::checkCno(pConnectOpts)) return failure(reason);
     const MQCNO cno = api::loadCno(pConnectOpts);
     if (const Outcome checked = api::checkConnectOptions(pConnectOpts, cno); checked.failed()) return checked;

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t shortSearch = 64;
 constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
 // Bodies from this length on are copied outside the transaction that takes them.
-constexpr std::size_t largeBody = 64 * 1024;
+constexpr std::size_t largeBody = 65536;
 
 // What the transaction did with the message that it found; made anew whenever it runs again.
 struct Taken {

@@ -8,7 +8,7 @@
 namespace mqrig::qmgr::core {
 namespace {
 
-constexpr std::size_t blockSize = 256 * 1024;
+constexpr std::size_t blockSize = 262144;
 // Lists that grew beyond this for one large unit are given back with it.
 constexpr std::size_t keptMessages = 1024;
 
