@@ -141,8 +141,3 @@ MQLONG trim(char *text);
 /// The value in the machine's byte order, by the record's `DataEncoding`.
 MQLONG reverseEndian(MQLONG value, const RunParams *params);
 MQINT64 reverseEndian64(MQINT64 value, const RunParams *params);
-
-// ---- Not built yet ------------------------------------------------------------------------------------------------
-
-/// "NAME is not built yet" on standard error, and the status of a local failure.
-Status not_built_yet(const char *name);

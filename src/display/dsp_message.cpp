@@ -14,20 +14,21 @@ public:
     Head &text(const char *part)
     {
         const std::size_t length = std::strlen(part);
-        std::memcpy(end_, part, length);
-        end_ += length;
+        std::memcpy(text_ + length_, part, length);
+        length_ += length;
         return *this;
     }
     Head &number(MQLONG value)
     {
-        end_ = std::to_chars(end_, text_ + sizeof text_, value).ptr;
+        char *const end = std::to_chars(text_ + length_, text_ + sizeof text_, value).ptr;
+        length_ = static_cast<std::size_t>(end - text_);
         return *this;
     }
-    void write() const { std::fwrite(text_, 1, static_cast<std::size_t>(end_ - text_), stdout); }
+    void write() const { std::fwrite(text_, 1, length_, stdout); }
 
 private:
     char text_[128]; // three numbers and the longest label
-    char *end_ = text_;
+    std::size_t length_ = 0;
 };
 
 Head counter_head(MQULONG counter)

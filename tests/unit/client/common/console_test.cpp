@@ -149,7 +149,7 @@ TEST_F(Console, StandardErrorComesAfterWhatWasWrittenBefore)
     std::printf("fifth ");
     perrinfo("sixth", EPERM);
     std::printf("seventh ");
-    not_built_yet("EIGHTH");
+    printf_d("s", 2, 0, "eighth ");
     std::printf("ninth ");
     info(stderr, "tenth");
     std::fflush(stdout);
@@ -163,7 +163,7 @@ TEST_F(Console, StandardErrorComesAfterWhatWasWrittenBefore)
     const std::size_t length = std::fread(text, 1, sizeof text - 1, log);
     std::fclose(log);
     EXPECT_EQ(std::string(text, length), "first second third s,1,0: fourth fifth sixth: Operation not permitted\n"
-                                         "seventh EIGHTH is not built yet\nninth tenth\n");
+                                         "seventh s,2,0: eighth ninth tenth\n");
 }
 
 TEST_F(Console, InfoEndsTheLine)
@@ -287,8 +287,3 @@ TEST_F(Console, NoTimeIsNoSleep)
     EXPECT_TRUE(wrapped.sleeps.empty());
 }
 
-TEST_F(Console, WhatIsNotBuiltYetSaysSoAndFails)
-{
-    const Captured written = captured([] { EXPECT_EQ(not_built_yet("Routine"), 1); });
-    EXPECT_EQ(written.err, "Routine is not built yet\n");
-}
