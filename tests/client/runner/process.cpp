@@ -182,6 +182,7 @@ struct Client {
     ::dup2(out, STDOUT_FILENO);
     ::dup2(err, STDERR_FILENO);
     std::vector<std::string> arguments = run.arguments;
+    ::signal(SIGPIPE, SIG_DFL);
     auto argv = pointersTo(arguments);
     auto envp = pointersTo(variables);
     if (::chdir(folder.c_str()) == 0) ::execve(programs.client.c_str(), argv.data(), envp.data());
@@ -336,6 +337,7 @@ bool sameSettings(const termios &one, const termios &other)
 
 Outcome runClient(const Run &run, bool onTerminal, const Programs &programs, const std::string &folder)
 {
+    ::signal(SIGPIPE, SIG_IGN); // a client may end without reading its input
     writeFile(folder + "/script", run.setup.script);
     ::unlink((folder + "/record").c_str());
     for (const Node &node : run.setup.nodes) make(node, folder + "/" + node.name);
