@@ -117,7 +117,7 @@ Walk walk_rfh2(Rest &rest, RunParams *params)
     if (printMQRFH2(rest.data, rest.length, params) != StatusOk) return Walk::Ends;
     set_format(params, rfh2->Format);
     const MQLONG length = reverseEndian(rfh2->StrucLength, params);
-    if (length > rest.length || length < MQRFH_STRUC_LENGTH_FIXED_2) {
+    if (length > rest.length || length <= 0) {
         std::printf("MQRFH2 StrucLength invalid. %d\n", length);
         return Walk::Ends;
     }

@@ -303,10 +303,17 @@ TEST_F(WalkTest, Rfh2OfNegativeLengthEnds)
     EXPECT_NE(walk(rfh2(-1, "")).find("MQRFH2 StrucLength invalid. -1\n"), std::string::npos);
 }
 
-TEST_F(WalkTest, Rfh2ShorterThanItsFixedPartEnds)
+TEST_F(WalkTest, Rfh2OfLengthZeroEnds)
 {
     begin_with("MQHRF2  ");
-    EXPECT_NE(walk(rfh2(1, "")).find("MQRFH2 StrucLength invalid. 1\n"), std::string::npos);
+    EXPECT_NE(walk(rfh2(0, "")).find("MQRFH2 StrucLength invalid. 0\n"), std::string::npos);
+}
+
+TEST_F(WalkTest, Rfh2ShorterThanItsFixedPartIsFollowedByWhatStandsBehindItsLength)
+{
+    begin_with("MQHRF2  ");
+    const std::string out = walk(rfh2(35, "X"));
+    EXPECT_NE(out.find("NameValueCCSID[1208]\ndata length: 2\n00000000:  0058 "), std::string::npos) << out;
 }
 
 TEST_F(WalkTest, ThousandsOfRfh2HeadersAreWalked)
