@@ -100,6 +100,7 @@ Connecting connectAll(RunState &state, Connections &connections, const RunParams
 void waitForStartFile(RunParams params)
 {
     if (params.SyncStartFile == nullptr) return;
+    flush_output(); // opening a pipe waits as well
     std::FILE *file = nullptr;
     while ((file = std::fopen(params.SyncStartFile, "r")) == nullptr)
         sleep_millisecond(&params, 1);

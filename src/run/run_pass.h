@@ -4,13 +4,14 @@
 #include "options.h"
 #include "status.h"
 
+#include <cstdint>
 #include <optional>
 
 /// What survives from one pass to the next.
 struct RunState {
-    MQLONG passes = -1;    ///< passes still to run; -1: not yet taken from -c
-    MQLONG retries = -1;   ///< connects that may still be tried again; -1: not yet taken from -cr
-    bool retrying = false; ///< the next pass repeats a failed connect, which has had its pause
+    std::int64_t passes = -1; ///< passes still to run, one more for each retry; -1: not yet taken from -c
+    MQLONG retries = -1;      ///< connects that may still be tried again; -1: not yet taken from -cr
+    bool retrying = false;    ///< the next pass repeats a failed connect, which has had its pause
     Status result = StatusOk;
 };
 
