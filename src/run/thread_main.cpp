@@ -19,8 +19,7 @@ void *thread_function(void *block)
 Status thread_main(RunParams *params, MQHCONN hconn, RunParams *secondary, SingleOperation single,
                    PairedOperation paired)
 {
-    const Worker block = {*params, *secondary, hconn, single, paired, {}};
-    // The connection outlives the group, and with it its event handler.
-    const bool outlivesGroup = params->Cbd.CallbackFunction != nullptr;
-    return runWorkers("thread_main", params, block, params->ThreadCount, thread_function, outlivesGroup);
+    // The driver made the connection, which outlives the group.
+    const Worker block = {*params, *secondary, hconn, true, single, paired, {}};
+    return runWorkers("thread_main", params, block, params->ThreadCount, thread_function);
 }

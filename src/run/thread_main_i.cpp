@@ -24,9 +24,11 @@ void *thread_function_i(void *block)
         printf_te(&worker.record, "Queue Manager Connect Fail.\n");
         return nullptr;
     }
+    worker.connected = true;
     if (worker.record.Cbd.CallbackFunction != nullptr) MQSeriesCB(hconn, &worker.record);
     runOperation(worker, hconn);
-    MQSeriesDisconn(&hconn, &worker.record);
+    // With -sd the wrapper succeeds and the connection stays.
+    worker.connected = MQSeriesDisconn(&hconn, &worker.record) != StatusOk || worker.record.SkipDisc != 0;
     return nullptr;
 }
 
@@ -34,8 +36,6 @@ void *thread_function_i(void *block)
 
 Status thread_main_i(RunParams *params, RunParams *secondary, SingleOperation single, PairedOperation paired)
 {
-    const Worker block = {*params, *secondary, MQHC_UNUSABLE_HCONN, single, paired, {}};
-    // With -sd the connections, and their event handlers, outlive the group.
-    const bool outlivesGroup = params->Cbd.CallbackFunction != nullptr && params->SkipDisc != 0;
-    return runWorkers("thread_main_i", params, block, params->InnerConnThreadCount, thread_function_i, outlivesGroup);
+    const Worker block = {*params, *secondary, MQHC_UNUSABLE_HCONN, false, single, paired, {}};
+    return runWorkers("thread_main_i", params, block, params->InnerConnThreadCount, thread_function_i);
 }

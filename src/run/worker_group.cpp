@@ -3,6 +3,7 @@
 #include "common.h"
 #include "keep.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <new>
@@ -56,10 +57,18 @@ void initLock(const char *source, RunParams *params, pthread_mutex_t &lock)
     }
 }
 
+/// Whether an event handler may reach the group's lock, or a worker's record, when all threads have ended.
+bool handlerOutlives(const Group &group, MQLONG count)
+{
+    const Worker *const workers = group.workers.get();
+    return std::any_of(workers, workers + count, [](const Worker &worker) {
+        return worker.connected && worker.record.Cbd.CallbackFunction != nullptr;
+    });
+}
+
 } // namespace
 
-Status runWorkers(const char *source, RunParams *params, const Worker &block, MQLONG count, void *(*function)(void *),
-                  bool outlivesGroup)
+Status runWorkers(const char *source, RunParams *params, const Worker &block, MQLONG count, void *(*function)(void *))
 {
     std::unique_ptr<Group> group = makeGroup(source, params, count);
     initLock(source, params, group->lock);
@@ -80,7 +89,7 @@ Status runWorkers(const char *source, RunParams *params, const Worker &block, MQ
         if (code == 0) continue;
         printf_td(params, source, __LINE__, 0, "pthread_join() #%0d failed return code=%d\n", i, code);
     }
-    if (outlivesGroup) {
+    if (handlerOutlives(*group, count)) {
         keepToTheEnd(std::move(group));
         return StatusOk;
     }

@@ -11,6 +11,7 @@ struct Worker {
     RunParams record;
     RunParams secondary;
     MQHCONN hconn;
+    bool connected; ///< the connection stays when the group has ended, and with it its event handler
     SingleOperation single;
     PairedOperation paired;
     pthread_t thread;
@@ -20,10 +21,9 @@ struct Worker {
 /// `source` is the launcher's name in reports. A failure to set up ends the process.
 ///
 /// The group's output lock is entered in every copy, and in `params`, the connection's own record, so that the lines
-/// of an event handler stay whole too. `outlivesGroup` says that an event handler may come when the group has ended:
-/// then the lock and the copies are kept to the end of the process.
-Status runWorkers(const char *source, RunParams *params, const Worker &block, MQLONG count, void *(*function)(void *),
-                  bool outlivesGroup);
+/// of an event handler stay whole too. Where one may come when the group has ended, the lock and the copies are kept to
+/// the end of the process.
+Status runWorkers(const char *source, RunParams *params, const Worker &block, MQLONG count, void *(*function)(void *));
 
 /// Runs the worker's operation. Its thread id is set.
 void runOperation(Worker &worker, MQHCONN hconn);

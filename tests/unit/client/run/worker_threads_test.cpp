@@ -272,6 +272,26 @@ TEST_F(WorkerThreads, RecordsWithAnEventHandlerThatStaysConnectedLiveOn)
     }
 }
 
+TEST_F(WorkerThreads, RecordsWithAnEventHandlerWhoseDisconnectFailedLiveOn)
+{
+    std::mutex guard;
+    std::vector<RunParams *> records;
+    routines.during["register QM1"] = [&](RunParams &params) {
+        const std::lock_guard lock(guard);
+        records.push_back(&params);
+    };
+    routines.answers["disconnect QM1"] = {3};
+    // Destroying the lock would end the process with 2.
+    routines.failingCalls["pthread_mutex_destroy"] = 16;
+    const Finished done = run({"-qm", "QM1", "-q", "Q1", "-ni", "2", "-cf", "EventHandler"});
+    EXPECT_EQ(done.exitCode, 0);
+    ASSERT_EQ(records.size(), 2u);
+    for (RunParams *record : records) {
+        EXPECT_EQ(lock_section(record), 0);
+        EXPECT_EQ(unlock_section(record), 0);
+    }
+}
+
 TEST_F(WorkerThreads, AFailedJoinIsReportedAndPassedOver)
 {
     routines.failingCalls["pthread_join"] = 35;
