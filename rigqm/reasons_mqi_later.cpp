@@ -208,7 +208,7 @@ constexpr Reason rows[] = {
     ROW(MQRC_SSL_ALREADY_INITIALIZED, "TLS was set up already in this process; the new settings were not used."),
     ROW(MQRC_SSL_CONFIG_ERROR, "The TLS settings of the connection do not fit together."),
     ROW(MQRC_SSL_INITIALIZATION_ERROR,
-        "TLS could not be set up; look at the key repository and the cipher specification."),
+        "TLS could not be set up; look at the key repository and the CipherSpec."),
     ROW(MQRC_Q_INDEX_TYPE_ERROR, ""),
     ROW(MQRC_CFBS_ERROR, ""),
     ROW(MQRC_SSL_NOT_ALLOWED, "TLS is not possible for this connection."),

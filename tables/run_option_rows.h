@@ -157,7 +157,7 @@ inline constexpr OptionRow CONNECTION_OPTIONS[] = {
      .value = "ADDRESS", .help = "local address of -x (raises MQCD to version 7)"},
     {.flag = "-cs", .kind = OptionKind::Characters, .field = FIELD(Cd.SSLCipherSpec), .marks = MarkConnX,
      .missing = "SSLCipherSpec(-cs)", .fault = "SSLCipherSpec is too long - MQ_SSL_CIPHER_SPEC_LENGTH is %d(-cs)\n",
-     .value = "SPEC", .help = "cipher specification (needs MQCD_VERSION_7)"},
+     .value = "SPEC", .help = "CipherSpec of the channel (needs MQCD_VERSION_7)"},
     {.flag = "-er", .kind = OptionKind::CountedText, .integer = INTEGER(Cd.SSLPeerNameLength),
      .address = ADDRESS(Cd.SSLPeerNamePtr), .limit = MQ_SSL_PEER_NAME_LENGTH, .marks = MarkConnX,
      .missing = "SSLPeerName(-er)", .fault = "SSLPeerName is too long - MQ_SSL_PEER_NAME_LENGTH is %d(-er)\n",

@@ -33,7 +33,7 @@ constexpr int sanitizerExit = 99;
 
 struct Options {
     std::string client;
-    std::string library;
+    std::string mqiFolder;
     std::string faults;
     std::vector<std::string> numbers;
 };
@@ -86,7 +86,7 @@ public:
         std::filesystem::create_directory(folder_ / "folder");
         std::filesystem::current_path(folder_);
         environment_ = {"LC_ALL=C.UTF-8",
-                        "LD_LIBRARY_PATH=" + options_.library,
+                        "LD_LIBRARY_PATH=" + options_.mqiFolder,
                         "LD_PRELOAD=" + options_.faults + "/libclient_faults.so",
                         "MQRIG_RECORD=/dev/null",
                         "MQRIG_TEST_PAUSES=1",
@@ -287,7 +287,7 @@ Options optionsOf(int argc, char **argv)
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
         std::string *const path = argument == "--client"    ? &options.client
-                                  : argument == "--library" ? &options.library
+                                  : argument == "--library" ? &options.mqiFolder
                                   : argument == "--faults"  ? &options.faults
                                                             : nullptr;
         if (path == nullptr) {

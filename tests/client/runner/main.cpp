@@ -33,7 +33,7 @@ Options optionsOf(int argc, char **argv)
         };
         const auto path = [&] { return std::filesystem::absolute(value()).string(); };
         if (argument == "--client") options.programs.client = path();
-        else if (argument == "--library") options.programs.library = path();
+        else if (argument == "--library") options.programs.mqiFolder = path();
         else if (argument == "--faults") options.programs.faults = path();
         else if (argument == "--list") options.list = true;
         else if (argument == "--show") options.show = true;

@@ -122,7 +122,7 @@ std::string readFile(const std::string &path)
 // A small environment of the test's own; what the sanitizers are told from outside goes through.
 std::vector<std::string> environment(const Setup &setup, const Programs &programs, const std::string &folder)
 {
-    std::vector<std::string> variables = {"LC_ALL=C", "TZ=UTC", "LD_LIBRARY_PATH=" + programs.library,
+    std::vector<std::string> variables = {"LC_ALL=C", "TZ=UTC", "LD_LIBRARY_PATH=" + programs.mqiFolder,
                                           "MQRIG_SCRIPT=" + folder + "/script", "MQRIG_RECORD=" + folder + "/record"};
     std::string asan = "detect_stack_use_after_return=1:verify_asan_link_order=0";
     if (const char *given = std::getenv("ASAN_OPTIONS")) asan += std::string(":") + given;

@@ -9,7 +9,7 @@ namespace transcript {
 
 struct Programs {
     std::string client;  // the mqrig under test
-    std::string library; // folder of the scripted libmqm_r.so
+    std::string mqiFolder; // folder of the scripted libmqm_r.so
     std::string faults;  // folder of the libraries that are preloaded for faults, the clock and pauses
 };
 
