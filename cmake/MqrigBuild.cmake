@@ -42,10 +42,3 @@ target_compile_options(mqrig_warnings INTERFACE
 # The build tree has the shape of an installed one: programs in bin/, the embedded queue manager in lib/mqrig/.
 set(MQRIG_BIN_DIR ${CMAKE_BINARY_DIR}/bin)
 set(MQRIG_LIB_DIR ${CMAKE_BINARY_DIR}/lib/mqrig)
-
-# Adds a folder that another engineer is still filling.
-macro(mqrig_subdirectory dir)
-  if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${dir}/CMakeLists.txt)
-    add_subdirectory(${dir})
-  endif()
-endmacro()
