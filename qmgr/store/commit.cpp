@@ -82,6 +82,17 @@ bool leftTheLogAsItWas(const Outcome &outcome)
     return outcome.Reason == MQRC_STORAGE_NOT_AVAILABLE || outcome.Reason == MQRC_RESOURCE_PROBLEM;
 }
 
+// A flip or an undoing decides what owners are told. It needs no space that is not there and fails for next to
+// nothing; if it keeps failing, nothing true can be said any more, and the life has to end.
+template <class Step>
+Outcome insistOn(Step &&step)
+{
+    Outcome outcome = step();
+    for (int again = 0; outcome.failed() && again < 3; ++again)
+        outcome = step();
+    return outcome.failed() ? failure(MQRC_UNEXPECTED_ERROR) : outcome;
+}
+
 // About what a unit adds to the live state, its own steps and the pages of its flip included.
 std::size_t roomOf(const Unit &unit)
 {
@@ -143,7 +154,7 @@ Outcome Store::finishLogged()
     }
     if (row.state == State::Quiescing) control().state = State::Quiescing;
     if (const Outcome reloaded = reloadDefinitions(); reloaded.failed()) return reloaded;
-    return flip(row.ticket);
+    return judgeLog(insistOn([&] { return flip(row.ticket); }));
 }
 
 std::vector<Store::PreparedUnit> Store::preparedUnits(Outcome &outcome)
@@ -227,18 +238,17 @@ Outcome Store::logPrepared()
     outcome = logUnits(units);
     if (!outcome.failed()) {
         reached(Step::UnitLogged);
-        return flip(units.back().ticket);
+        return judgeLog(insistOn([&] { return flip(units.back().ticket); }));
     }
-    if (leftTheLogAsItWas(outcome)) {
-        for (const PreparedUnit &unit : units) {
-            if (units.size() > 1) outcome = logUnits({&unit, 1});
-            if (!outcome.failed()) {
-                outcome = flip(unit.ticket);
-            } else if (leftTheLogAsItWas(outcome)) {
-                outcome = unit.unit.kind == UnitKind::Note ? success() : undo(unit);
-            }
-            if (outcome.failed()) break;
+    if (!leftTheLogAsItWas(outcome)) return judgeLog(outcome);
+    for (const PreparedUnit &unit : units) {
+        if (units.size() > 1) outcome = logUnits({&unit, 1});
+        if (!outcome.failed()) {
+            outcome = insistOn([&] { return flip(unit.ticket); });
+        } else if (leftTheLogAsItWas(outcome)) {
+            outcome = unit.unit.kind == UnitKind::Note ? success() : insistOn([&] { return undo(unit); });
         }
+        if (outcome.failed()) break;
     }
     return judgeLog(outcome);
 }
@@ -338,9 +348,18 @@ Outcome Store::harden(std::uint32_t slot, Ticket ticket)
     if (block.flipped >= ticket) return outcome();
     const LogLock lock(*this);
     if (block.flipped >= ticket) return outcome(); // the holder before us has done it
-    if (lock.outcome().failed()) return lock.outcome();
-    if (const Outcome logged = logPrepared(); logged.failed()) return logged;
-    return outcome();
+    Outcome logged = lock.outcome();
+    if (!logged.failed()) logged = logPrepared();
+    if (!logged.failed()) return outcome();
+    // The log could not even be tried (no descriptor for it, no memory). What is told must come true: the unit is
+    // undone if it is certain that the log does not have it; otherwise it is for somebody else to finish.
+    Outcome found;
+    const auto units = preparedUnits(found);
+    const auto own = std::find_if(units.begin(), units.end(), [&](const auto &unit) { return unit.ticket == ticket; });
+    if (!found.failed() && own == units.end()) return outcome();
+    const bool undoable = lock.held() && block.logUnfinished == 0 && block.state != State::Ended;
+    if (found.failed() || !undoable || undo(*own).failed()) return failure(MQRC_CONNECTION_BROKEN);
+    return logged;
 }
 
 Outcome Store::commit(std::uint32_t slot, const Unit &unit)
@@ -383,7 +402,7 @@ Outcome Store::commit(std::uint32_t slot, const Unit &unit)
     }
     control().slots[slot].holds.fetch_sub(static_cast<std::uint32_t>(unit.gets.size()));
     outcome = harden(slot, ticket);
-    return outcome.Reason == MQRC_STORAGE_NOT_AVAILABLE ? warning(MQRC_BACKED_OUT) : outcome;
+    return outcome.failed() && outcome.Reason != MQRC_CONNECTION_BROKEN ? warning(MQRC_BACKED_OUT) : outcome;
 }
 
 Outcome Store::backOut(std::uint32_t slot, const Unit &unit)

@@ -173,6 +173,7 @@ public:
     LogLock &operator=(const LogLock &) = delete;
     // MQRC_CONNECTION_BROKEN: the life has ended. Failed: the log must not be used.
     [[nodiscard]] Outcome outcome() const { return outcome_; }
+    [[nodiscard]] bool held() const { return held_; }
 
 private:
     Store &store_;

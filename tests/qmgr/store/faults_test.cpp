@@ -153,6 +153,27 @@ TEST_F(Faults, EveryFailedCommitOfTheLogIsToldTruly)
     sweep([this] { return connect(); }, q1_, q2_, StorageCall::LogCommit);
 }
 
+TEST_F(Faults, EveryFailedStepOfTheLiveStateIsToldTruly)
+{
+    for (const StorageCall call : {StorageCall::LiveBegin, StorageCall::LivePut, StorageCall::LiveCommit}) {
+        SCOPED_TRACE(static_cast<int>(call));
+        sweep([this] { return connect(); }, q1_, q2_, call);
+    }
+}
+
+TEST_F(Faults, ALogThatCannotBeOpenedUndoesThePut)
+{
+    const auto log = folder_ / "QM1" / "log.db";
+    const auto a = connect(); // begun by this process: its log is not open yet
+    ASSERT_EQ(put(*a, q1_, "not logged"), success());
+    std::filesystem::rename(log, folder_ / "aside");
+    EXPECT_TRUE(put(*a, q1_, "never", persistent).failed());
+    std::filesystem::rename(folder_ / "aside", log);
+    EXPECT_EQ(statusOf(*a, q1_).held, 0U);
+    EXPECT_EQ(browse(*a, q1_), (Texts{"not logged"}));
+    EXPECT_EQ(put(*a, q1_, "now", persistent), success());
+}
+
 TEST_F(Faults, AFullMapGrows)
 {
     const auto a = connect();
