@@ -90,6 +90,8 @@ Status runWorkers(const char *source, RunParams *params, const Worker &block, MQ
         printf_td(params, source, __LINE__, 0, "pthread_join() #%0d failed return code=%d\n", i, code);
     }
     if (handlerOutlives(*group, count)) {
+        // The handler of a shared connection knows the connection's record, not the copies.
+        if (params->Cbd.CallbackArea == params) group->workers.reset();
         keepToTheEnd(std::move(group));
         return StatusOk;
     }

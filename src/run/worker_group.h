@@ -21,8 +21,8 @@ struct Worker {
 /// `source` is the launcher's name in reports. A failure to set up ends the process.
 ///
 /// The group's output lock is entered in every copy, and in `params`, the connection's own record, so that the lines
-/// of an event handler stay whole too. Where one may come when the group has ended, the lock and the copies are kept to
-/// the end of the process.
+/// of an event handler stay whole too. Where one may come when the group has ended, the lock is kept to the end of the
+/// process, and so are the copies that are the record of their own connection.
 Status runWorkers(const char *source, RunParams *params, const Worker &block, MQLONG count, void *(*function)(void *));
 
 /// Runs the worker's operation. Its thread id is set.

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <malloc.h>
 #include <regex>
 #include <set>
 #include <string>
@@ -270,6 +271,19 @@ TEST_F(WorkerThreads, RecordsWithAnEventHandlerThatStaysConnectedLiveOn)
         EXPECT_EQ(lock_section(record), 0);
         EXPECT_EQ(unlock_section(record), 0);
     }
+}
+
+TEST_F(WorkerThreads, CopiesOfASharedConnectionsRecordDoNotPileUp)
+{
+    const auto inUse = [] {
+        const struct mallinfo2 memory = mallinfo2();
+        return memory.uordblks + memory.hblkhd;
+    };
+    // As the wrapper does it.
+    routines.during["register QM1"] = [](RunParams &params) { params.Cbd.CallbackArea = &params; };
+    const std::size_t before = inUse();
+    run({"-qm", "QM1", "-q", "Q1", "-nt", "20", "-c", "50", "-cf", "EventHandler"});
+    EXPECT_LT(inUse(), before + 50 * sizeof(RunParams));
 }
 
 TEST_F(WorkerThreads, RecordsWithAnEventHandlerWhoseDisconnectFailedLiveOn)
