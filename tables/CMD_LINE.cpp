@@ -89,7 +89,7 @@ constexpr std::size_t writeUsage(char *target)
         writer.addLine(row.prefix, "", "*", row.help);
     }
     writer.add(TAIL);
-    writer.add({"", 1}); // the terminator
+    writer.add({"\0", 1}); // the terminator
     return writer.length;
 }
 
