@@ -7,7 +7,7 @@
 ///   3. Only if no kind fits: add one to option_rows.h and its case to src/options/applyOption.cpp.
 /// How to add a new operation
 ///   1. Write the mode and declare it with its subsystem.
-///   2. Add its step to src/options/selectOperation.cpp, and what the driver opens for it to src/run/connections.cpp.
+///   2. Add its step to src/options/selectOperation.cpp, and what the driver opens for it to src/run/connection.cpp.
 #pragma once
 
 #include "RunParams.h"

@@ -3,7 +3,7 @@
 /// How to add a step to a pass
 ///   1. A pass is the numbered list at the head of src/run/run.cpp: parse, connect, wait, run, settle, close,
 ///   disconnect.
-///   2. What depends on the operation's queues belongs to src/run/connections.cpp.
+///   2. What depends on the operation's queues belongs to src/run/connection.cpp.
 ///   3. A setting that must hold for both records belongs to src/run/reconcile.cpp.
 #pragma once
 
