@@ -8,11 +8,7 @@
 // The keywords of the values of one attribute each. A value that is not listed is not shown.
 
 constexpr NamedInteger c_QueueAccounting[] = {
-    {"QMGR", MQMON_Q_MGR},
-    {"NONE", MQMON_NONE},
-    {"OFF", MQMON_OFF},
-    {"ON", MQMON_ON},
-    {},
+    {"QMGR", MQMON_Q_MGR}, {"NONE", MQMON_NONE}, {"OFF", MQMON_OFF}, {"ON", MQMON_ON}, {},
 };
 constexpr NamedInteger c_CLWLUseQ[] = {
     {"LOCAL", MQCLWL_USEQ_LOCAL},
@@ -41,11 +37,7 @@ constexpr NamedInteger c_InhibitPut[] = {{"ENABLED", MQQA_PUT_ALLOWED}, {"DISABL
 constexpr NamedInteger c_MsgDeliverySequence[] = {{"FIFO", MQMDS_FIFO}, {"PRIORITY", MQMDS_PRIORITY}, {}};
 constexpr NamedInteger c_NonPersistentMessageClass[] = {{"NORMAL", MQNPM_CLASS_NORMAL}, {"HIGH", MQNPM_CLASS_HIGH}, {}};
 constexpr NamedInteger c_PropertyControl[] = {
-    {"ALL", MQPROP_ALL},
-    {"COMPAT", MQPROP_COMPATIBILITY},
-    {"FORCE", MQPROP_FORCE_MQRFH2},
-    {"NONE", MQPROP_NONE},
-    {},
+    {"ALL", MQPROP_ALL}, {"COMPAT", MQPROP_COMPATIBILITY}, {"FORCE", MQPROP_FORCE_MQRFH2}, {"NONE", MQPROP_NONE}, {},
 };
 constexpr NamedInteger c_QDepthHighEvent[] = {{"DISABLED", MQEVR_DISABLED}, {"ENABLED", MQEVR_ENABLED}, {}};
 constexpr NamedInteger c_QDepthLowEvent[] = {{"DISABLED", MQEVR_DISABLED}, {"ENABLED", MQEVR_ENABLED}, {}};
@@ -57,28 +49,16 @@ constexpr NamedInteger c_QServiceIntervalEvent[] = {
     {},
 };
 constexpr NamedInteger c_QType[] = {
-    {"QALIAS", MQQT_ALIAS},
-    {"QCLUSTER", MQQT_CLUSTER},
-    {"QLOCAL", MQQT_LOCAL},
-    {"QREMOTE", MQQT_REMOTE},
-    {},
+    {"QALIAS", MQQT_ALIAS}, {"QCLUSTER", MQQT_CLUSTER}, {"QLOCAL", MQQT_LOCAL}, {"QREMOTE", MQQT_REMOTE}, {},
 };
 constexpr NamedInteger c_Scope[] = {{"QMGR", MQSCO_Q_MGR}, {"CELL", MQSCO_CELL}, {}};
 constexpr NamedInteger c_Shareability[] = {{"SHARE", MQQA_SHAREABLE}, {"NOSHARE", MQQA_NOT_SHAREABLE}, {}};
 constexpr NamedInteger c_QueueStatistics[] = {
-    {"QMGR", MQMON_Q_MGR},
-    {"NONE", MQMON_NONE},
-    {"OFF", MQMON_OFF},
-    {"ON", MQMON_ON},
-    {},
+    {"QMGR", MQMON_Q_MGR}, {"NONE", MQMON_NONE}, {"OFF", MQMON_OFF}, {"ON", MQMON_ON}, {},
 };
 constexpr NamedInteger c_TriggerControl[] = {{"NOTRIGGER", MQTC_OFF}, {"TRIGGER", MQTC_ON}, {}};
 constexpr NamedInteger c_TriggerType[] = {
-    {"NONE", MQTT_NONE},
-    {"FIRST", MQTT_FIRST},
-    {"EVERY", MQTT_EVERY},
-    {"DEPTH", MQTT_DEPTH},
-    {},
+    {"NONE", MQTT_NONE}, {"FIRST", MQTT_FIRST}, {"EVERY", MQTT_EVERY}, {"DEPTH", MQTT_DEPTH}, {},
 };
 constexpr NamedInteger c_Usage[] = {{"NORMAL", MQUS_NORMAL}, {"XMITQ", MQUS_TRANSMISSION}, {}};
 constexpr NamedInteger c_ApplType[] = {
@@ -135,20 +115,10 @@ constexpr NamedInteger c_SSLEvent[] = {{"DISABLED", MQEVR_DISABLED}, {"ENABLED",
 constexpr NamedInteger c_SSLFIPSRequired[] = {{"NO", MQSSL_FIPS_NO}, {"YES", MQSSL_FIPS_YES}, {}};
 constexpr NamedInteger c_StartStopEvent[] = {{"DISABLED", MQEVR_DISABLED}, {"ENABLED", MQEVR_ENABLED}, {}};
 constexpr NamedInteger c_ClusterSenderStatistics[] = {
-    {"QMGR", MQMON_Q_MGR},
-    {"OFF", MQMON_OFF},
-    {"LOW", MQMON_LOW},
-    {"MEDIUM", MQMON_MEDIUM},
-    {"HIGH", MQMON_HIGH},
-    {},
+    {"QMGR", MQMON_Q_MGR}, {"OFF", MQMON_OFF}, {"LOW", MQMON_LOW}, {"MEDIUM", MQMON_MEDIUM}, {"HIGH", MQMON_HIGH}, {},
 };
 constexpr NamedInteger c_ChannelStatistics[] = {
-    {"NONE", MQMON_NONE},
-    {"OFF", MQMON_OFF},
-    {"LOW", MQMON_LOW},
-    {"MEDIUM", MQMON_MEDIUM},
-    {"HIGH", MQMON_HIGH},
-    {},
+    {"NONE", MQMON_NONE}, {"OFF", MQMON_OFF}, {"LOW", MQMON_LOW}, {"MEDIUM", MQMON_MEDIUM}, {"HIGH", MQMON_HIGH}, {},
 };
 constexpr NamedInteger c_MQIStatistics[] = {{"ON", MQMON_ON}, {"OFF", MQMON_OFF}, {}};
 constexpr NamedInteger c_SyncPoint[] = {{"SYNCPT", MQSP_AVAILABLE}, {"", MQSP_NOT_AVAILABLE}, {}};

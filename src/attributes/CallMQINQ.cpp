@@ -18,13 +18,15 @@ constexpr MQLONG LongestAttribute = MQ_PROCESS_APPL_ID_LENGTH;
 const AttributeOutput *output_row(MQLONG selector)
 {
     const AttributeOutput *row = prm_to_msg;
-    while (row->keyword != nullptr && row->selector != selector) ++row;
+    while (row->keyword != nullptr && row->selector != selector)
+        ++row;
     return row->keyword != nullptr ? row : nullptr;
 }
 
 const char *keyword_of(const NamedInteger *values, MQLONG value)
 {
-    while (values->name != nullptr && values->value != value) ++values;
+    while (values->name != nullptr && values->value != value)
+        ++values;
     return values->name;
 }
 
@@ -137,9 +139,15 @@ public:
             if (i > 0) std::putchar(' ');
             const Slot &slot = slots()[i];
             switch (slot.kind) {
-            case Kind::Integer: show_integer(slot.selector, *integer++); break;
-            case Kind::Text: show_text(slot.selector, characters, static_cast<MQLONG>(slot.length)); break;
-            case Kind::Names: show_names(characters, slot.length); break;
+            case Kind::Integer:
+                show_integer(slot.selector, *integer++);
+                break;
+            case Kind::Text:
+                show_text(slot.selector, characters, static_cast<MQLONG>(slot.length));
+                break;
+            case Kind::Names:
+                show_names(characters, slot.length);
+                break;
             }
             characters += slot.length;
         }

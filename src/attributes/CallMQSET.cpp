@@ -39,10 +39,7 @@ MQLONG integer_value(const char *text)
 
 class Request {
 public:
-    explicit Request(RunParams *params) : params_(params)
-    {
-        std::memset(characters_, ' ', sizeof characters_);
-    }
+    explicit Request(RunParams *params) : params_(params) { std::memset(characters_, ' ', sizeof characters_); }
 
     /// Selector, value, selector, value...; false after the report that there is no memory.
     bool read_list()

@@ -22,7 +22,8 @@ Buffer<> element_for_each_item(RunParams *params, const char *list, const char *
                                Caller caller)
 {
     std::size_t items = 1;
-    for (const char *at = list; (at = std::strpbrk(at, delimiters)) != nullptr; ++at) ++items;
+    for (const char *at = list; (at = std::strpbrk(at, delimiters)) != nullptr; ++at)
+        ++items;
     const std::size_t size = items * elementSize;
     Buffer<> elements = checked_malloc(params, size, caller);
     if (elements != nullptr) std::memset(elements.get(), 0, size);

@@ -1,6 +1,6 @@
 // A PCF message, structure by structure. Nothing in it is trusted: a structure is shown as far as it was received and
-// as far as its own StrucLength says that it reaches, and one that is cut, or whose length is impossible, ends the walk.
-// Every structure that the walk passes is at least as long as its type demands, so the walk ends however many
+// as far as its own StrucLength says that it reaches, and one that is cut, or whose length is impossible, ends the
+// walk. Every structure that the walk passes is at least as long as its type demands, so the walk ends however many
 // structures the message claims to have.
 #include "display.h"
 
@@ -33,7 +33,7 @@ public:
     void length()
     {
         length_ = integer("StrucLength");
-        end_ = std::min(length_, received_);
+        end_ = std::clamp(length_, 0, received_);
     }
 
     /// "Name[value]" and `behind`; 0 when the field is not there.
@@ -240,34 +240,34 @@ struct StructureType {
     void (*show)(Structure &structure); ///< the fields behind Parameter, or behind StrucLength in a header
 };
 
-#define PCF_TYPE(type, show) {type, #type, show}
+#define PCF_TYPE(type) type, #type
 
 constexpr StructureType TYPES[] = {
-    PCF_TYPE(MQCFT_NONE, show_header),
-    PCF_TYPE(MQCFT_COMMAND, show_header),
-    PCF_TYPE(MQCFT_RESPONSE, show_header),
-    PCF_TYPE(MQCFT_INTEGER, show_integer),
-    PCF_TYPE(MQCFT_STRING, show_string),
-    PCF_TYPE(MQCFT_INTEGER_LIST, show_integer_list),
-    PCF_TYPE(MQCFT_STRING_LIST, show_string_list),
-    PCF_TYPE(MQCFT_EVENT, show_header),
-    PCF_TYPE(MQCFT_USER, show_header),
-    PCF_TYPE(MQCFT_BYTE_STRING, show_byte_string),
-    PCF_TYPE(MQCFT_TRACE_ROUTE, show_header),
-    PCF_TYPE(MQCFT_REPORT, show_header),
-    PCF_TYPE(MQCFT_INTEGER_FILTER, show_integer_filter),
-    PCF_TYPE(MQCFT_STRING_FILTER, show_string_filter),
-    PCF_TYPE(MQCFT_BYTE_STRING_FILTER, show_byte_string_filter),
-    PCF_TYPE(MQCFT_COMMAND_XR, show_header),
-    PCF_TYPE(MQCFT_XR_MSG, show_header),
-    PCF_TYPE(MQCFT_XR_ITEM, show_header),
-    PCF_TYPE(MQCFT_XR_SUMMARY, show_header),
-    PCF_TYPE(MQCFT_GROUP, show_group),
-    PCF_TYPE(MQCFT_STATISTICS, show_header),
-    PCF_TYPE(MQCFT_ACCOUNTING, show_header),
-    PCF_TYPE(MQCFT_INTEGER64, show_integer64),
-    PCF_TYPE(MQCFT_INTEGER64_LIST, show_integer64_list),
-    PCF_TYPE(MQCFT_APP_ACTIVITY, show_header),
+    {PCF_TYPE(MQCFT_NONE), show_header},
+    {PCF_TYPE(MQCFT_COMMAND), show_header},
+    {PCF_TYPE(MQCFT_RESPONSE), show_header},
+    {PCF_TYPE(MQCFT_INTEGER), show_integer},
+    {PCF_TYPE(MQCFT_STRING), show_string},
+    {PCF_TYPE(MQCFT_INTEGER_LIST), show_integer_list},
+    {PCF_TYPE(MQCFT_STRING_LIST), show_string_list},
+    {PCF_TYPE(MQCFT_EVENT), show_header},
+    {PCF_TYPE(MQCFT_USER), show_header},
+    {PCF_TYPE(MQCFT_BYTE_STRING), show_byte_string},
+    {PCF_TYPE(MQCFT_TRACE_ROUTE), show_header},
+    {PCF_TYPE(MQCFT_REPORT), show_header},
+    {PCF_TYPE(MQCFT_INTEGER_FILTER), show_integer_filter},
+    {PCF_TYPE(MQCFT_STRING_FILTER), show_string_filter},
+    {PCF_TYPE(MQCFT_BYTE_STRING_FILTER), show_byte_string_filter},
+    {PCF_TYPE(MQCFT_COMMAND_XR), show_header},
+    {PCF_TYPE(MQCFT_XR_MSG), show_header},
+    {PCF_TYPE(MQCFT_XR_ITEM), show_header},
+    {PCF_TYPE(MQCFT_XR_SUMMARY), show_header},
+    {PCF_TYPE(MQCFT_GROUP), show_group},
+    {PCF_TYPE(MQCFT_STATISTICS), show_header},
+    {PCF_TYPE(MQCFT_ACCOUNTING), show_header},
+    {PCF_TYPE(MQCFT_INTEGER64), show_integer64},
+    {PCF_TYPE(MQCFT_INTEGER64_LIST), show_integer64_list},
+    {PCF_TYPE(MQCFT_APP_ACTIVITY), show_header},
 };
 
 const StructureType *type_of(MQLONG type)

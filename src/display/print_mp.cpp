@@ -122,19 +122,37 @@ bool show_value(const RunParams *params, Buffers &buffers, const Inquired &inqui
     const GrowingBuffer &value = buffers.value;
     const MQLONG length = held(value, inquired.dataLength);
     switch (inquired.type) {
-    case MQTYPE_NULL: std::printf("NULL"); return true;
-    case MQTYPE_BOOLEAN: std::printf("%s", number_of<MQLONG>(value, length) != 0 ? "TRUE" : "FALSE"); return true;
-    case MQTYPE_BYTE_STRING: return show_byte_string(buffers, length);
-    case MQTYPE_INT8: std::printf("%d", number_of<MQINT8>(value, length)); return true;
-    case MQTYPE_INT16: std::printf("%hd", number_of<MQINT16>(value, length)); return true;
-    case MQTYPE_INT32: std::printf("%d", number_of<MQLONG>(value, length)); return true;
+    case MQTYPE_NULL:
+        std::printf("NULL");
+        return true;
+    case MQTYPE_BOOLEAN:
+        std::printf("%s", number_of<MQLONG>(value, length) != 0 ? "TRUE" : "FALSE");
+        return true;
+    case MQTYPE_BYTE_STRING:
+        return show_byte_string(buffers, length);
+    case MQTYPE_INT8:
+        std::printf("%d", number_of<MQINT8>(value, length));
+        return true;
+    case MQTYPE_INT16:
+        std::printf("%hd", number_of<MQINT16>(value, length));
+        return true;
+    case MQTYPE_INT32:
+        std::printf("%d", number_of<MQLONG>(value, length));
+        return true;
     case MQTYPE_INT64:
         std::printf("%lld", static_cast<long long>(number_of<MQINT64>(value, length)));
         return true;
-    case MQTYPE_FLOAT32: std::printf("%e", static_cast<double>(number_of<MQFLOAT32>(value, length))); return true;
-    case MQTYPE_FLOAT64: std::printf("%e", number_of<MQFLOAT64>(value, length)); return true;
-    case MQTYPE_STRING: return show_string(params, buffers, length);
-    default: std::printf("<unrecognized data type>\n"); return true;
+    case MQTYPE_FLOAT32:
+        std::printf("%e", static_cast<double>(number_of<MQFLOAT32>(value, length)));
+        return true;
+    case MQTYPE_FLOAT64:
+        std::printf("%e", number_of<MQFLOAT64>(value, length));
+        return true;
+    case MQTYPE_STRING:
+        return show_string(params, buffers, length);
+    default:
+        std::printf("<unrecognized data type>\n");
+        return true;
     }
 }
 

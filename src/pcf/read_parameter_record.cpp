@@ -51,15 +51,28 @@ constexpr ParameterRow RECORDS[] = {
     {"MQCFIN", PCF_TYPE(MQCFT_INTEGER), {{"Parameter", Plain}}, {"Value", Plain}, Tail::Integer, Convert32},
     {"MQCFST", PCF_TYPE(MQCFT_STRING), {{"Parameter"}, {"CodedCharSetId"}, {"StringLength"}}, {"String"}, Tail::String},
     {"MQCFIL", PCF_TYPE(MQCFT_INTEGER_LIST), {{"Parameter"}, {"Count"}}, {"Values"}, Tail::Integers, Convert32},
-    {"MQCFSL", PCF_TYPE(MQCFT_STRING_LIST), {{"Parameter"}, {"CodedCharSetId"}, {"Count"}, {"StringLength"}},
-     {"Strings"}, Tail::Strings},
+    {"MQCFSL",
+     PCF_TYPE(MQCFT_STRING_LIST),
+     {{"Parameter"}, {"CodedCharSetId"}, {"Count"}, {"StringLength"}},
+     {"Strings"},
+     Tail::Strings},
     {"MQCFBS", PCF_TYPE(MQCFT_BYTE_STRING), {{"Parameter"}, {"StringLength"}}, {"String"}, Tail::Bytes},
-    {"MQCFIF", PCF_TYPE(MQCFT_INTEGER_FILTER), {{"Parameter", Plain}, {"Operator"}}, {"FilterValue", Plain},
-     Tail::Integer, Convert32},
-    {"MQCFSF", PCF_TYPE(MQCFT_STRING_FILTER),
-     {{"Parameter"}, {"Operator"}, {"CodedCharSetId"}, {"FilterValueLength"}}, {"FilterValue"}, Tail::String},
-    {"MQCFBF", PCF_TYPE(MQCFT_BYTE_STRING_FILTER), {{"Parameter"}, {"Operator"}, {"FilterValueLength"}},
-     {"FilterValue"}, Tail::Bytes},
+    {"MQCFIF",
+     PCF_TYPE(MQCFT_INTEGER_FILTER),
+     {{"Parameter", Plain}, {"Operator"}},
+     {"FilterValue", Plain},
+     Tail::Integer,
+     Convert32},
+    {"MQCFSF",
+     PCF_TYPE(MQCFT_STRING_FILTER),
+     {{"Parameter"}, {"Operator"}, {"CodedCharSetId"}, {"FilterValueLength"}},
+     {"FilterValue"},
+     Tail::String},
+    {"MQCFBF",
+     PCF_TYPE(MQCFT_BYTE_STRING_FILTER),
+     {{"Parameter"}, {"Operator"}, {"FilterValueLength"}},
+     {"FilterValue"},
+     Tail::Bytes},
     {"MQCFGR", PCF_TYPE(MQCFT_GROUP), {{"Parameter", Plain}}, {"ParameterCount", Plain}, Tail::Integer, Convert32},
     {"MQCFIN64", PCF_TYPE(MQCFT_INTEGER64), {{"Parameter", Plain}}, {"Value", Plain}, Tail::Integer64, "strtol()"},
     {"MQCFIL64", PCF_TYPE(MQCFT_INTEGER64_LIST), {{"Parameter"}, {"Count"}}, {"Values"}, Tail::Integers64, Convert64},
@@ -100,13 +113,19 @@ public:
     {
         if (!read_numbers()) return false;
         switch (row_.tail) {
-        case Tail::Integer: return read_one<MQLONG>();
-        case Tail::Integer64: return read_one<MQINT64>();
-        case Tail::Integers: return read_list<MQLONG>();
-        case Tail::Integers64: return read_list<MQINT64>();
+        case Tail::Integer:
+            return read_one<MQLONG>();
+        case Tail::Integer64:
+            return read_one<MQINT64>();
+        case Tail::Integers:
+            return read_list<MQLONG>();
+        case Tail::Integers64:
+            return read_list<MQINT64>();
         case Tail::String:
-        case Tail::Bytes: return read_string();
-        case Tail::Strings: return read_strings();
+        case Tail::Bytes:
+            return read_string();
+        case Tail::Strings:
+            return read_strings();
         }
         return false;
     }
@@ -115,15 +134,30 @@ public:
     {
         std::printf("Id : %d, %s : ", numbers_[0], row_.typeName);
         const bool separated = row_.type == MQCFT_BYTE_STRING; // this echo alone has a comma
-        for (std::size_t i = 1; i < count_; ++i) std::printf(separated ? "%d, " : "%d ", numbers_[i]);
+        for (std::size_t i = 1; i < count_; ++i)
+            std::printf(separated ? "%d, " : "%d ", numbers_[i]);
         switch (row_.tail) {
-        case Tail::Integer: echo_number(value_at<MQLONG>(0)); break;
-        case Tail::Integer64: echo_number(value_at<MQINT64>(0)); break;
-        case Tail::Integers: echo_list<MQLONG>(); break;
-        case Tail::Integers64: echo_list<MQINT64>(); break;
-        case Tail::String: echo_string(tail(), length()); break;
-        case Tail::Bytes: std::printf("%.*s", length(), tail()); break;
-        case Tail::Strings: echo_strings(); break;
+        case Tail::Integer:
+            echo_number(value_at<MQLONG>(0));
+            break;
+        case Tail::Integer64:
+            echo_number(value_at<MQINT64>(0));
+            break;
+        case Tail::Integers:
+            echo_list<MQLONG>();
+            break;
+        case Tail::Integers64:
+            echo_list<MQINT64>();
+            break;
+        case Tail::String:
+            echo_string(tail(), length());
+            break;
+        case Tail::Bytes:
+            std::printf("%.*s", length(), tail());
+            break;
+        case Tail::Strings:
+            echo_strings();
+            break;
         }
         std::putchar('\n');
     }

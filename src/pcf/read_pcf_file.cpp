@@ -44,7 +44,10 @@ constexpr NamedInteger CFH_VERSIONS[] = {
     {},
 };
 constexpr NamedInteger COMMANDS[] = {
-    {"MGR", MQCMD_Q_MGR_EVENT}, {"PERFM", MQCMD_PERFM_EVENT}, {"CHANNEL", MQCMD_CHANNEL_EVENT}, {},
+    {"MGR", MQCMD_Q_MGR_EVENT},
+    {"PERFM", MQCMD_PERFM_EVENT},
+    {"CHANNEL", MQCMD_CHANNEL_EVENT},
+    {},
 };
 constexpr NamedInteger CONTROLS[] = {{"MQCFC_LAST", MQCFC_LAST}, {"MQCFC_NOT_LAST", MQCFC_NOT_LAST}, {}};
 constexpr NamedInteger COMP_CODES[] = {{"OK", MQCC_OK}, {"WARNING", MQCC_WARNING}, {"FAILED", MQCC_FAILED}, {}};

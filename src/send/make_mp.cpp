@@ -50,18 +50,32 @@ bool read_value(RunParams *params, MQLONG type, char *text, PropertyValue &value
         value.set<MQBOOL>(word != nullptr ? word->value : 0);
         return true;
     }
-    case MQTYPE_BYTE_STRING: return read_byte_string(params, text, value);
-    case MQTYPE_INT8: value.set(static_cast<MQINT8>(lenientNumber(text))); return true;
-    case MQTYPE_INT16: value.set(static_cast<MQINT16>(lenientNumber(text))); return true;
-    case MQTYPE_INT32: value.set(lenientNumber(text)); return true;
-    case MQTYPE_INT64: value.set<MQINT64>(std::strtoll(text, nullptr, 10)); return true;
-    case MQTYPE_FLOAT32: value.set(static_cast<MQFLOAT32>(std::atof(text))); return true;
-    case MQTYPE_FLOAT64: value.set<MQFLOAT64>(std::atof(text)); return true;
+    case MQTYPE_BYTE_STRING:
+        return read_byte_string(params, text, value);
+    case MQTYPE_INT8:
+        value.set(static_cast<MQINT8>(lenientNumber(text)));
+        return true;
+    case MQTYPE_INT16:
+        value.set(static_cast<MQINT16>(lenientNumber(text)));
+        return true;
+    case MQTYPE_INT32:
+        value.set(lenientNumber(text));
+        return true;
+    case MQTYPE_INT64:
+        value.set<MQINT64>(std::strtoll(text, nullptr, 10));
+        return true;
+    case MQTYPE_FLOAT32:
+        value.set(static_cast<MQFLOAT32>(std::atof(text)));
+        return true;
+    case MQTYPE_FLOAT64:
+        value.set<MQFLOAT64>(std::atof(text));
+        return true;
     case MQTYPE_STRING:
         value.data = text;
         value.length = MQVL_NULL_TERMINATED;
         return true;
-    default: return true; // MQTYPE_NULL and MQTYPE_AS_SET have no value
+    default:
+        return true; // MQTYPE_NULL and MQTYPE_AS_SET have no value
     }
 }
 

@@ -108,7 +108,7 @@ void MQINQ(MQHCONN Hconn, MQHOBJ Hobj, MQLONG SelectorCount, PMQLONG pSelectors,
             texts += text;
         }
         texts.resize(static_cast<std::size_t>(CharAttrLength), ' ');
-        std::memcpy(pCharAttrs, texts.data(), texts.size());
+        if (!texts.empty()) std::memcpy(pCharAttrs, texts.data(), texts.size());
     }
     call.finish();
 }

@@ -16,7 +16,8 @@ std::vector<std::string> expectedRows()
     std::ifstream file(EXPECTED_OUTPUT);
     std::string line;
     std::getline(file, line); // the column names
-    while (std::getline(file, line)) rows.push_back(line);
+    while (std::getline(file, line))
+        rows.push_back(line);
     return rows;
 }
 
@@ -40,7 +41,8 @@ std::string shown(const AttributeOutput &row)
 TEST(AttributeOutput, RowsAndTheirValuesAreInOrder)
 {
     std::vector<std::string> rows;
-    for (const AttributeOutput *row = prm_to_msg; row->keyword != nullptr; ++row) rows.push_back(shown(*row));
+    for (const AttributeOutput *row = prm_to_msg; row->keyword != nullptr; ++row)
+        rows.push_back(shown(*row));
     const std::vector<std::string> expected = expectedRows();
     ASSERT_EQ(expected.size(), 115U);
     EXPECT_EQ(rows, expected);

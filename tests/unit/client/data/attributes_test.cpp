@@ -12,8 +12,14 @@ protected:
         params.InqList = "MQIA_CURRENT_Q_DEPTH,MQCA_Q_NAME";
         params.SetList = "MQIA_TRIGGER_DEPTH:1";
     }
-    Written inquired() { return written([this] { return CallMQINQ(&params, hconn); }); }
-    Written set() { return written([this] { return CallMQSET(&params, hconn); }); }
+    Written inquired()
+    {
+        return written([this] { return CallMQINQ(&params, hconn); });
+    }
+    Written set()
+    {
+        return written([this] { return CallMQSET(&params, hconn); });
+    }
 };
 
 TEST_F(AttributesTest, InquiryOpensAndClosesByItself)

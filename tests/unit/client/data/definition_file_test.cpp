@@ -65,7 +65,8 @@ TEST_F(LinesTest, ZeroByteEndsItsLine)
 TEST_F(LinesTest, FullLineOfListValues)
 {
     std::string line = "MQCFIL=1,507";
-    for (int i = 0; i < 506; ++i) line += ",1";
+    for (int i = 0; i < 506; ++i)
+        line += ",1";
     ASSERT_EQ(line.size(), 1024U);
     EXPECT_EQ(read(line + "\n").err, "Parameter missing : MQCFIL : Values\n");
     line.replace(line.find("507"), 3, "506");
@@ -174,7 +175,8 @@ TEST_F(RecordTest, Integer64ListHasNoReservedWord)
 
 TEST_F(RecordTest, ByteStringHasNoCharacterSet)
 {
-    EXPECT_EQ(structure("MQCFBS=7001,5,ABC"), std::string("\x09\0\0\0\x18\0\0\0\x59\x1b\0\0\x05\0\0\0ABC\0\0\0\0\0", 24));
+    EXPECT_EQ(structure("MQCFBS=7001,5,ABC"),
+              std::string("\x09\0\0\0\x18\0\0\0\x59\x1b\0\0\x05\0\0\0ABC\0\0\0\0\0", 24));
 }
 
 TEST_F(RecordTest, StringFilter)

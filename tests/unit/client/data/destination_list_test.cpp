@@ -10,7 +10,10 @@ namespace {
 class DestinationListTest : public CallsTest {
 protected:
     ~DestinationListTest() override { freeForDestinationList(&params); }
-    Written allocate() { return written([this] { return allocateForDestinationList(&params); }); }
+    Written allocate()
+    {
+        return written([this] { return allocateForDestinationList(&params); });
+    }
     const MQOR *objects() const { return static_cast<const MQOR *>(params.Od.ObjectRecPtr); }
     std::string records(std::size_t bytes) const { return {static_cast<const char *>(params.Pmo.PutMsgRecPtr), bytes}; }
 };
@@ -57,8 +60,8 @@ TEST_F(DestinationListTest, RecordsFollowEachOtherWithoutGaps)
 TEST_F(DestinationListTest, AllFieldsMake108Bytes)
 {
     params.ObjectRecList = "Q1,Q2";
-    params.Pmo.PutMsgRecFields = MQPMRF_MSG_ID | MQPMRF_CORREL_ID | MQPMRF_GROUP_ID | MQPMRF_FEEDBACK |
-                                 MQPMRF_ACCOUNTING_TOKEN;
+    params.Pmo.PutMsgRecFields =
+        MQPMRF_MSG_ID | MQPMRF_CORREL_ID | MQPMRF_GROUP_ID | MQPMRF_FEEDBACK | MQPMRF_ACCOUNTING_TOKEN;
     params.PutMsgRecList = "m:c:g:MQFB_QUIT:t,M:C:G:MQFB_EXPIRATION:T";
     allocate();
     const std::string all = records(216);
@@ -132,8 +135,8 @@ TEST_F(DestinationListTest, WithoutResponseRecordsNoResponsesArePrinted)
 TEST_F(DestinationListTest, EveryPrefixOfALongListIsTakenOrRefused)
 {
     const std::string all = "Q1:QM1,,Q2::QM2," + std::string(48, 'q') + ":" + std::string(48, 'm') + ",:,Q5:";
-    const std::string fields = "0x01:MQFB_COA,a:b:c,," + std::string(24, 'x') + ":MQFB_NONE:y," + "0x" +
-                               std::string(48, '0') + ":z";
+    const std::string fields =
+        "0x01:MQFB_COA,a:b:c,," + std::string(24, 'x') + ":MQFB_NONE:y," + "0x" + std::string(48, '0') + ":z";
     params.Pmo.PutMsgRecFields = MQPMRF_MSG_ID | MQPMRF_FEEDBACK;
     for (std::size_t length = 0; length <= all.size(); ++length) {
         const std::string list = all.substr(0, length);

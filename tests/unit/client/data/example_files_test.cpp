@@ -39,8 +39,7 @@ const Example EXAMPLES_OF_COMMANDS[] = {
     {"inquire_queues.pcf", MQCMD_INQUIRE_Q, 84,
      "Command : 13\nId : 2016, MQCFT_STRING : 0 1 *\nId : 1002, MQCFT_INTEGER_LIST : 2 [2016],[20]\n"},
     {"ping_queue_manager.pcf", MQCMD_PING_Q_MGR, 36, "Command : 40\n"},
-    {"reset_queue_statistics.pcf", MQCMD_RESET_Q_STATS, 64,
-     "Command : 17\nId : 2016, MQCFT_STRING : 0 8 APP.JOBS\n"},
+    {"reset_queue_statistics.pcf", MQCMD_RESET_Q_STATS, 64, "Command : 17\nId : 2016, MQCFT_STRING : 0 8 APP.JOBS\n"},
 };
 
 class ExampleTest : public DefinitionTest, public testing::WithParamInterface<Example> {};
@@ -78,7 +77,8 @@ TEST(Examples, EachIsTested)
     closedir(folder);
     std::sort(files.begin(), files.end());
     std::vector<std::string> tested;
-    for (const Example &example : EXAMPLES_OF_COMMANDS) tested.emplace_back(example.name);
+    for (const Example &example : EXAMPLES_OF_COMMANDS)
+        tested.emplace_back(example.name);
     EXPECT_EQ(files, tested);
 }
 

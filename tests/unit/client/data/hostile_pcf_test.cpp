@@ -1,5 +1,5 @@
-// PCF bodies with every byte wrong in turn, and cut everywhere. Each body stands alone in memory of exactly its size, so
-// that a sanitizer sees any step behind its end.
+// PCF bodies with every byte wrong in turn, and cut everywhere. Each body stands alone in memory of exactly its size,
+// so that a sanitizer sees any step behind its end.
 #include "definition.h"
 
 #include "common.h"
@@ -13,7 +13,8 @@ class HostilePcfTest : public DefinitionTest {
 protected:
     HostilePcfTest()
     {
-        read("MQCFH_PARAMCOUNT=9\nMQCFIN=20,-5\nMQCFST=2016,0,5,'QUEUE'\nMQCFIL=1002,3,1,2,3\nMQCFSL=3011,0,2,3,ABC,DEF\n"
+        read("MQCFH_PARAMCOUNT=9\nMQCFIN=20,-5\nMQCFST=2016,0,5,'QUEUE'\nMQCFIL=1002,3,1,2,3\nMQCFSL=3011,0,2,3,ABC,"
+             "DEF\n"
              "MQCFGR=8001,2\nMQCFBS=7001,3,xyz\nMQCFIF=3,10,500\nMQCFSF=2016,18,0,2,A*\nMQCFBF=7002,1,3,abc\n"
              "MQCFIN64=702,7\nMQCFIL64=703,2,1,2\n");
         MQLONG length = 0;
@@ -92,7 +93,8 @@ TEST_F(HostilePcfTest, HundredThousandNestedGroupsAreALoop)
     const MQLONG group[4] = {MQCFT_GROUP, 16, 8001, 1};
     constexpr int Groups = 100000;
     std::string nested(reinterpret_cast<const char *>(&cfh), sizeof cfh);
-    for (int i = 0; i < Groups; ++i) nested.append(reinterpret_cast<const char *>(group), sizeof group);
+    for (int i = 0; i < Groups; ++i)
+        nested.append(reinterpret_cast<const char *>(group), sizeof group);
     EXPECT_EQ(lines(shown(nested)), Groups + 1);
 }
 

@@ -46,7 +46,8 @@ TEST_F(PcfMessageTest, StructuresStandInTheOrderOfTheFile)
     read("MQCFIN=1,2\nMQCFBS=3,2,AB\nMQCFIN64=4,5\n");
     make();
     std::string expected(message.get(), 36);
-    for (const std::string &structure : def.structures()) expected += structure;
+    for (const std::string &structure : def.structures())
+        expected += structure;
     EXPECT_EQ(std::string(message.get(), static_cast<std::size_t>(length)), expected);
 }
 
@@ -56,23 +57,24 @@ TEST_F(PcfMessageTest, DisplayShowsWhatTheFileSaid)
          "MQCFSL=3011,0,2,3,'ABC',DEF\nMQCFBS=7001,4,0x4142\nMQCFIF=3,10,500\nMQCFSF=2016,18,0,2,A*\n"
          "MQCFBF=7002,1,3,xyz\nMQCFGR=8001,0\nMQCFIN64=702,-9000000000\nMQCFIL64=703,2,1,-1\n");
     make();
-    EXPECT_EQ(shown(),
-              "*MQCFH(MQCFT_COMMAND) Type[1] StrucLength[36] Version[1] Command[13] MsgSeqNumber[1] Control[1] "
-              "CompCode[0] Reason[0] ParameterCount[11]\n"
-              "(MQCFT_INTEGER) Type[3] StrucLength[16] Parameter[20] Value[-5]\n"
-              "(MQCFT_STRING) Type[4] StrucLength[28] Parameter[2016] CodedCharSetId[819] StringLength[5] String[QUEUE]\n"
-              "(MQCFT_INTEGER_LIST) Type[5] StrucLength[28] Parameter[1002] Count[3] Values[1,16,-3]\n"
-              "(MQCFT_STRING_LIST) Type[6] StrucLength[32] Parameter[3011] CodedCharSetId[0] Count[2] StringLength[3] "
-              "String1[ABC] String2[DEF]\n"
-              "(MQCFT_BYTE_STRING) Type[9] StrucLength[20] Parameter[7001] StringLength[4] String[AB..]\n"
-              "(MQCFT_INTEGER_FILTER) Type[13] StrucLength[20] Parameter[3] Operator[10] FilterValue[500]\n"
-              "(MQCFT_STRING_FILTER) Type[14] StrucLength[28] Parameter[2016] Operator[18] CodedCharSetId[0] "
-              "FilterValueLength[2] FilterValue[A*]\n"
-              "(MQCFT_BYTE_STRING_FILTER) Type[15] StrucLength[24] Parameter[7002] Operator[1] FilterValueLength[3] "
-              "FilterValue[xyz]\n"
-              "(MQCFT_GROUP) Type[20] StrucLength[16] Parameter[8001] ParameterCount[0]\n"
-              "(MQCFT_INTEGER64) Type[23] StrucLength[24] Parameter[702] Value[-9000000000]\n"
-              "(MQCFT_INTEGER64_LIST) Type[25] StrucLength[32] Parameter[703] Count[2] Values[1,-1]\n");
+    EXPECT_EQ(
+        shown(),
+        "*MQCFH(MQCFT_COMMAND) Type[1] StrucLength[36] Version[1] Command[13] MsgSeqNumber[1] Control[1] "
+        "CompCode[0] Reason[0] ParameterCount[11]\n"
+        "(MQCFT_INTEGER) Type[3] StrucLength[16] Parameter[20] Value[-5]\n"
+        "(MQCFT_STRING) Type[4] StrucLength[28] Parameter[2016] CodedCharSetId[819] StringLength[5] String[QUEUE]\n"
+        "(MQCFT_INTEGER_LIST) Type[5] StrucLength[28] Parameter[1002] Count[3] Values[1,16,-3]\n"
+        "(MQCFT_STRING_LIST) Type[6] StrucLength[32] Parameter[3011] CodedCharSetId[0] Count[2] StringLength[3] "
+        "String1[ABC] String2[DEF]\n"
+        "(MQCFT_BYTE_STRING) Type[9] StrucLength[20] Parameter[7001] StringLength[4] String[AB..]\n"
+        "(MQCFT_INTEGER_FILTER) Type[13] StrucLength[20] Parameter[3] Operator[10] FilterValue[500]\n"
+        "(MQCFT_STRING_FILTER) Type[14] StrucLength[28] Parameter[2016] Operator[18] CodedCharSetId[0] "
+        "FilterValueLength[2] FilterValue[A*]\n"
+        "(MQCFT_BYTE_STRING_FILTER) Type[15] StrucLength[24] Parameter[7002] Operator[1] FilterValueLength[3] "
+        "FilterValue[xyz]\n"
+        "(MQCFT_GROUP) Type[20] StrucLength[16] Parameter[8001] ParameterCount[0]\n"
+        "(MQCFT_INTEGER64) Type[23] StrucLength[24] Parameter[702] Value[-9000000000]\n"
+        "(MQCFT_INTEGER64_LIST) Type[25] StrucLength[32] Parameter[703] Count[2] Values[1,-1]\n");
 }
 
 TEST_F(PcfMessageTest, NoMemoryForTheHeader)
@@ -144,7 +146,8 @@ TEST_F(PutFromPcfDefTest, EveryPutStartsFromTheSameDescriptor)
     params.MsgCount = 3;
     EXPECT_EQ(put("MQCFIN=1,2\n").status, 0);
     ASSERT_EQ(fakeMqi.mds.size(), 3U);
-    for (const MQMD &md : fakeMqi.mds) EXPECT_EQ(md.MsgId[0], 0);
+    for (const MQMD &md : fakeMqi.mds)
+        EXPECT_EQ(md.MsgId[0], 0);
     EXPECT_EQ(fakeMqi.bodies[0], fakeMqi.bodies[2]);
 }
 
