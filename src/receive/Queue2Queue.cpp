@@ -113,7 +113,7 @@ Status open_reply_target(Transfer &transfer, const ReplyNames &names)
 Status put_message(Transfer &transfer, MQLONG length, MQLONG n)
 {
     if (PutSource::isGiven(transfer.put)) return transfer.source.put(transfer.put, transfer.hconn, 0, n);
-    return forward_body(transfer.get, transfer.hconn, transfer.put, transfer.buffers.message.get(), length, n);
+    return forward_body(transfer.get, transfer.hconn, transfer.put, transfer.buffers, length, n);
 }
 
 /// Ends the unit of work of one message. A message for which nothing was put stays on its queue. The result of a
