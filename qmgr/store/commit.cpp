@@ -42,6 +42,7 @@
 //
 // Non-persistent work never takes the log lock. Under LMDB's writer lock nobody waits for a disk.
 
+#include "qmgr/store/futex.h"
 #include "qmgr/store/seams.h"
 #include "qmgr/store/store.h"
 #include "qmgr/store/transaction_scratch.h"
@@ -59,6 +60,8 @@ struct Store::PreparedUnit {
 };
 
 namespace {
+
+constexpr std::chrono::milliseconds killedHolderInterval{50};
 
 MessageKey keyOf(const UnitStep &step)
 {
@@ -105,10 +108,13 @@ std::size_t roomOf(const Unit &unit)
 
 } // namespace
 
-LogLock::LogLock(Store &store) : store_(store)
+LogLock::LogLock(Store &store, Busy busy) : store_(store)
 {
     ControlBlock &control = store.control();
-    const int code = pthread_mutex_lock(&control.logLock);
+    const int code =
+        busy == Busy::Wait ? pthread_mutex_lock(&control.logLock) : pthread_mutex_trylock(&control.logLock);
+    busy_ = code == EBUSY;
+    if (busy_) return;
     if (code == EOWNERDEAD) {
         // Noted before the mutex is declared whole: should we die too, the next one knows.
         control.logUnfinished = 1;
@@ -128,7 +134,11 @@ LogLock::LogLock(Store &store) : store_(store)
 
 LogLock::~LogLock()
 {
-    if (held_) pthread_mutex_unlock(&store_.control().logLock);
+    if (!held_) return;
+    ControlBlock &control = store_.control();
+    pthread_mutex_unlock(&control.logLock);
+    control.logTurns.fetch_add(1);
+    if (control.logWaiters != 0) futexWake(&control.logTurns);
 }
 
 Outcome Store::openLog()
@@ -337,16 +347,11 @@ Outcome Store::finishPrepared()
     return lock.outcome().failed() ? lock.outcome() : logPrepared();
 }
 
-Outcome Store::harden(std::uint32_t slot, Ticket ticket)
+// Does the log's work for everybody, the owner of the ticket among them; its outcome.
+template <class OwnOutcome>
+Outcome Store::logOwn(const LogLock &lock, Ticket ticket, OwnOutcome &&outcome)
 {
-    if (ticket == 0) return success();
-    reached(Step::UnitPrepared);
     ControlBlock &block = control();
-    const auto outcome = [&] {
-        return block.slots[slot].undone == ticket ? failure(MQRC_STORAGE_NOT_AVAILABLE) : success();
-    };
-    if (block.flipped >= ticket) return outcome();
-    const LogLock lock(*this);
     if (block.flipped >= ticket) return outcome(); // the holder before us has done it
     Outcome logged = lock.outcome();
     if (!logged.failed()) logged = logPrepared();
@@ -360,6 +365,28 @@ Outcome Store::harden(std::uint32_t slot, Ticket ticket)
     const bool undoable = lock.held() && block.logUnfinished == 0 && block.state != State::Ended;
     if (found.failed() || !undoable || undo(*own).failed()) return failure(MQRC_CONNECTION_BROKEN);
     return logged;
+}
+
+Outcome Store::harden(std::uint32_t slot, Ticket ticket)
+{
+    if (ticket == 0) return success();
+    reached(Step::UnitPrepared);
+    ControlBlock &block = control();
+    const auto outcome = [&] {
+        return block.slots[slot].undone == ticket ? failure(MQRC_STORAGE_NOT_AVAILABLE) : success();
+    };
+    while (block.flipped < ticket) {
+        const std::uint32_t seen = block.logTurns;
+        const LogLock lock(*this, LogLock::Busy::GiveUp);
+        if (!lock.busy()) return logOwn(lock, ticket, outcome);
+        // Owners do not queue up for the lock: they would take it one after the other only to find their unit done,
+        // and the next batch would wait for all of them. They sleep until its holder is through, wake together, and
+        // one of those that are left over becomes the next holder. A holder that is killed wakes nobody.
+        block.logWaiters.fetch_add(1);
+        futexWait(&block.logTurns, seen, std::chrono::steady_clock::now() + killedHolderInterval);
+        block.logWaiters.fetch_sub(1);
+    }
+    return outcome();
 }
 
 Outcome Store::commit(std::uint32_t slot, const Unit &unit)

@@ -70,6 +70,8 @@ struct ControlBlock {
     alignas(64) std::atomic<std::uint64_t> sequence; // next number for a message
 
     alignas(64) pthread_mutex_t logLock;      // process-shared, robust: see commit.cpp
+    std::atomic<std::uint32_t> logTurns;      // futex word: moves when a holder has let go of the log lock
+    std::atomic<std::uint32_t> logWaiters;    // sleepers on it; too many if some were killed, never too few
     std::atomic<std::uint32_t> logUnfinished; // what the log says has not all been brought to the live state
     std::atomic<std::uint64_t> flipped;       // highest ticket known to be finished; may lag behind
 

@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <sqlite3.h>
 
@@ -154,11 +156,10 @@ std::uint64_t checksumOfDefinition(MQLONG type, std::string_view name, QueueId q
 
 } // namespace
 
-int LogDatabase::connect(const std::filesystem::path &file, bool create)
+int LogDatabase::connect(const std::filesystem::path &file)
 {
     static_assert(statementTexts.size() == statements);
-    const int flags =
-        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | (create ? SQLITE_OPEN_CREATE : 0);
+    constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
     return sqlite3_open_v2(file.c_str(), &database_, flags, nullptr);
 }
 
@@ -178,8 +179,12 @@ int LogDatabase::configure()
 
 LogDatabase::Opened LogDatabase::create(const std::filesystem::path &file, std::string_view name)
 {
+    // Made first, for SQLite would let everybody read it. Its two companions take their permissions from it.
+    const int fd = ::open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (fd < 0) return {outcomeOfLog(errno == ENOSPC || errno == EDQUOT ? SQLITE_FULL : SQLITE_CANTOPEN), nullptr};
+    close(fd);
     std::unique_ptr<LogDatabase> log(new LogDatabase);
-    int code = log->connect(file, true);
+    int code = log->connect(file);
     if (code == SQLITE_OK) code = log->configure();
     if (code == SQLITE_OK) code = log->execute("BEGIN IMMEDIATE");
     if (code == SQLITE_OK) code = log->execute(schema);
@@ -207,7 +212,7 @@ LogDatabase::Opened LogDatabase::create(const std::filesystem::path &file, std::
 LogDatabase::Opened LogDatabase::open(const std::filesystem::path &file)
 {
     std::unique_ptr<LogDatabase> log(new LogDatabase);
-    if (const int code = log->connect(file, false); code != SQLITE_OK) return {outcomeOfLog(code), nullptr};
+    if (const int code = log->connect(file); code != SQLITE_OK) return {outcomeOfLog(code), nullptr};
     // A file that is not ours is not touched.
     if (const Outcome current = log->bringUpToDate(); current.failed()) return {current, nullptr};
     if (const int code = log->configure(); code != SQLITE_OK) return {outcomeOfLog(code), nullptr};

@@ -151,7 +151,7 @@ private:
     };
 
     LogDatabase() = default;
-    int connect(const std::filesystem::path &file, bool create);
+    int connect(const std::filesystem::path &file);
     int configure();
     Outcome bringUpToDate();
     int execute(const char *sql);

@@ -33,6 +33,8 @@
 
 namespace mqrig::qmgr::store {
 
+class LogLock;
+
 class Store {
 public:
     struct Opened {
@@ -141,6 +143,8 @@ private:
     Outcome logUnits(std::span<const PreparedUnit> units);
     Outcome flip(Ticket upTo);
     Outcome undo(const PreparedUnit &unit);
+    template <class OwnOutcome>
+    Outcome logOwn(const LogLock &lock, Ticket ticket, OwnOutcome &&outcome);
     Outcome judgeLog(const Outcome &outcome);
     Outcome logAndStore(const Definition &definition);
     Outcome sweep(const Definition &definition);
@@ -167,17 +171,21 @@ constexpr std::uint32_t map = 1;
 // The log lock of a life, held while it exists. Finishes first what a killed holder has left.
 class LogLock {
 public:
-    explicit LogLock(Store &store);
+    enum class Busy { Wait, GiveUp };
+    explicit LogLock(Store &store, Busy busy = Busy::Wait);
     ~LogLock();
     LogLock(const LogLock &) = delete;
     LogLock &operator=(const LogLock &) = delete;
     // MQRC_CONNECTION_BROKEN: the life has ended. Failed: the log must not be used.
     [[nodiscard]] Outcome outcome() const { return outcome_; }
     [[nodiscard]] bool held() const { return held_; }
+    // Somebody else has it, and we gave up.
+    [[nodiscard]] bool busy() const { return busy_; }
 
 private:
     Store &store_;
     bool held_ = false;
+    bool busy_ = false;
     Outcome outcome_;
 };
 

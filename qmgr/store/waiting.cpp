@@ -77,11 +77,13 @@ bool Store::waitForMessage(std::uint32_t slot, QueueId queue, std::uint32_t obse
         Deadline until = deadline;
         if (watching) until = std::min(until, std::chrono::steady_clock::now() + watchInterval);
 
-        own.waitsOn = queue % waitCells + 1;
+        // In this order, so that whoever counts a killed sleeper out never takes off more than it had put on: a count
+        // that is too low would let sleepers be forgotten, one that is too high costs a needless call.
         cell.waiters.fetch_add(1);
+        own.waitsOn = queue % waitCells + 1;
         const bool woken = futexWait(&cell.word, observed, until);
-        cell.waiters.fetch_sub(1);
         own.waitsOn = 0;
+        cell.waiters.fetch_sub(1);
 
         if (woken || !watching) continue;
         if (releaseDead()) return true;

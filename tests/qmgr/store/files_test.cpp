@@ -183,6 +183,28 @@ TEST_F(LiveFiles, RemovedUnderAConnectionEndItsPersistentWork)
     EXPECT_EQ(browse(*fresh, q1_), (Texts{"safe", "1"}));
 }
 
+TEST_F(Files, AreForTheirOwnerAlone)
+{
+    using std::filesystem::perms;
+    const mode_t before = umask(0);
+    ASSERT_EQ(createQueueManager(folder_, "OPEN", {}, DefaultQueueManager::No), success());
+    {
+        const auto attached = attach(folder_, "OPEN");
+        ASSERT_EQ(attached.outcome, success());
+        Definition queue{.type = MQOT_Q, .name = "Q", .bytes = "x"};
+        ASSERT_EQ(attached.attachment->define(queue), success());
+        ASSERT_EQ(put(*attached.attachment, queue.queue, "x", {.persistence = MQPER_PERSISTENT}), success());
+        int files = 0;
+        for (const auto &entry : std::filesystem::recursive_directory_iterator(folder_ / "OPEN")) {
+            if (!entry.is_regular_file()) continue;
+            ++files;
+            EXPECT_EQ(entry.status().permissions(), perms::owner_read | perms::owner_write) << entry.path();
+        }
+        EXPECT_GE(files, 6);
+    }
+    umask(before);
+}
+
 TEST_F(Files, OfAnotherUserAreNotAuthorized)
 {
     // Root may read everything: the look is made by somebody else.
