@@ -21,6 +21,8 @@ namespace mqrig::qmgr::core {
 class BodyMemory {
 public:
     std::span<const std::byte> copy(std::span<const std::byte> body);
+    // Gives back what the last copy took.
+    void dropLast(std::size_t size) { used_ -= size; }
     // Keeps one block of ordinary size, so that the next unit of work allocates nothing.
     void clear();
 
@@ -42,7 +44,11 @@ public:
     // Copies the message with its body to the end of the unit.
     void keepPut(const store::NewMessage &message);
     // The last put could not be booked.
-    void dropLastPut() { puts_.pop_back(); }
+    void dropLastPut()
+    {
+        bodies_.dropLast(puts_.back().body.size());
+        puts_.pop_back();
+    }
 
     void roomForGet();
     void addGet(const store::TakenMessage &message) { gets_.push_back(message); }

@@ -82,6 +82,21 @@ TEST(UnitOfWork, ADroppedPutIsNotInIt)
     EXPECT_EQ(text(unit.content().puts[1].body), "third");
 }
 
+TEST(UnitOfWork, PutsDroppedAgainAndAgainTakeTheSameMemory)
+{
+    const std::string large(300000, 'x');
+    UnitOfWork unit;
+    unit.keepPut(message("first"));
+    unit.keepPut(message(large));
+    const std::byte *const place = unit.content().puts[1].body.data();
+    for (int i = 0; i < 10; ++i) {
+        unit.dropLastPut();
+        unit.keepPut(message(large));
+        EXPECT_EQ(unit.content().puts[1].body.data(), place);
+    }
+    EXPECT_EQ(text(unit.content().puts[0].body), "first");
+}
+
 TEST(UnitOfWork, CountsPutsAndGets)
 {
     UnitOfWork unit;
