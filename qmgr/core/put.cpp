@@ -45,9 +45,11 @@ Outcome updateWithRoom(store::Attachment &store, const objects::QueueDefinition 
 Outcome putNow(store::Attachment &store, const objects::QueueDefinition &queue, const store::NewMessage &message)
 {
     store::Ticket ticket = 0;
-    const Outcome stored = updateWithRoom(store, queue, message.body.size(), [&](store::WriteTransaction &transaction) {
-        ticket = transaction.put(message);
-    });
+    // Never 0 bytes, also without a body: what is said to store nothing may use the space that gets need when all else
+    // is full.
+    const std::size_t bytes = sizeof message.header + message.body.size();
+    const Outcome stored = updateWithRoom(
+        store, queue, bytes, [&](store::WriteTransaction &transaction) { ticket = transaction.put(message); });
     return stored.failed() ? stored : store.harden(ticket);
 }
 

@@ -32,6 +32,14 @@ bool isBlank(const MQCHAR48 &name)
     return name[0] == ' ' || name[0] == '\0';
 }
 
+// A reply or a report that somebody has to send somewhere.
+bool asksForAnswer(const MQMD &md)
+{
+    constexpr MQLONG reports = MQRO_EXCEPTION_WITH_FULL_DATA | MQRO_EXPIRATION_WITH_FULL_DATA |
+                               MQRO_COA_WITH_FULL_DATA | MQRO_COD_WITH_FULL_DATA | MQRO_PAN | MQRO_NAN | MQRO_ACTIVITY;
+    return md.MsgType == MQMT_REQUEST || (md.Report & reports) != 0;
+}
+
 Outcome checkDescriptor(const MQMD &md)
 {
     if (!isMessageType(md.MsgType)) return failure(MQRC_MSG_TYPE_ERROR);
@@ -41,7 +49,7 @@ Outcome checkDescriptor(const MQMD &md)
     if (md.Persistence != MQPER_NOT_PERSISTENT && md.Persistence != MQPER_PERSISTENT &&
         md.Persistence != MQPER_PERSISTENCE_AS_Q_DEF)
         return failure(MQRC_PERSISTENCE_ERROR);
-    if (md.MsgType == MQMT_REQUEST && isBlank(md.ReplyToQ)) return failure(MQRC_MISSING_REPLY_TO_Q);
+    if (asksForAnswer(md) && isBlank(md.ReplyToQ)) return failure(MQRC_MISSING_REPLY_TO_Q);
     return success();
 }
 

@@ -1,9 +1,12 @@
 #include "fixture.h"
 
+#include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <ctime>
 #include <set>
+
+#include "qmgr/store/seams.h"
 
 namespace mqrig::qmgr::testing {
 namespace {
@@ -45,6 +48,28 @@ TEST_F(Put, EmptyMessageNeedsNoBuffer)
     Codes codes;
     MQPUT(hconn, q1, &md, &pmo, 0, nullptr, &codes.CompCode, &codes.Reason);
     EXPECT_EQ(codes, ok);
+}
+
+TEST_F(Put, EmptyMessagesLeaveTheSpaceThatGetsNeed)
+{
+    alterQueue("Q1", {{MQIA_MAX_Q_DEPTH, 1000000}});
+    store::seams.storageError = [](store::StorageCall call) {
+        return call == store::StorageCall::Reserve ? ENOSPC : 0;
+    };
+    int stored = 0;
+    Codes last = ok;
+    while (stored < 1000000 && (last = put(hconn, q1, "")) == ok)
+        ++stored;
+    EXPECT_EQ(last, failed(MQRC_STORAGE_NOT_AVAILABLE));
+    EXPECT_GT(stored, 2000);
+    // A unit of work writes down what it holds.
+    int got = 0;
+    while (got < 2000 && get(hconn, q1, MQGMO_SYNCPOINT).codes == ok)
+        ++got;
+    EXPECT_EQ(got, 2000);
+    EXPECT_EQ(commit(hconn), ok);
+    store::seams.storageError = nullptr;
+    EXPECT_EQ(depth("Q1"), stored - 2000);
 }
 
 TEST_F(Put, LargeMessageComesBackWhole)
@@ -131,6 +156,20 @@ TEST_F(Put, RequestNeedsAReplyQueue)
     setText(md.ReplyToQ, "");
     EXPECT_EQ(codesFor(md), failed(MQRC_MISSING_REPLY_TO_Q));
     setText(md.ReplyToQ, "ANSWERS");
+    EXPECT_EQ(codesFor(md), ok);
+}
+
+TEST_F(Put, RequestedReportsNeedAReplyQueue)
+{
+    for (const MQLONG report : {MQRO_EXCEPTION, MQRO_EXCEPTION_WITH_FULL_DATA, MQRO_PAN, MQRO_NAN, MQRO_ACTIVITY}) {
+        MQMD md = {MQMD_DEFAULT};
+        md.Report = report;
+        EXPECT_EQ(codesFor(md), failed(MQRC_MISSING_REPLY_TO_Q)) << std::hex << report;
+        setText(md.ReplyToQ, "ANSWERS");
+        EXPECT_EQ(codesFor(md), ok) << std::hex << report;
+    }
+    MQMD md = {MQMD_DEFAULT};
+    md.Report = MQRO_PASS_MSG_ID | MQRO_PASS_CORREL_ID | MQRO_DISCARD_MSG | MQRO_PASS_DISCARD_AND_EXPIRY;
     EXPECT_EQ(codesFor(md), ok);
 }
 
@@ -261,6 +300,7 @@ TEST_F(Put, ReportOptionsForTheReceiverTravel)
     constexpr MQLONG report = MQRO_PASS_MSG_ID | MQRO_PASS_CORREL_ID | MQRO_PAN | MQRO_NAN | MQRO_DISCARD_MSG;
     MQMD md = {MQMD_DEFAULT};
     md.Report = report;
+    setText(md.ReplyToQ, "ANSWERS");
     EXPECT_EQ(roundTrip(md).md.Report, report);
 }
 
