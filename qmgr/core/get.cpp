@@ -40,6 +40,8 @@ Outcome lookUntilFound(Connection &connection, OpenObject &object, const GetRequ
     const bool waits = request.has(MQGMO_WAIT) && request.waitInterval != 0;
     std::optional<store::Deadline> deadline;
     for (;;) {
+        // Where messages for others come all the time, no sleep ever lasts until the deadline: it ends the looking.
+        const bool lastLook = deadline && std::chrono::steady_clock::now() >= *deadline;
         if (const Outcome may = mayGet(connection, object, request); may.failed()) return may;
         const store::QueueId queue = object.hold.queue->id;
         // Before the look, so that a message that comes between look and sleep ends the sleep.
@@ -48,7 +50,7 @@ Outcome lookUntilFound(Connection &connection, OpenObject &object, const GetRequ
                                                      : takeMessage(connection, object, request, got);
         if (look.outcome.Reason != MQRC_NO_MSG_AVAILABLE) return look.outcome;
         if (look.held && connection.store->releaseDead()) continue;
-        if (!waits) return look.outcome;
+        if (!waits || lastLook) return look.outcome;
         if (!deadline) deadline = deadlineOf(request);
         if (!connection.store->waitForMessage(queue, observed, *deadline)) return look.outcome;
         if (const Outcome alive = connection.store->check(); alive.failed()) return alive;
@@ -64,19 +66,25 @@ MQLONG remainingExpiry(const store::MessageHeader &header)
     return static_cast<MQLONG>(std::max<std::int64_t>(left, 1));
 }
 
+// The context is that of the last get, if it removed its message. A browse leaves none; a get that returned no message,
+// or left it for want of room, changes nothing.
+void saveContext(OpenObject &object, const GetRequest &request, const Outcome &outcome, const GotMessage &got)
+{
+    if (request.has(browseOptions))
+        object.savedContext.reset();
+    else if (outcome.Reason != MQRC_TRUNCATED_MSG_FAILED)
+        object.savedContext = contextOf(got.header.md);
+}
+
 } // namespace
 
 Outcome getMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got)
 {
     if (const Outcome may = mayUseHandle(object, request); may.failed()) return may;
-    const bool removes = !request.has(browseOptions);
-    if (removes) object.savedContext.reset();
-
     const Outcome outcome = lookUntilFound(connection, object, request, got);
     if (outcome.failed()) return outcome;
     got.header.md.Expiry = remainingExpiry(got.header);
-    if (removes && object.allows(MQOO_SAVE_ALL_CONTEXT) && outcome.Reason != MQRC_TRUNCATED_MSG_FAILED)
-        object.savedContext = contextOf(got.header.md);
+    if (object.allows(MQOO_SAVE_ALL_CONTEXT)) saveContext(object, request, outcome, got);
     return outcome;
 }
 

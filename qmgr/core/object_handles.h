@@ -23,7 +23,7 @@ struct OpenObject {
 
     // Where browsing stands: the last message that a browse returned. It may be gone since.
     std::optional<store::MessageKey> cursor;
-    // With MQOO_SAVE_ALL_CONTEXT: of the message that the last MQGET removed.
+    // With MQOO_SAVE_ALL_CONTEXT: of the message that the last successful MQGET removed; none if that was a browse.
     std::optional<MessageContext> savedContext;
 
     bool allows(MQLONG anyOf) const { return (options & anyOf) != 0; }

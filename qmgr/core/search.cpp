@@ -22,6 +22,7 @@ void searchToken(store::Transaction &transaction, const Search &search, SearchRe
 void walk(store::MessageCursor &cursor, const Search &search, SearchResult &result, ExpiredMessages &expired)
 {
     std::size_t looked = 0;
+    std::optional<store::MessageKey> passed;
     for (bool there = search.behind ? cursor.seek(*search.behind) : cursor.first(); there; there = cursor.next()) {
         const store::MessageHeader &header = cursor.header();
         if (isExpired(header, search.now)) {
@@ -30,11 +31,13 @@ void walk(store::MessageCursor &cursor, const Search &search, SearchResult &resu
             result.end = SearchEnd::Found;
             result.key = cursor.key();
             result.header = header;
+            result.reached = passed;
             return;
         }
+        passed = cursor.key();
         if (++looked == search.most || expired.full()) {
             result.end = SearchEnd::Stopped;
-            result.reached = cursor.key();
+            result.reached = passed;
             return;
         }
     }

@@ -40,14 +40,14 @@ struct Search {
 enum class SearchEnd {
     Found,
     NotFound,
-    Stopped, // `most` messages looked at, or too many expired ones met: `reached` is the last one looked at
+    Stopped, // `most` messages looked at, or too many expired ones met
 };
 
 struct SearchResult {
     SearchEnd end = SearchEnd::NotFound;
     store::MessageKey key;
     store::MessageHeader header;
-    std::optional<store::MessageKey> reached;
+    std::optional<store::MessageKey> reached; // the last one looked at that is not the one found, if any
 };
 
 // `result` and `expired` are made anew.

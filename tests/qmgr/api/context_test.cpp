@@ -202,11 +202,24 @@ TEST_F(PassedContext, BrowsingSavesNothing)
     EXPECT_EQ(pass(MQPMO_PASS_ALL_CONTEXT, source), failed(MQRC_CONTEXT_NOT_AVAILABLE));
 }
 
-TEST_F(PassedContext, FailedGetForgetsTheContext)
+TEST_F(PassedContext, BrowsingForgetsWhatWasSaved)
+{
+    put(hconn, output(0), "second");
+    get(hconn, source);
+    EXPECT_EQ(get(hconn, source, MQGMO_BROWSE_FIRST).codes, ok);
+    EXPECT_EQ(pass(MQPMO_PASS_ALL_CONTEXT, source), failed(MQRC_CONTEXT_NOT_AVAILABLE));
+}
+
+TEST_F(PassedContext, GetsThatTakeNoMessageKeepTheContext)
 {
     get(hconn, source);
     EXPECT_EQ(get(hconn, source).codes, failed(MQRC_NO_MSG_AVAILABLE));
-    EXPECT_EQ(pass(MQPMO_PASS_ALL_CONTEXT, source), failed(MQRC_CONTEXT_NOT_AVAILABLE));
+    EXPECT_EQ(get(hconn, source, MQGMO_BROWSE_FIRST).codes, failed(MQRC_NO_MSG_AVAILABLE));
+    put(hconn, output(0), "too long");
+    EXPECT_EQ(get(hconn, source, version2Md(), gmoWith(MQGMO_NO_SYNCPOINT), 3).codes,
+              warned(MQRC_TRUNCATED_MSG_FAILED));
+    ASSERT_EQ(pass(MQPMO_PASS_ALL_CONTEXT, source), ok);
+    expectForeignIdentity(passed());
 }
 
 } // namespace

@@ -1,8 +1,11 @@
 #include "fixture.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstring>
 #include <thread>
+
+#include "qmgr/store/seams.h"
 
 namespace mqrig::qmgr::testing {
 namespace {
@@ -541,6 +544,25 @@ TEST_F(Match, DeepInTheQueueBehindManyOthers)
     md.MsgSeqNumber = 7;
     EXPECT_EQ(get(hconn, q1, md, gmo).codes, failed(MQRC_NO_MSG_AVAILABLE));
     EXPECT_EQ(depth("Q1"), 499);
+}
+
+TEST_F(Match, MessagesThatWereLookedAtOnceAreNotLookedAtAgain)
+{
+    drain(hconn, q1);
+    constexpr int many = 5000;
+    for (int i = 0; i < many; ++i)
+        putWith("x", "SAME", "C" + std::to_string(i));
+    static std::atomic<int> transactions;
+    transactions = 0;
+    store::seams.storageError = [](store::StorageCall call) {
+        if (call == store::StorageCall::LiveBegin) ++transactions;
+        return 0;
+    };
+    const Got got = match(MQMO_MATCH_MSG_ID | MQMO_MATCH_CORREL_ID, "SAME", "C" + std::to_string(many - 1));
+    store::seams.storageError = nullptr;
+    EXPECT_EQ(got.codes, ok);
+    // One that looks at the first few, one that takes what was found behind them.
+    EXPECT_EQ(transactions, 2);
 }
 
 } // namespace

@@ -7,6 +7,9 @@
 #include <mutex>
 #include <set>
 #include <thread>
+#include <utility>
+
+#include "qmgr/store/seams.h"
 
 namespace mqrig::qmgr::testing {
 namespace {
@@ -104,6 +107,34 @@ TEST_F(Wait, MessagesThatDoNotMatchAreWaitedPast)
     put(other, otherQ1, "not this one");
     put(other, otherQ1, "this one", wanted);
     EXPECT_EQ(getter.get().body, "this one");
+}
+
+// Before each look of the getter, another program puts one more message that is not for it.
+Wait *busy = nullptr;
+int putMeanwhile = 0;
+constexpr int enough = 20000;
+
+TEST_F(Wait, EndsAlsoWhereMessagesForOthersNeverStop)
+{
+    alterQueue("Q1", {{MQIA_MAX_Q_DEPTH, 2 * enough}});
+    MQMD md = version2Md();
+    setBytes(md.MsgId, "NEVER");
+    MQGMO gmo = waiting(1);
+    gmo.MatchOptions = MQMO_MATCH_MSG_ID;
+    busy = this;
+    putMeanwhile = 0;
+    store::seams.storageError = [](store::StorageCall call) {
+        Wait *const test = std::exchange(busy, nullptr);
+        if (test != nullptr && call == store::StorageCall::LiveBegin && putMeanwhile < enough) {
+            EXPECT_EQ(put(test->other, test->otherQ1, "for somebody else"), ok);
+            ++putMeanwhile;
+        }
+        if (test != nullptr) busy = test;
+        return 0;
+    };
+    EXPECT_EQ(get(hconn, q1, md, gmo).codes, failed(MQRC_NO_MSG_AVAILABLE));
+    store::seams.storageError = nullptr;
+    EXPECT_LT(putMeanwhile, enough);
 }
 
 TEST_F(Wait, ABrowserWaitsForTheNextMessage)
