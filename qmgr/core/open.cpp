@@ -11,7 +11,7 @@ namespace {
 constexpr MQLONG inputOptions = MQOO_INPUT_AS_Q_DEF | MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE;
 
 // Options that mean something for the queue manager object.
-constexpr MQLONG queueManagerOptions = MQOO_INQUIRE | MQOO_SET | MQOO_FAIL_IF_QUIESCING | MQOO_ALTERNATE_USER_AUTHORITY;
+constexpr MQLONG queueManagerOptions = MQOO_INQUIRE | MQOO_FAIL_IF_QUIESCING | MQOO_ALTERNATE_USER_AUTHORITY;
 
 bool isLocal(const Connection &connection, std::string_view queueManager)
 {
@@ -83,7 +83,7 @@ Outcome openByType(Connection &connection, const ObjectName &name, OpenObject &o
     // Types of which there are no objects: only inquiry could be meant.
     case MQOT_PROCESS:
     case MQOT_NAMELIST:
-        if ((object.options & (inputOptions | MQOO_BROWSE | MQOO_OUTPUT)) != 0)
+        if ((object.options & (inputOptions | MQOO_BROWSE | MQOO_OUTPUT | MQOO_SET)) != 0)
             return failure(MQRC_OPTION_NOT_VALID_FOR_TYPE);
         return failure(MQRC_UNKNOWN_OBJECT_NAME);
     case MQOT_TOPIC:

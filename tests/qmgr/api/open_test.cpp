@@ -219,6 +219,12 @@ TEST_F(Open, QueueManagerForMessagesIs2045)
         EXPECT_EQ(codesOf(odOfType(MQOT_Q_MGR, ""), options), failed(MQRC_OPTION_NOT_VALID_FOR_TYPE));
 }
 
+TEST_F(Open, OnlyQueuesHaveAttributesToSet)
+{
+    EXPECT_EQ(codesOf(odOfType(MQOT_Q_MGR, ""), MQOO_SET | MQOO_INQUIRE), failed(MQRC_OPTION_NOT_VALID_FOR_TYPE));
+    EXPECT_EQ(codesOf(odOfType(MQOT_PROCESS, "ANY"), MQOO_SET), failed(MQRC_OPTION_NOT_VALID_FOR_TYPE));
+}
+
 TEST_F(Open, ProcessAndNamelistAre2085ForInquiryAnd2045ForMessages)
 {
     for (const MQLONG type : {MQOT_PROCESS, MQOT_NAMELIST}) {
