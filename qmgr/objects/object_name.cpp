@@ -31,8 +31,8 @@ std::string_view fieldText(const char *field, std::size_t length)
 void fillField(char *field, std::size_t length, std::string_view text)
 {
     const std::size_t copied = std::min(length, text.size());
-    std::memcpy(field, text.data(), copied);
-    std::memset(field + copied, ' ', length - copied);
+    std::copy_n(text.begin(), copied, field);
+    std::fill_n(field + copied, length - copied, ' ');
 }
 
 bool matchesGeneric(std::string_view pattern, std::string_view name)

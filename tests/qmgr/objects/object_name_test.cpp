@@ -56,6 +56,14 @@ TEST(ObjectName, FieldIsFilledWithBlanksAndNeverOverrun)
     EXPECT_EQ(std::string(field.data(), 4), "LONG");
 }
 
+TEST(ObjectName, FillFieldOfNoLengthWritesNowhere)
+{
+    fillField(nullptr, 0, "Q1");
+    std::array<char, 4> field{};
+    fillField(field, {});
+    EXPECT_EQ(std::string(field.data(), 4), "    ");
+}
+
 TEST(ObjectName, GenericNameMatchesByItsBeginning)
 {
     EXPECT_TRUE(matchesGeneric("*", "ANY"));
