@@ -3,14 +3,16 @@
 // All records are in one ordered tree of keys: one tree keeps a transaction's cost at the few
 // pages it changes. The first byte says what a record is; numbers are big-endian so that bytes sort as numbers do.
 //
-//   'B' queue order sequence        -> body of a large message
-//   'D' type name                   -> object definition: queue id, bytes
-//   'H' queue order sequence        -> Hold: the message is there but not visible, and who has it
+// clang-format off
+//   'B' queue order sequence          -> body of a large message
+//   'D' type name                     -> object definition: queue id, bytes
+//   'H' queue order sequence          -> Hold: the message is there but not visible, and who has it
 //   'I' queue index id order sequence -> nothing; for every id that is not all zero
-//   'M' queue                       -> QueueStatus: on the page of the queue's first messages, which a get changes
-//   anyway 'M' queue order sequence        -> MessageHeader, then the body unless it is large 'S' slot queue ->
-//   Booking: what the connection has of the queue 'U' ticket                      -> a prepared unit of work:
-//   UnitRecord, then its steps
+//   'M' queue                         -> QueueStatus: on the page of the queue's first messages, which a get changes anyway
+//   'M' queue order sequence          -> MessageHeader, then the body unless it is large
+//   'S' slot queue                    -> Booking: what the connection has of the queue
+//   'U' ticket                        -> a prepared unit of work: UnitRecord, then its steps
+// clang-format on
 #pragma once
 
 #include <algorithm>
