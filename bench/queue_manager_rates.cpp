@@ -30,6 +30,14 @@ void check(const char *call, MQLONG CompCode, MQLONG Reason)
     std::exit(1);
 }
 
+// A name into a field of the MQI: zero-padded, cut at its end.
+void setName(MQCHAR48 field, const char *name)
+{
+    const std::size_t length = std::min(std::strlen(name), sizeof(MQCHAR48));
+    std::memset(field, 0, sizeof(MQCHAR48));
+    std::memcpy(field, name, length);
+}
+
 // One connection with one queue open for input and output.
 struct Client {
     MQHCONN hconn = MQHC_UNUSABLE_HCONN;
@@ -39,12 +47,12 @@ struct Client {
 
     Client(const char *queueManager, const char *queue)
     {
-        MQCHAR48 name = {};
-        std::strncpy(name, queueManager, sizeof name);
+        MQCHAR48 name;
+        setName(name, queueManager);
         MQCONN(name, &hconn, &CompCode, &Reason);
         check("MQCONN", CompCode, Reason);
         MQOD od = {MQOD_DEFAULT};
-        std::strncpy(od.ObjectName, queue, sizeof od.ObjectName);
+        setName(od.ObjectName, queue);
         MQOPEN(hconn, &od, MQOO_OUTPUT | MQOO_INPUT_SHARED, &hobj, &CompCode, &Reason);
         check("MQOPEN", CompCode, Reason);
     }

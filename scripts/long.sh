@@ -14,13 +14,13 @@ need_packages $mqrig_long_packages
 
 kills() {
   step "processes killed at random moments"
-  configure_and_build release -DMQRIG_TESTS=ON -- qmgr_store_tests | tail -n 1
+  configure_and_build release -DMQRIG_TESTS=ON -- qmgr_store_tests
   MQRIG_KILL_ROUNDS=${MQRIG_KILL_ROUNDS:-700} build/tests/bin/qmgr_store_tests --gtest_filter='Kills.*' | tail -n 3
 }
 
 valgrind_run() {
   step "valgrind over a put, a get, a browse and MQSC"
-  configure_and_build debug -DMQRIG_BENCH=OFF -- mqrig rigqm mqm_r | tail -n 1
+  configure_and_build debug -DMQRIG_BENCH=OFF -- mqrig rigqm mqm_r
   MQRIG_STORE=$(mktemp -d)
   export MQRIG_STORE
   local check=(env LD_LIBRARY_PATH=build-debug/lib/mqrig valgrind --quiet --error-exitcode=99 --leak-check=full

@@ -22,18 +22,18 @@ need_packages() {
   DEBIAN_FRONTEND=noninteractive "${root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# configure_and_build PRESET [CMAKE_OPTION...] -- TARGET...
+# configure_and_build PRESET [CMAKE_OPTION...] -- TARGET...: says what it does in one line, and more when it fails.
 configure_and_build() {
   local preset=$1 options=() log
   shift
   while [ $# -gt 0 ] && [ "$1" != "--" ]; do options+=("$1"); shift; done
   shift
   log=$(mktemp)
-  if ! cmake --preset "$preset" "${options[@]}" >"$log" 2>&1; then
-    cat "$log" >&2
+  echo "Building the $preset preset ..."
+  if ! { cmake --preset "$preset" "${options[@]}" && cmake --build --preset "$preset" --target "$@"; } >"$log" 2>&1; then
+    grep -vE '^\[[0-9]+/[0-9]+\] ' "$log" | tail -n 60 >&2
     rm -f "$log"
     return 1
   fi
   rm -f "$log"
-  cmake --build --preset "$preset" --target "${@:-all}"
 }

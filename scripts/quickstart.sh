@@ -5,8 +5,7 @@ cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
 need_packages $mqrig_build_packages
-echo "Building mqrig, rigqm and the embedded queue manager in build/ ..."
-configure_and_build release -DMQRIG_TESTS=OFF -DMQRIG_BENCH=OFF -- mqrig rigqm mqm_r >/dev/null
+configure_and_build release -DMQRIG_TESTS=OFF -DMQRIG_BENCH=OFF -- mqrig rigqm mqm_r
 
 # The embedded queue manager is meant here, also on a machine that has an IBM MQ installation.
 export LD_LIBRARY_PATH="$PWD/build/lib/mqrig"

@@ -5,5 +5,5 @@ cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
 need_packages $mqrig_test_packages
-configure_and_build release -DMQRIG_TESTS=ON -DMQRIG_BENCH=ON -- all | tail -n 1
+configure_and_build release -DMQRIG_TESTS=ON -DMQRIG_BENCH=ON -- all
 scripts/run_ctest.sh build -LE long
