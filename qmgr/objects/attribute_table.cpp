@@ -339,7 +339,7 @@ static_assert(wellFormed(), "selectors are of the right range, defaults are allo
 // Row numbers by selector, one array per kind of object: integer selectors first, then character selectors.
 constexpr MQLONG integerSelectors = MQIA_LAST_USED + 1;
 constexpr MQLONG characterSelectors = MQCA_LAST_USED - MQCA_FIRST + 1;
-constexpr std::size_t places = static_cast<std::size_t>(integerSelectors + characterSelectors);
+constexpr std::size_t places = std::size_t{integerSelectors} + characterSelectors;
 constexpr std::uint16_t noRow = 0xFFFF;
 static_assert(rows < noRow);
 

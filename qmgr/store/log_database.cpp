@@ -317,7 +317,8 @@ void LogDatabase::makeRoom(std::uint64_t messages, std::uint64_t bytes)
     if (steps_.failed()) return;
     const auto allocate = [](sqlite3_file *file, std::uint64_t &space, std::uint64_t wanted) {
         if (wanted <= space) return true;
-        auto size = static_cast<sqlite3_int64>((wanted + spaceStep - 1) / spaceStep * spaceStep);
+        const std::uint64_t rounded = (wanted + spaceStep - 1) / spaceStep * spaceStep;
+        auto size = static_cast<sqlite3_int64>(rounded);
         const bool allocated = injectedError(StorageCall::Reserve) == 0 && file != nullptr &&
                                file->pMethods != nullptr &&
                                file->pMethods->xFileControl(file, SQLITE_FCNTL_SIZE_HINT, &size) == SQLITE_OK;

@@ -66,7 +66,8 @@ TransactionScratch::QueueEntry &TransactionScratch::entryOf(Transaction &transac
         if (entry.queue == queue) return entry;
     }
     const auto status = recordIn<QueueStatus>(transaction.get(LiveKey::queue(queue)));
-    return queues.emplace_back(queue, status.value_or(QueueStatus{}), status.has_value());
+    queues.push_back({queue, status.value_or(QueueStatus{}), status.has_value()});
+    return queues.back();
 }
 
 std::optional<MessageHeader> Transaction::find(const MessageKey &key)

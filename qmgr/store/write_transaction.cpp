@@ -115,7 +115,8 @@ Booking &WriteTransaction::booking(QueueId queue)
         if (entry.queue == queue) return entry.booking;
     }
     const auto booking = recordIn<Booking>(get(LiveKey::booking(slot_, queue)));
-    return scratch_->bookings.emplace_back(queue, booking.value_or(Booking{})).booking;
+    scratch_->bookings.push_back({queue, booking.value_or(Booking{})});
+    return scratch_->bookings.back().booking;
 }
 
 void WriteTransaction::flush()

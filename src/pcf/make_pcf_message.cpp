@@ -24,10 +24,10 @@ char *make_pcf_message(MQMD *md, const PcfDef *pcfDef, MQLONG *length)
     std::int64_t total = sizeof cfh;
     for (const PcfParamNode *node = pcfDef->Params; node != nullptr; node = node->next) {
         const MQLONG structureLength = node->structure[1]; // StrucLength, of every parameter structure
-        const std::int64_t grown = total + structureLength;
+        const long long grown = static_cast<long long>(total) + structureLength;
         if (grown > INT_MAX) {
             report_failure(nullptr, {"make_pcf_message"}, "realloc()", ENOMEM, "realloc() failed. size=%lld\n",
-                           static_cast<long long>(grown + 1));
+                           grown + 1);
             return nullptr;
         }
         if (!checked_realloc(nullptr, message, static_cast<std::size_t>(grown) + 1, {"make_pcf_message"})) {

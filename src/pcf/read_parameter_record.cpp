@@ -32,8 +32,8 @@ constexpr std::size_t MostNumbers = 4;
 
 struct ParameterRow {
     const char *name = nullptr; ///< the keyword
-    MQLONG type = 0;
     const char *typeName = nullptr;
+    MQLONG type = 0;
     Field numbers[MostNumbers] = {}; ///< in the order of the structure; the last ones say how long the tail is
     Field field = {};                ///< of the tail
     Tail tail = Tail::Integer;
@@ -45,7 +45,7 @@ namespace {
 constexpr char Convert32[] = "strtol() or strtoul()";
 constexpr char Convert64[] = "strtol(), strtoll() or _strtoi64()";
 
-#define PCF_TYPE(type) type, #type
+#define PCF_TYPE(type) #type, type
 
 constexpr ParameterRow RECORDS[] = {
     {"MQCFIN", PCF_TYPE(MQCFT_INTEGER), {{"Parameter", Plain}}, {"Value", Plain}, Tail::Integer, Convert32},

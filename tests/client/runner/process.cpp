@@ -68,6 +68,7 @@ Pipe makePipe()
 struct Pty {
     Descriptor master;
     Descriptor slave;
+    termios settings{}; // as the client finds them
 };
 
 // A terminal as a shell leaves it, but for the output: a line feed stays one byte.
@@ -80,10 +81,10 @@ Pty makePty()
     char name[64];
     checked(::ptsname_r(pty.master.get(), name, sizeof name) == 0 ? 0 : -1, "ptsname_r");
     pty.slave = Descriptor(checked(::open(name, O_RDWR | O_NOCTTY | O_CLOEXEC), name));
-    termios settings;
-    checked(::tcgetattr(pty.slave.get(), &settings), "tcgetattr");
-    settings.c_oflag &= ~static_cast<tcflag_t>(OPOST);
-    checked(::tcsetattr(pty.slave.get(), TCSANOW, &settings), "tcsetattr");
+    checked(::tcgetattr(pty.slave.get(), &pty.settings), "tcgetattr");
+    pty.settings.c_oflag &= ~static_cast<tcflag_t>(OPOST);
+    checked(::tcsetattr(pty.slave.get(), TCSANOW, &pty.settings), "tcsetattr");
+    checked(::tcgetattr(pty.slave.get(), &pty.settings), "tcgetattr");
     return pty;
 }
 
@@ -342,10 +343,7 @@ Outcome runClient(const Run &run, bool onTerminal, const Programs &programs, con
     ::unlink((folder + "/record").c_str());
     for (const Node &node : run.setup.nodes) make(node, folder + "/" + node.name);
     Client client = start(run, onTerminal, programs, folder);
-    termios before{};
-    if (onTerminal) {
-        checked(::tcgetattr(client.pty.slave.get(), &before), "tcgetattr");
-    } else {
+    if (!onTerminal) {
         send(client.in.get(), run.setup.input);
         client.in.close();
     }
@@ -354,7 +352,7 @@ Outcome runClient(const Run &run, bool onTerminal, const Programs &programs, con
     if (onTerminal && outcome.trouble.empty() && !outcome.exit.starts_with("signal")) {
         termios after;
         checked(::tcgetattr(client.pty.slave.get(), &after), "tcgetattr");
-        if (!sameSettings(before, after)) outcome.trouble = "the terminal was left changed";
+        if (!sameSettings(client.pty.settings, after)) outcome.trouble = "the terminal was left changed";
     }
     outcome.record = readFile(folder + "/record");
     return outcome;
