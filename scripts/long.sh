@@ -24,7 +24,7 @@ valgrind_run() {
   MQRIG_STORE=$(mktemp -d)
   export MQRIG_STORE
   local check=(env LD_LIBRARY_PATH=build-debug/lib/mqrig valgrind --quiet --error-exitcode=99 --leak-check=full
-    --errors-for-leak-kinds=definite)
+    --show-leak-kinds=definite --errors-for-leak-kinds=definite)
   "${check[@]}" build-debug/bin/rigqm create QM1
   "${check[@]}" build-debug/bin/rigqm mqsc QM1 -e 'DEFINE QLOCAL(Q1)' >/dev/null
   "${check[@]}" build-debug/bin/mqrig -qm QM1 -q Q1 -m hello -n 3 MQPMO_SYNCPOINT MQPER_PERSISTENT >/dev/null
