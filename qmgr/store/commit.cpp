@@ -35,7 +35,7 @@
 // 5. A log that takes too little (full disk) is known not to have taken anything. The units are then tried one by
 //    one, so that a get that frees space does not fail with a put that needs it; who fails is undone in the live
 //    state, is told by a mark in its slot, and answers MQRC_BACKED_OUT. The mark is set before the undoing
-//    transaction: if the process dies between, the unit is still prepared, and is tried again.
+//    transaction: if the process dies between, the unit is still prepared, and is tried again without the mark.
 // 6. A log whose sync has failed may or may not have it on disk, and what later syncs say cannot be trusted. Its use
 //    ends with the life: all connections answer MQRC_CONNECTION_BROKEN, and the next start believes what is there.
 // 7. Two lives never write to one log at a time: every log transaction checks that the life is the present one.
@@ -230,6 +230,11 @@ Outcome Store::logUnits(std::span<const PreparedUnit> units)
     if (copied.failed()) {
         log_->rollback();
         return copied;
+    }
+    // A mark of a process that died before it could undo the unit: the unit has its second chance here.
+    for (const PreparedUnit &unit : units) {
+        Ticket stale = unit.ticket;
+        control().slots[unit.unit.slot].undone.compare_exchange_strong(stale, 0);
     }
     log_->advance(control().stamp.generation, units.back().ticket);
     // From here until the flip the log is ahead of the live state. Noted before it is, for whatever may go wrong.

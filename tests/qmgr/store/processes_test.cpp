@@ -1,6 +1,7 @@
 // Several processes on one queue manager, some of them killed.
 
 #include <algorithm>
+#include <cerrno>
 #include <set>
 #include <thread>
 
@@ -424,6 +425,36 @@ TEST_F(Processes, OnlySoManyConnectionsFit)
     EXPECT_EQ(many.size(), 4096U);
     many.pop_back();
     EXPECT_EQ(attach(folder_, "QM1").outcome, success());
+}
+
+TEST_F(Processes, UnitWhoseUndoerDiedIsAnsweredByWhatTheLogTookInTheEnd)
+{
+    const auto owner = connect();
+    Ticket ticket = 0;
+    ASSERT_EQ(owner->update(1,
+                            [&](WriteTransaction &transaction) {
+                                ticket = transaction.put({.key = owner->newKey(q1_, 9),
+                                                          .header = headerOf({.persistence = MQPER_PERSISTENT}),
+                                                          .body = bytesOf("kept")});
+                                return success();
+                            }),
+              success());
+    // Another process finds the log full, tells the owner that its unit will be undone, and dies before it is.
+    const int end = runProcess([&] {
+        const auto other = connect();
+        static bool full = false;
+        seams.storageError = [](StorageCall call) {
+            if (call == StorageCall::LiveCommit && full) die();
+            if (call != StorageCall::LogCommit) return 0;
+            full = true;
+            return ENOSPC;
+        };
+        static_cast<void>(put(*other, q2_, "another", {.persistence = MQPER_PERSISTENT}));
+        return 0;
+    });
+    ASSERT_EQ(end, -SIGKILL);
+    EXPECT_EQ(owner->harden(ticket), success());
+    EXPECT_EQ(browse(*owner, q1_), std::vector<std::string>{"kept"});
 }
 
 } // namespace
