@@ -3,8 +3,7 @@
 # Builds one GoogleTest executable under tests/bin and registers every test in it with ctest. LABELS says which
 # runs take it: unit, client, qmgr, end_to_end, threads, long.
 #
-# GoogleTest comes from Debian's package; where that has no library for the target (the 32-bit build) or was built
-# without the sanitizer in use, it is built here from the package's sources.
+# GoogleTest is built here from the sources of Debian's package, so that it has the width and the sanitizer of the build.
 
 if(MQRIG_TESTS)
   enable_testing()
@@ -26,6 +25,6 @@ function(mqrig_add_gtest)
   endif()
   # One label for all of them, unit+threads: a list would not outlive the discovery, and ctest -L looks for a part.
   string(JOIN "+" label ${arg_LABELS})
-  gtest_discover_tests(${arg_NAME} DISCOVERY_MODE PRE_TEST
+  gtest_discover_tests(${arg_NAME} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
     PROPERTIES LABELS "${label}" TIMEOUT 120)
 endfunction()

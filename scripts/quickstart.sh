@@ -15,9 +15,10 @@ run() {
   "$@"
 }
 
-if ! build/bin/rigqm list | awk '{print $1}' | grep -qx QM1; then
-  run build/bin/rigqm create QM1
-fi
+case $(build/bin/rigqm list | grep -F 'QMNAME(QM1) ' || true) in
+  '') run build/bin/rigqm create QM1 ;;
+  *'STATUS(Ended)'*) run build/bin/rigqm start QM1 ;;
+esac
 if ! build/bin/rigqm mqsc QM1 -e 'DISPLAY QLOCAL(Q1)' >/dev/null; then
   run build/bin/rigqm mqsc QM1 -e 'DEFINE QLOCAL(Q1)'
 fi
