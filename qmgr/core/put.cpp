@@ -1,46 +1,10 @@
 #include "qmgr/core/put.h"
 
-#include <algorithm>
-
+#include "qmgr/core/put_steps.h"
 #include "qmgr/store/seams.h"
 
 namespace mqrig::qmgr::core {
 namespace {
-
-constexpr std::uint8_t lowestRank = 9;
-
-// Where the message stands among those of its queue. First in, first out: one rank, the lowest, so that messages
-// put before MSGDLVSQ was altered are not overtaken.
-std::uint8_t rankOf(const objects::QueueDefinition &queue, MQLONG priority)
-{
-    if (queue.msgDeliverySequence == MQMDS_FIFO) return lowestRank;
-    return static_cast<std::uint8_t>(lowestRank - std::min<MQLONG>(priority, lowestRank));
-}
-
-Outcome checkLength(Connection &connection, const objects::QueueDefinition &queue, std::size_t length)
-{
-    if (length > static_cast<std::size_t>(queue.maxMsgLength)) return failure(MQRC_MSG_TOO_BIG_FOR_Q);
-    if (length > static_cast<std::size_t>(connection.queueManager().maxMsgLength))
-        return failure(MQRC_MSG_TOO_BIG_FOR_Q_MGR);
-    return success();
-}
-
-// Runs `step` in a transaction that has found room on the queue.
-template <class Step>
-Outcome updateWithRoom(store::Attachment &store, const objects::QueueDefinition &queue, std::size_t bytes, Step &&step)
-{
-    for (;;) {
-        const Outcome outcome = store.update(bytes, [&](store::WriteTransaction &transaction) {
-            if (transaction.queue(queue.id).depth >= static_cast<std::uint32_t>(queue.maxDepth))
-                return failure(MQRC_Q_FULL);
-            step(transaction);
-            return success();
-        });
-        // What a killed program had booked makes room again.
-        if (outcome.Reason == MQRC_Q_FULL && store.releaseDead()) continue;
-        return outcome;
-    }
-}
 
 Outcome putNow(store::Attachment &store, const objects::QueueDefinition &queue, const store::NewMessage &message)
 {
@@ -58,18 +22,7 @@ Outcome putInUnitOfWork(Connection &connection, const objects::QueueDefinition &
     UnitOfWork &unit = connection.unit;
     if (unit.size() >= static_cast<std::size_t>(connection.queueManager().maxUncommittedMsgs))
         return failure(MQRC_SYNCPOINT_LIMIT_REACHED);
-    unit.keepPut(message);
-    const Outcome booked = updateWithRoom(*connection.store, queue, 0,
-                                          [&](store::WriteTransaction &transaction) { transaction.bookPut(queue.id); });
-    if (booked.failed()) unit.dropLastPut();
-    return booked;
-}
-
-// Expiry is in tenths of a second.
-std::int64_t deadlineOf(const MQMD &md, std::int64_t putTime)
-{
-    constexpr std::int64_t tenth = 100000;
-    return md.Expiry == MQEI_UNLIMITED ? 0 : putTime + md.Expiry * tenth;
+    return bookPut(connection, unit, queue, message);
 }
 
 } // namespace
@@ -91,7 +44,7 @@ Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue
     if (const Outcome context = completeContext(connection, request, message.header.putTime, md); context.failed())
         return context;
 
-    message.header.expiryDeadline = deadlineOf(md, message.header.putTime);
+    message.header.expiryDeadline = expiryDeadline(md, message.header.putTime);
     message.key = store.newKey(queue.id, rankOf(queue, md.Priority));
     const Outcome put =
         request.has(MQPMO_SYNCPOINT) ? putInUnitOfWork(connection, queue, message) : putNow(store, queue, message);

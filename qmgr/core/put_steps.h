@@ -1,0 +1,46 @@
+// The steps that puts of programs and of the queue manager itself have in common.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "cmqc.h"
+#include "qmgr/core/connection.h"
+#include "qmgr/objects/queue_definition.h"
+#include "qmgr/store/attachment.h"
+#include "qmgr/store/message.h"
+#include "qmgr/store/outcome.h"
+
+namespace mqrig::qmgr::core {
+
+// Where a message of this priority stands among those of its queue.
+std::uint8_t rankOf(const objects::QueueDefinition &queue, MQLONG priority);
+
+// MQRC_MSG_TOO_BIG_FOR_Q, MQRC_MSG_TOO_BIG_FOR_Q_MGR.
+Outcome checkLength(Connection &connection, const objects::QueueDefinition &queue, std::size_t length);
+
+// Microseconds since 1970; 0 for a message that never expires.
+std::int64_t expiryDeadline(const MQMD &md, std::int64_t putTime);
+
+// Runs `step` in a transaction that has found room on the queue: MQRC_Q_FULL.
+template <class Step>
+Outcome updateWithRoom(store::Attachment &store, const objects::QueueDefinition &queue, std::size_t bytes, Step &&step)
+{
+    for (;;) {
+        const Outcome outcome = store.update(bytes, [&](store::WriteTransaction &transaction) {
+            if (transaction.queue(queue.id).depth >= static_cast<std::uint32_t>(queue.maxDepth))
+                return failure(MQRC_Q_FULL);
+            step(transaction);
+            return success();
+        });
+        // What a killed program had booked makes room again.
+        if (outcome.Reason == MQRC_Q_FULL && store.releaseDead()) continue;
+        return outcome;
+    }
+}
+
+// Adds the message to the unit and books its place on the queue.
+Outcome bookPut(Connection &connection, UnitOfWork &unit, const objects::QueueDefinition &queue,
+                const store::NewMessage &message);
+
+} // namespace mqrig::qmgr::core
