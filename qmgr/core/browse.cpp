@@ -3,6 +3,7 @@
 #include <limits>
 #include <optional>
 
+#include "qmgr/core/delivery.h"
 #include "qmgr/core/get.h"
 #include "qmgr/store/seams.h"
 

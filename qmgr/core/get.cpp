@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <optional>
 
 #include "qmgr/store/seams.h"
@@ -86,21 +85,6 @@ Outcome getMessage(Connection &connection, OpenObject &object, const GetRequest 
     got.header.md.Expiry = remainingExpiry(got.header);
     if (object.allows(MQOO_SAVE_ALL_CONTEXT)) saveContext(object, request, outcome, got);
     return outcome;
-}
-
-Outcome judgeLength(const GetRequest &request, std::size_t bodyLength)
-{
-    if (bodyLength <= request.buffer.size()) return success();
-    return warning(request.has(MQGMO_ACCEPT_TRUNCATED_MSG) ? MQRC_TRUNCATED_MSG_ACCEPTED : MQRC_TRUNCATED_MSG_FAILED);
-}
-
-Outcome deliver(const GetRequest &request, std::span<const std::byte> body, GotMessage &got)
-{
-    const std::size_t returned = std::min(body.size(), request.buffer.size());
-    if (returned != 0) std::memcpy(request.buffer.data(), body.data(), returned);
-    got.dataLength = static_cast<MQLONG>(body.size());
-    got.returnedLength = static_cast<MQLONG>(returned);
-    return judgeLength(request, body.size());
 }
 
 void discardExpired(store::WriteTransaction &transaction, const ExpiredMessages &expired)

@@ -49,12 +49,6 @@ struct Look {
 Look takeMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got);
 Look browseMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got);
 
-// Copies as much of the body as fits, notes both lengths, and says what the get will answer: success, or one of the
-// two truncation warnings.
-Outcome deliver(const GetRequest &request, std::span<const std::byte> body, GotMessage &got);
-// The same judgement before the body is at hand.
-Outcome judgeLength(const GetRequest &request, std::size_t bodyLength);
-
 // Removes those that are still there.
 void discardExpired(store::WriteTransaction &transaction, const ExpiredMessages &expired);
 

@@ -5,7 +5,9 @@
 // snapshot, and the transaction then begins behind the messages that the snapshot has shown to be of no interest.
 #include <cstddef>
 #include <optional>
+#include <span>
 
+#include "qmgr/core/delivery.h"
 #include "qmgr/core/get.h"
 #include "qmgr/store/seams.h"
 
@@ -117,17 +119,17 @@ private:
     // Inside the transaction: `got_` names the message.
     Outcome take(store::WriteTransaction &transaction, Taken &taken)
     {
-        const std::size_t length = got_.header.bodyLength;
-        taken.outcome = judgeLength(request_, length);
+        const std::span<const std::byte> stored = transaction.body(got_.key);
+        taken.outcome = prepareDelivery(request_, stored, got_);
         if (taken.outcome.Reason == MQRC_TRUNCATED_MSG_FAILED) {
-            taken.outcome = deliver(request_, transaction.body(got_.key), got_);
+            copyDelivery(request_, stored, got_);
             return success();
         }
         const bool unit = inUnitOfWork();
         if (unit && connection_.unit.size() >= maxUncommitted_) return failure(MQRC_SYNCPOINT_LIMIT_REACHED);
 
-        taken.copyLater = length >= largeBody;
-        if (!taken.copyLater) taken.outcome = deliver(request_, transaction.body(got_.key), got_);
+        taken.copyLater = stored.size() >= largeBody;
+        if (!taken.copyLater) copyDelivery(request_, stored, got_);
         taken.locked = unit || taken.copyLater;
         if (taken.locked)
             transaction.lock(got_.key);
@@ -146,7 +148,7 @@ private:
         const store::TakenMessage message{got_.key, store::isPersistent(got_.header)};
         if (taken.copyLater) {
             const Outcome copied = store_.read([&](store::ReadTransaction &transaction) {
-                (void)deliver(request_, transaction.body(got_.key), got_);
+                copyDelivery(request_, transaction.body(got_.key), got_);
                 return success();
             });
             if (copied.failed()) {
