@@ -35,6 +35,18 @@ CommandAnswer syntaxFault(const CommandText &text, Message message, std::size_t 
             {formatMessage(message, where), "   " + around, std::string(3 + lead.size() + offset - from, ' ') + '^'}};
 }
 
+const KindMessages &messagesOf(objects::ObjectKind kind)
+{
+    static constexpr KindMessages ofQueues{Message::QueueCreated, Message::QueueChanged, Message::QueueDeleted,
+                                           Message::QueueDetails};
+    static constexpr KindMessages ofNamelists{Message::NamelistCreated, Message::NamelistChanged,
+                                              Message::NamelistDeleted, Message::NamelistDetails};
+    static constexpr KindMessages ofProcesses{Message::ProcessCreated, Message::ProcessChanged, Message::ProcessDeleted,
+                                              Message::ProcessDetails};
+    if (kind == objects::ObjectKind::Namelist) return ofNamelists;
+    return kind == objects::ObjectKind::Process ? ofProcesses : ofQueues;
+}
+
 CommandAnswer answerOf(const Outcome &outcome, Message success, std::string_view objectName)
 {
     if (outcome.ok()) return {CommandResult::Done, {formatMessage(success, objectName)}};

@@ -17,17 +17,20 @@ struct MqscCommand {
     store::Attachment &attachment;
     const CommandText &text;
     std::span<const MqscParameter> words; // verb, object, parameters
+    objects::ObjectKinds kinds;           // what the object word stands for
+    std::string_view objectWord;          // the object word in full: "QLOCAL"
 
     const MqscParameter &object() const { return words[1]; }
     std::span<const MqscParameter> parameters() const { return words.subspan(2); }
+    // The kind of object, where the object word stands for one alone.
+    objects::ObjectKind kind() const { return objects::onlyKind(kinds); }
 };
 
-CommandAnswer defineLocalQueue(const MqscCommand &command);
-CommandAnswer alterLocalQueue(const MqscCommand &command);
-CommandAnswer deleteLocalQueue(const MqscCommand &command);
+CommandAnswer defineObject(const MqscCommand &command);
+CommandAnswer alterObject(const MqscCommand &command);
+CommandAnswer deleteObject(const MqscCommand &command);
 CommandAnswer clearLocalQueue(const MqscCommand &command);
-CommandAnswer displayLocalQueues(const MqscCommand &command);
-CommandAnswer displayQueues(const MqscCommand &command);
+CommandAnswer displayObjects(const MqscCommand &command);
 CommandAnswer alterQmgr(const MqscCommand &command);
 CommandAnswer displayQmgr(const MqscCommand &command);
 CommandAnswer pingQmgr(const MqscCommand &command);
@@ -39,6 +42,15 @@ CommandAnswer syntaxFault(const CommandText &text, Message message, std::size_t 
 
 // One message line: the success message, or what the outcome's reason says of the object.
 CommandAnswer answerOf(const Outcome &outcome, Message success, std::string_view objectName);
+
+// The messages that name a kind of object.
+struct KindMessages {
+    Message created;
+    Message changed;
+    Message deleted;
+    Message details;
+};
+const KindMessages &messagesOf(objects::ObjectKind kind);
 
 // ---- Reading ----
 
@@ -57,7 +69,7 @@ struct ReadDefinition {
     Definition definition;
     CommandAnswer answer; // the fault
 };
-enum class Options : unsigned { Define, AlterQueue, AlterQmgr };
+enum class Options : unsigned { Define, Alter, AlterQmgr };
 ReadDefinition readDefinition(const MqscCommand &command, objects::ObjectKind kind, Options options);
 
 } // namespace mqrig::qmgr::command

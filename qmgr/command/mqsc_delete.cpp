@@ -2,7 +2,7 @@
 
 namespace mqrig::qmgr::command {
 
-CommandAnswer deleteLocalQueue(const MqscCommand &command)
+CommandAnswer deleteObject(const MqscCommand &command)
 {
     const ReadName name = readName(command, NameForm::Whole);
     if (!name.ok) return name.answer;
@@ -10,6 +10,9 @@ CommandAnswer deleteLocalQueue(const MqscCommand &command)
     bool given = false;
     for (const MqscParameter &parameter : command.parameters()) {
         const bool known = parameter.keyword == "PURGE" || parameter.keyword == "NOPURGE";
+        if (command.kind() != objects::ObjectKind::LocalQueue)
+            return syntaxFault(command.text, Message::SyntaxError, parameter.offset,
+                               "DELETE " + std::string(command.objectWord) + " takes only a name");
         if (!known || parameter.hasValue)
             return syntaxFault(command.text, Message::SyntaxError, parameter.offset,
                                "DELETE QLOCAL takes only PURGE or NOPURGE, without a value");
@@ -17,8 +20,8 @@ CommandAnswer deleteLocalQueue(const MqscCommand &command)
         given = true;
         if (parameter.keyword == "PURGE") purge = Purge::Yes;
     }
-    const Outcome outcome = deleteQueue(command.attachment, objects::ObjectKind::LocalQueue, name.name, purge);
-    return answerOf(outcome, Message::QueueDeleted, name.name);
+    const Outcome outcome = deleteObject(command.attachment, command.kind(), name.name, purge);
+    return answerOf(outcome, messagesOf(command.kind()).deleted, name.name);
 }
 
 CommandAnswer clearLocalQueue(const MqscCommand &command)

@@ -15,32 +15,51 @@ using objects::ObjectKind;
 struct Selection {
     bool ok = true;
     bool all = false;
-    std::vector<const Attribute *> attributes; // named ones, in the table's order, each once
+    objects::ObjectKinds kinds = 0;         // of the objects
+    std::vector<std::string_view> keywords; // of the attributes asked for, as the table has them
     std::optional<Filter> filter;
     CommandAnswer answer; // the fault
 };
 
-Selection readSelection(const MqscCommand &command, ObjectKind kind, bool takesFilter)
+bool takesFilter(objects::ObjectKinds kinds)
+{
+    return !objects::contains(kinds, ObjectKind::QueueManager);
+}
+
+// TYPE(QALIAS) or TYPE(ALL) of the queues; nothing where it is neither.
+objects::ObjectKinds typeWord(const MqscParameter &type)
+{
+    if (type.values.size() != 1) return 0;
+    if (type.value() == "ALL") return objects::allQueues;
+    const ObjectKind queues[] = {ObjectKind::LocalQueue, ObjectKind::AliasQueue, ObjectKind::RemoteQueue,
+                                 ObjectKind::ModelQueue};
+    for (const ObjectKind kind : queues)
+        if (type.value() == objects::commandWord(kind)) return objects::kinds(kind);
+    return 0;
+}
+
+Selection readSelection(const MqscCommand &command)
 {
     Selection selection;
+    selection.kinds = command.kinds;
     const auto fail = [&](std::size_t offset, std::string_view reason) {
         selection.ok = false;
         selection.answer = syntaxFault(command.text, Message::SyntaxError, offset, reason);
         return std::move(selection);
     };
     for (const MqscParameter &parameter : command.parameters()) {
-        if (takesFilter && parameter.keyword == "WHERE") {
+        if (takesFilter(command.kinds) && parameter.keyword == "WHERE") {
             if (selection.filter) return fail(parameter.offset, "WHERE may be given once");
-            ReadFilter read = readFilter(parameter, kind);
+            ReadFilter read = readFilter(parameter, command.kinds);
             if (!read.ok) return fail(read.offset, read.reason);
-            selection.attributes.push_back(read.filter.attribute);
+            selection.keywords.push_back(read.filter.keyword);
             selection.filter = std::move(read.filter);
             continue;
         }
-        if (takesFilter && parameter.keyword == "TYPE" && parameter.hasValue) {
-            // The kind of queue is asked for; all that exist are local queues.
-            if (parameter.values.size() != 1 || (parameter.value() != "QLOCAL" && parameter.value() != "ALL"))
-                return fail(parameter.valueOffset(), "TYPE takes QLOCAL or ALL");
+        if (command.kinds == objects::allQueues && parameter.keyword == "TYPE" && parameter.hasValue) {
+            selection.kinds = typeWord(parameter);
+            if (selection.kinds == 0)
+                return fail(parameter.valueOffset(), "TYPE takes QLOCAL, QALIAS, QREMOTE, QMODEL or ALL");
             continue;
         }
         if (parameter.hasValue) return fail(parameter.valueOffset(), "an attribute to be shown has no value");
@@ -48,14 +67,10 @@ Selection readSelection(const MqscCommand &command, ObjectKind kind, bool takesF
             selection.all = true;
             continue;
         }
-        const objects::KeywordMatch match = objects::findKeyword(kind, parameter.keyword);
-        if (match.attribute == nullptr)
-            return fail(parameter.offset, "no attribute of " + std::string(objects::commandWord(kind)));
-        selection.attributes.push_back(match.attribute);
+        const Attribute *attribute = objects::findKeyword(command.kinds, parameter.keyword).attribute;
+        if (attribute == nullptr) return fail(parameter.offset, "no attribute of " + std::string(command.objectWord));
+        selection.keywords.push_back(attribute->keyword);
     }
-    std::sort(selection.attributes.begin(), selection.attributes.end());
-    selection.attributes.erase(std::unique(selection.attributes.begin(), selection.attributes.end()),
-                               selection.attributes.end());
     return selection;
 }
 
@@ -67,24 +82,26 @@ void show(std::vector<std::string> &lines, const InquiredObject &object, const S
     const auto add = [&](const Attribute &attribute) {
         layout.add(objects::formatAttribute(attribute, object.value(attribute)));
     };
-    const bool everything = selection.all || (selection.attributes.empty() && kind == ObjectKind::QueueManager);
+    const auto &named = selection.keywords;
+    const bool everything = selection.all || (named.empty() && kind == ObjectKind::QueueManager);
     for (const Attribute &attribute : objects::attributes())
         if (objects::contains(attribute.kinds, kind) && attribute.access == objects::Access::Identity) add(attribute);
     for (const Attribute &attribute : objects::attributes()) {
         if (!objects::contains(attribute.kinds, kind) || attribute.access == objects::Access::Identity) continue;
-        const auto &named = selection.attributes;
-        if (everything || std::find(named.begin(), named.end(), &attribute) != named.end()) add(attribute);
+        if (everything || std::find(named.begin(), named.end(), attribute.keyword) != named.end()) add(attribute);
     }
 }
 
-CommandAnswer display(const MqscCommand &command, objects::ObjectKinds kinds)
+} // namespace
+
+CommandAnswer displayObjects(const MqscCommand &command)
 {
     const ReadName name = readName(command, NameForm::Generic);
     if (!name.ok) return name.answer;
-    const Selection selection = readSelection(command, ObjectKind::LocalQueue, true);
+    const Selection selection = readSelection(command);
     if (!selection.ok) return selection.answer;
 
-    const InquiredQueues inquired = inquireQueues(command.attachment, name.name, kinds);
+    const InquiredObjects inquired = inquireObjects(command.attachment, name.name, selection.kinds);
     CommandAnswer answer;
     if (!inquired.outcome.ok()) {
         answer.result = CommandResult::Failed;
@@ -92,33 +109,21 @@ CommandAnswer display(const MqscCommand &command, objects::ObjectKinds kinds)
     }
     if (inquired.outcome.failed()) return answer;
     bool shown = false;
-    for (const InquiredObject &queue : inquired.queues) {
-        if (selection.filter && !selection.filter->passes(queue)) continue;
+    for (const InquiredObject &object : inquired.objects) {
+        if (selection.filter && !selection.filter->passes(object)) continue;
         shown = true;
-        answer.lines.push_back(formatMessage(Message::QueueDetails, {}));
-        show(answer.lines, queue, selection);
+        answer.lines.push_back(formatMessage(messagesOf(object.definition.kind()).details, {}));
+        show(answer.lines, object, selection);
     }
     if (shown || !inquired.outcome.ok()) return answer;
     return {CommandResult::Failed, {formatFailure(failure(MQRC_UNKNOWN_OBJECT_NAME), name.name)}};
-}
-
-} // namespace
-
-CommandAnswer displayLocalQueues(const MqscCommand &command)
-{
-    return display(command, objects::kinds(ObjectKind::LocalQueue));
-}
-
-CommandAnswer displayQueues(const MqscCommand &command)
-{
-    return display(command, objects::allQueues);
 }
 
 CommandAnswer displayQmgr(const MqscCommand &command)
 {
     if (command.object().hasValue)
         return syntaxFault(command.text, Message::SyntaxError, command.object().valueOffset(), "QMGR takes no name");
-    const Selection selection = readSelection(command, ObjectKind::QueueManager, false);
+    const Selection selection = readSelection(command);
     if (!selection.ok) return selection.answer;
     const InquiredQueueManager inquired = inquireQueueManager(command.attachment);
     if (inquired.outcome.failed())

@@ -54,13 +54,15 @@ bool holds(Comparison comparison, int order)
 
 bool Filter::passes(const InquiredObject &object) const
 {
+    const objects::Attribute *attribute = objects::findKeyword(object.definition.kind(), keyword).attribute;
+    if (attribute == nullptr) return false;
     const objects::AttributeValue actual = object.value(*attribute);
     if (isLike(comparison)) return objects::matchesGeneric(value.text, actual.text) == (comparison == Comparison::Like);
     if (attribute->isText()) return holds(comparison, actual.text.compare(value.text));
     return holds(comparison, actual.number < value.number ? -1 : actual.number > value.number ? 1 : 0);
 }
 
-ReadFilter readFilter(const MqscParameter &where, objects::ObjectKind kind)
+ReadFilter readFilter(const MqscParameter &where, objects::ObjectKinds kinds)
 {
     ReadFilter read;
     const auto fail = [&](std::size_t offset, std::string_view reason) {
@@ -73,17 +75,18 @@ ReadFilter readFilter(const MqscParameter &where, objects::ObjectKind kind)
     const MqscValue &word = where.values[1];
     const MqscValue &value = where.values[2];
 
-    read.filter.attribute = objects::findKeyword(kind, name.text).attribute;
-    if (read.filter.attribute == nullptr) return fail(name.offset, "no attribute that WHERE could compare");
+    const objects::Attribute *attribute = objects::findKeyword(kinds, name.text).attribute;
+    if (attribute == nullptr) return fail(name.offset, "no attribute that WHERE could compare");
+    read.filter.keyword = attribute->keyword;
     const Operator *found = findOperator(word.text);
     if (found == nullptr) return fail(word.offset, "the operator is one of LT, GT, EQ, NE, LE, GE, LK, NK");
     read.filter.comparison = found->comparison;
 
     if (isLike(found->comparison)) {
-        if (!read.filter.attribute->isText()) return fail(word.offset, "LK and NK compare texts");
+        if (!attribute->isText()) return fail(word.offset, "LK and NK compare texts");
         read.filter.value.text = value.text;
     } else {
-        objects::ParsedValue parsed = objects::parseValue(*read.filter.attribute, value.text);
+        objects::ParsedValue parsed = objects::parseValue(*attribute, value.text);
         if (!parsed) return fail(value.offset, "no value of that attribute");
         read.filter.value = std::move(parsed.value);
     }

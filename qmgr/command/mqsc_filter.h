@@ -15,7 +15,7 @@ namespace mqrig::qmgr::command {
 enum class Comparison { Less, Greater, Equal, NotEqual, LessOrEqual, GreaterOrEqual, Like, NotLike };
 
 struct Filter {
-    const objects::Attribute *attribute = nullptr;
+    std::string_view keyword; // of the attribute; what has no such attribute does not pass
     Comparison comparison = Comparison::Equal;
     objects::AttributeValue value;
 
@@ -28,6 +28,6 @@ struct ReadFilter {
     std::size_t offset = 0;  // of the fault, in the command
     std::string_view reason; // of the fault
 };
-ReadFilter readFilter(const MqscParameter &where, objects::ObjectKind kind);
+ReadFilter readFilter(const MqscParameter &where, objects::ObjectKinds kinds);
 
 } // namespace mqrig::qmgr::command

@@ -18,8 +18,31 @@ constexpr Synonym verbs[] = {
     {"DELETE", "DELETE"}, {"DIS", "DISPLAY"}, {"DISPLAY", "DISPLAY"}, {"PING", "PING"},
 };
 
-constexpr Synonym objectWords[] = {
-    {"Q", "QUEUE"}, {"QL", "QLOCAL"}, {"QLOCAL", "QLOCAL"}, {"QMGR", "QMGR"}, {"QUEUE", "QUEUE"},
+using objects::kinds;
+using objects::ObjectKind;
+
+struct ObjectWord {
+    std::string_view typed;
+    std::string_view word;
+    objects::ObjectKinds kinds;
+};
+
+constexpr ObjectWord objectWords[] = {
+    {"NAMELIST", "NAMELIST", kinds(ObjectKind::Namelist)},
+    {"NL", "NAMELIST", kinds(ObjectKind::Namelist)},
+    {"PRO", "PROCESS", kinds(ObjectKind::Process)},
+    {"PROCESS", "PROCESS", kinds(ObjectKind::Process)},
+    {"Q", "QUEUE", objects::allQueues},
+    {"QA", "QALIAS", kinds(ObjectKind::AliasQueue)},
+    {"QALIAS", "QALIAS", kinds(ObjectKind::AliasQueue)},
+    {"QL", "QLOCAL", kinds(ObjectKind::LocalQueue)},
+    {"QLOCAL", "QLOCAL", kinds(ObjectKind::LocalQueue)},
+    {"QM", "QMODEL", kinds(ObjectKind::ModelQueue)},
+    {"QMGR", "QMGR", kinds(ObjectKind::QueueManager)},
+    {"QMODEL", "QMODEL", kinds(ObjectKind::ModelQueue)},
+    {"QR", "QREMOTE", kinds(ObjectKind::RemoteQueue)},
+    {"QREMOTE", "QREMOTE", kinds(ObjectKind::RemoteQueue)},
+    {"QUEUE", "QUEUE", objects::allQueues},
 };
 
 struct Row {
@@ -29,22 +52,48 @@ struct Row {
 };
 
 constexpr Row table[] = {
-    {"ALTER", "QLOCAL", alterLocalQueue},
+    {"ALTER", "NAMELIST", alterObject},
+    {"ALTER", "PROCESS", alterObject},
+    {"ALTER", "QALIAS", alterObject},
+    {"ALTER", "QLOCAL", alterObject},
     {"ALTER", "QMGR", alterQmgr},
+    {"ALTER", "QMODEL", alterObject},
+    {"ALTER", "QREMOTE", alterObject},
     {"CLEAR", "QLOCAL", clearLocalQueue},
-    {"DEFINE", "QLOCAL", defineLocalQueue},
-    {"DELETE", "QLOCAL", deleteLocalQueue},
-    {"DISPLAY", "QLOCAL", displayLocalQueues},
+    {"DEFINE", "NAMELIST", defineObject},
+    {"DEFINE", "PROCESS", defineObject},
+    {"DEFINE", "QALIAS", defineObject},
+    {"DEFINE", "QLOCAL", defineObject},
+    {"DEFINE", "QMODEL", defineObject},
+    {"DEFINE", "QREMOTE", defineObject},
+    {"DELETE", "NAMELIST", deleteObject},
+    {"DELETE", "PROCESS", deleteObject},
+    {"DELETE", "QALIAS", deleteObject},
+    {"DELETE", "QLOCAL", deleteObject},
+    {"DELETE", "QMODEL", deleteObject},
+    {"DELETE", "QREMOTE", deleteObject},
+    {"DISPLAY", "NAMELIST", displayObjects},
+    {"DISPLAY", "PROCESS", displayObjects},
+    {"DISPLAY", "QALIAS", displayObjects},
+    {"DISPLAY", "QLOCAL", displayObjects},
     {"DISPLAY", "QMGR", displayQmgr},
-    {"DISPLAY", "QUEUE", displayQueues},
+    {"DISPLAY", "QMODEL", displayObjects},
+    {"DISPLAY", "QREMOTE", displayObjects},
+    {"DISPLAY", "QUEUE", displayObjects},
     {"PING", "QMGR", pingQmgr},
 };
 
-template <std::size_t N>
-std::string_view resolve(const Synonym (&synonyms)[N], std::string_view typed)
+std::string_view findVerb(std::string_view typed)
 {
-    for (const Synonym &synonym : synonyms)
+    for (const Synonym &synonym : verbs)
         if (synonym.typed == typed) return synonym.word;
+    return {};
+}
+
+ObjectWord findObjectWord(std::string_view typed)
+{
+    for (const ObjectWord &word : objectWords)
+        if (word.typed == typed) return word;
     return {};
 }
 
@@ -89,8 +138,7 @@ CommandAnswer runMqsc(store::Attachment &attachment, const CommandText &text)
         return syntaxFault(text, Message::SyntaxError, offset, reason);
     };
     // A wrong verb is the better thing to complain of than what follows it.
-    const std::string_view verb =
-        parsed.words.empty() ? std::string_view() : resolve(verbs, parsed.words.front().keyword);
+    const std::string_view verb = parsed.words.empty() ? std::string_view() : findVerb(parsed.words.front().keyword);
     if (!parsed.words.empty() && verb.empty()) return fault(parsed.words.front().offset, verbsKnown());
     if (!parsed.ok) return fault(parsed.fault.offset, parsed.fault.reason);
     if (parsed.words.empty()) return fault(0, verbsKnown());
@@ -98,13 +146,13 @@ CommandAnswer runMqsc(store::Attachment &attachment, const CommandText &text)
     if (parsed.words.size() < 2) return fault(text.text().size(), objectsOf(verb));
 
     const MqscParameter &object = parsed.words[1];
-    const std::string_view objectWord = resolve(objectWords, object.keyword);
+    const ObjectWord objectWord = findObjectWord(object.keyword);
     const auto row = std::find_if(std::begin(table), std::end(table),
-                                  [&](const Row &r) { return r.verb == verb && r.object == objectWord; });
+                                  [&](const Row &r) { return r.verb == verb && r.object == objectWord.word; });
     if (row == std::end(table)) return fault(object.offset, objectsOf(verb));
     if (const Outcome alive = attachment.check(); alive.failed())
         return {CommandResult::Failed, {formatFailure(alive, attachment.queueManagerName())}};
-    return row->run({attachment, text, parsed.words});
+    return row->run({attachment, text, parsed.words, objectWord.kinds, objectWord.word});
 }
 
 } // namespace mqrig::qmgr::command

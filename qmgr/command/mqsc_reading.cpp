@@ -67,6 +67,9 @@ CommandAnswer valueFault(const CommandText &text, const Attribute &attribute, Va
     case ValueFault::TooLong:
         return syntaxFault(text, Message::TextTooLong, offset,
                            keyword + " has at most " + std::to_string(attribute.textLength) + " bytes");
+    case ValueFault::TooMany:
+        return syntaxFault(text, Message::SyntaxError, offset,
+                           keyword + " has at most " + std::to_string(objects::maxNames) + " names");
     case ValueFault::BadCharacter:
         return syntaxFault(text, Message::SyntaxError, offset, keyword + " takes no control characters");
     case ValueFault::BadName:
@@ -74,6 +77,17 @@ CommandAnswer valueFault(const CommandText &text, const Attribute &attribute, Va
         break;
     }
     return syntaxFault(text, Message::SyntaxError, offset, keyword + " takes a name of A-Z a-z 0-9 . / _ % or a blank");
+}
+
+// The values of a list as one text; the only value of what is no list.
+std::string joined(const MqscParameter &parameter)
+{
+    std::string text;
+    for (const MqscValue &value : parameter.values) {
+        if (&value != &parameter.values.front()) text += ',';
+        text += value.text.substr(0, value.text.find_last_not_of(' ') + 1);
+    }
+    return text;
 }
 
 // Reads the parameters of one DEFINE or ALTER; stops at the first fault.
@@ -160,10 +174,10 @@ private:
         if (!parameter.hasValue)
             return fail(Message::SyntaxError, parameter.offset + parameter.keyword.size(),
                         parameter.keyword + " takes a value in parentheses");
-        if (parameter.values.size() > 1)
+        if (parameter.values.size() > 1 && row.value != ValueKind::NameList)
             return fail(Message::SyntaxError, parameter.values[1].offset,
                         "a value with blanks or commas in it stands between quotes");
-        objects::ParsedValue parsed = objects::parseValue(row, parameter.value());
+        objects::ParsedValue parsed = objects::parseValue(row, joined(parameter));
         if (!parsed) return fail(valueFault(command_.text, row, parsed.fault, parameter.valueOffset()));
         assignments.push_back({&row, std::move(parsed.value)});
     }

@@ -31,9 +31,9 @@ Found find(Attachment &attachment, MQLONG type, std::string_view name)
     return {success(), std::move(*stored), std::move(*object)};
 }
 
-Found findQueue(Attachment &attachment, ObjectKind kind, std::string_view name)
+Found findOfKind(Attachment &attachment, ObjectKind kind, std::string_view name)
 {
-    Found found = find(attachment, MQOT_Q, name);
+    Found found = find(attachment, objects::openType(kind), name);
     if (found.outcome.ok() && found.object.kind() != kind) found.outcome = failure(MQRCCF_OBJECT_WRONG_TYPE);
     return found;
 }
@@ -91,6 +91,19 @@ Outcome storeChange(Attachment &attachment, Found &found, ObjectDefinition chang
     return attachment.alter(found.stored, seen);
 }
 
+// What a new object begins with: the attributes of the one it shall be like, of its kind's SYSTEM.DEFAULT object, or,
+// where that one is missing, MQ's defaults.
+Found findPattern(Attachment &attachment, const Definition &definition)
+{
+    const bool named = !definition.like.empty();
+    const std::string_view name = named ? definition.like : objects::defaultObject(definition.kind);
+    Found pattern = findOfKind(attachment, definition.kind, name);
+    if (pattern.outcome.Reason == MQRC_UNKNOWN_OBJECT_NAME && !named)
+        return {success(), {}, ObjectDefinition(definition.kind, definition.name)};
+    if (pattern.outcome.Reason == MQRCCF_OBJECT_WRONG_TYPE) pattern.outcome = failure(MQRCCF_LIKE_OBJECT_WRONG_TYPE);
+    return pattern;
+}
+
 // Makes a change again, from what is stored then, for as long as other connections change the object meanwhile.
 template <typename Change>
 Outcome untilUndisturbed(Change change)
@@ -104,7 +117,7 @@ Outcome untilUndisturbed(Change change)
 Outcome tryDefine(Attachment &attachment, const Definition &definition)
 {
     if (!objects::checkObjectName(definition.name)) return failure(MQRCCF_OBJECT_NAME_ERROR);
-    Found existing = find(attachment, MQOT_Q, definition.name);
+    Found existing = find(attachment, objects::openType(definition.kind), definition.name);
     if (existing.outcome.ok()) {
         if (existing.object.kind() != definition.kind) return failure(MQRCCF_OBJECT_WRONG_TYPE);
         if (definition.replace == Replace::No) return failure(MQRCCF_OBJECT_ALREADY_EXISTS);
@@ -112,13 +125,11 @@ Outcome tryDefine(Attachment &attachment, const Definition &definition)
         return existing.outcome;
     }
 
-    const std::string_view model = definition.like.empty() ? objects::defaultLocalQueue : definition.like;
-    Found pattern = findQueue(attachment, definition.kind, model);
-    if (pattern.outcome.Reason == MQRCCF_OBJECT_WRONG_TYPE) return failure(MQRCCF_LIKE_OBJECT_WRONG_TYPE);
+    Found pattern = findPattern(attachment, definition);
     if (pattern.outcome.failed()) return pattern.outcome;
     ObjectDefinition made = std::move(pattern.object);
     made.rename(definition.name);
-    made.set(MQIA_DEFINITION_TYPE, MQQDT_PREDEFINED);
+    if (definition.kind == ObjectKind::LocalQueue) made.set(MQIA_DEFINITION_TYPE, MQQDT_PREDEFINED);
     assign(made, definition.attributes);
 
     if (existing.outcome.ok()) {
@@ -131,7 +142,7 @@ Outcome tryDefine(Attachment &attachment, const Definition &definition)
         return failure(MQRCCF_ATTR_VALUE_ERROR);
     made.stampCreated();
     store::Definition stored;
-    stored.type = MQOT_Q;
+    stored.type = objects::openType(definition.kind);
     stored.name = definition.name;
     stored.bytes = made.encode();
     const Outcome defined = attachment.define(stored);
@@ -140,7 +151,7 @@ Outcome tryDefine(Attachment &attachment, const Definition &definition)
 
 Outcome tryAlter(Attachment &attachment, const Definition &change)
 {
-    Found found = findQueue(attachment, change.kind, change.name);
+    Found found = findOfKind(attachment, change.kind, change.name);
     if (found.outcome.failed()) return found.outcome;
     ObjectDefinition changed = found.object;
     assign(changed, change.attributes);
@@ -159,12 +170,12 @@ Outcome tryAlterQueueManager(Attachment &attachment, const std::vector<Assignmen
 
 } // namespace
 
-Outcome defineQueue(Attachment &attachment, const Definition &definition)
+Outcome defineObject(Attachment &attachment, const Definition &definition)
 {
     return untilUndisturbed([&] { return tryDefine(attachment, definition); });
 }
 
-Outcome alterQueue(Attachment &attachment, const Definition &change)
+Outcome alterObject(Attachment &attachment, const Definition &change)
 {
     return untilUndisturbed([&] { return tryAlter(attachment, change); });
 }
@@ -174,19 +185,20 @@ Outcome alterQueueManager(Attachment &attachment, const std::vector<Assignment> 
     return untilUndisturbed([&] { return tryAlterQueueManager(attachment, changes); });
 }
 
-Outcome deleteQueue(Attachment &attachment, ObjectKind kind, const std::string &name, Purge purge)
+Outcome deleteObject(Attachment &attachment, ObjectKind kind, const std::string &name, Purge purge)
 {
-    const Found found = findQueue(attachment, kind, name);
+    const Found found = findOfKind(attachment, kind, name);
     if (found.outcome.failed()) return found.outcome;
+    const MQLONG type = objects::openType(kind);
     const auto mayGo = [&](const QueueStatus &status) {
         if (isOpen(status)) return failure(MQRCCF_OBJECT_OPEN);
         if (hasUncommitted(status)) return failure(MQRC_Q_NOT_EMPTY);
         if (status.depth > 0 && purge == Purge::No) return failure(MQRC_Q_NOT_EMPTY);
         return success();
     };
-    const Outcome first = attachment.remove(MQOT_Q, name, mayGo);
+    const Outcome first = attachment.remove(type, name, mayGo);
     const bool refused = first.Reason == MQRCCF_OBJECT_OPEN || first.Reason == MQRC_Q_NOT_EMPTY;
-    return refused && attachment.releaseDead() ? attachment.remove(MQOT_Q, name, mayGo) : first;
+    return refused && attachment.releaseDead() ? attachment.remove(type, name, mayGo) : first;
 }
 
 objects::AttributeValue InquiredObject::value(const objects::Attribute &attribute) const
@@ -195,28 +207,32 @@ objects::AttributeValue InquiredObject::value(const objects::Attribute &attribut
     return definition.value(attribute);
 }
 
-InquiredQueues inquireQueues(Attachment &attachment, const std::string &genericName, objects::ObjectKinds kinds)
+InquiredObjects inquireObjects(Attachment &attachment, const std::string &genericName, objects::ObjectKinds kinds)
 {
-    InquiredQueues answer;
+    InquiredObjects answer;
     std::vector<store::QueueId> ids;
-    for (const store::Definition &stored : attachment.definitions(MQOT_Q)) {
-        if (!objects::matchesGeneric(genericName, stored.name)) continue;
-        auto object = ObjectDefinition::decode(stored.bytes);
-        if (!object) {
-            answer.outcome = warning(MQRC_OBJECT_DAMAGED);
-            continue;
+    for (const MQLONG type : {MQOT_Q, MQOT_NAMELIST, MQOT_PROCESS}) {
+        if (!objects::hasOpenType(kinds, type)) continue;
+        for (const store::Definition &stored : attachment.definitions(type)) {
+            if (!objects::matchesGeneric(genericName, stored.name)) continue;
+            auto object = ObjectDefinition::decode(stored.bytes);
+            if (!object) {
+                answer.outcome = warning(MQRC_OBJECT_DAMAGED);
+                continue;
+            }
+            if (!objects::contains(kinds, object->kind())) continue;
+            answer.objects.push_back({std::move(*object), {}});
+            ids.push_back(stored.queue);
         }
-        if (!objects::contains(kinds, object->kind())) continue;
-        answer.queues.push_back({std::move(*object), {}});
-        ids.push_back(stored.queue);
     }
-    if (answer.queues.empty()) {
+    if (answer.objects.empty()) {
         if (answer.outcome.ok()) answer.outcome = failure(MQRC_UNKNOWN_OBJECT_NAME);
         return answer;
     }
     const Outcome counted = attachment.read([&](store::ReadTransaction &transaction) {
         for (std::size_t i = 0; i < ids.size(); ++i)
-            answer.queues[i].status = transaction.queue(ids[i]);
+            if (answer.objects[i].definition.kind() == ObjectKind::LocalQueue)
+                answer.objects[i].status = transaction.queue(ids[i]);
         return success();
     });
     if (counted.failed()) answer.outcome = counted;

@@ -34,18 +34,18 @@ struct Definition {
     Force force = Force::No;
 };
 
-// Makes a queue, or with Replace gives an existing one the attributes that a new one would have; its messages and
-// its creation date stay. MQRCCF_OBJECT_NAME_ERROR, MQRCCF_OBJECT_ALREADY_EXISTS, MQRCCF_LIKE_OBJECT_WRONG_TYPE,
-// MQRC_UNKNOWN_OBJECT_NAME for the model object, and those of alterQueue.
-Outcome defineQueue(store::Attachment &attachment, const Definition &definition);
+// Makes an object, or with Replace gives an existing one the attributes that a new one would have; a queue's messages
+// and its creation date stay. MQRCCF_OBJECT_NAME_ERROR, MQRCCF_OBJECT_ALREADY_EXISTS, MQRCCF_LIKE_OBJECT_WRONG_TYPE,
+// MQRC_UNKNOWN_OBJECT_NAME for the model object, and those of alterObject.
+Outcome defineObject(store::Attachment &attachment, const Definition &definition);
 
-// Changes attributes of a queue. MQRC_UNKNOWN_OBJECT_NAME, MQRCCF_OBJECT_WRONG_TYPE. MQRCCF_OBJECT_OPEN without
+// Changes attributes of an object. MQRC_UNKNOWN_OBJECT_NAME, MQRCCF_OBJECT_WRONG_TYPE. MQRCCF_OBJECT_OPEN without
 // Force: NOSHARE on a queue with more than one input handle, or another USAGE while it is open or has messages.
 // MQRCCF_ATTR_VALUE_ERROR: the low limit of the depth would be above the high one.
-Outcome alterQueue(store::Attachment &attachment, const Definition &change);
+Outcome alterObject(store::Attachment &attachment, const Definition &change);
 
 // MQRCCF_OBJECT_OPEN; MQRC_Q_NOT_EMPTY with uncommitted messages, or with messages and without Purge.
-Outcome deleteQueue(store::Attachment &attachment, objects::ObjectKind kind, const std::string &name, Purge purge);
+Outcome deleteObject(store::Attachment &attachment, objects::ObjectKind kind, const std::string &name, Purge purge);
 
 // Removes all messages. MQRC_OBJECT_IN_USE when it is open or has uncommitted messages.
 Outcome clearQueue(store::Attachment &attachment, const std::string &name);
@@ -60,12 +60,13 @@ struct InquiredObject {
     objects::AttributeValue value(const objects::Attribute &attribute) const;
 };
 
-// The queues whose name fits the generic name, in name order, of one kind or of all.
-struct InquiredQueues {
+// The objects of these kinds whose name fits the generic name, in name order; queues of all kinds stand together.
+struct InquiredObjects {
     Outcome outcome;
-    std::vector<InquiredObject> queues;
+    std::vector<InquiredObject> objects;
 };
-InquiredQueues inquireQueues(store::Attachment &attachment, const std::string &genericName, objects::ObjectKinds kinds);
+InquiredObjects inquireObjects(store::Attachment &attachment, const std::string &genericName,
+                               objects::ObjectKinds kinds);
 
 struct InquiredQueueManager {
     Outcome outcome;

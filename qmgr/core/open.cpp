@@ -13,6 +13,9 @@ constexpr MQLONG inputOptions = MQOO_INPUT_AS_Q_DEF | MQOO_INPUT_SHARED | MQOO_I
 // Options that mean something for the queue manager object.
 constexpr MQLONG queueManagerOptions = MQOO_INQUIRE | MQOO_FAIL_IF_QUIESCING | MQOO_ALTERNATE_USER_AUTHORITY;
 
+// Options with which a queue of any kind is opened for what it is.
+constexpr MQLONG attributeOptions = MQOO_INQUIRE | MQOO_SET | MQOO_FAIL_IF_QUIESCING | MQOO_ALTERNATE_USER_AUTHORITY;
+
 bool isLocal(const Connection &connection, std::string_view queueManager)
 {
     return queueManager.empty() || queueManager == connection.store->queueManagerName();
@@ -60,6 +63,8 @@ Outcome openQueue(Connection &connection, const ObjectName &name, OpenObject &ob
 {
     objects::FoundQueue found = resolveQueue(connection, name);
     if (found.outcome.failed()) return found.outcome;
+    if (found.hold.queue->type != MQQT_LOCAL && (object.options & ~attributeOptions) != 0)
+        return failure(MQRC_FUNCTION_NOT_SUPPORTED);
     object.options = grantedOptions(*found.hold.queue, object.options);
     object.opens = countsOf(object.options);
     object.hold = std::move(found.hold);
@@ -103,7 +108,12 @@ objects::FoundQueue resolveQueue(Connection &connection, const ObjectName &name)
 
 objects::FoundQueue resolveForPut(Connection &connection, const ObjectName &name)
 {
-    if (name.type == MQOT_Q) return resolveQueue(connection, name);
+    if (name.type == MQOT_Q) {
+        objects::FoundQueue found = resolveQueue(connection, name);
+        if (!found.outcome.failed() && found.hold.queue->type != MQQT_LOCAL)
+            found = {failure(MQRC_FUNCTION_NOT_SUPPORTED), {}};
+        return found;
+    }
     return {failure(name.type == MQOT_TOPIC ? MQRC_FUNCTION_NOT_SUPPORTED : MQRC_OBJECT_TYPE_ERROR), {}};
 }
 

@@ -27,19 +27,29 @@ struct Word {
 };
 
 enum class ValueKind : std::uint8_t {
-    Number,  // MAXDEPTH(5000): an integer between `low` and `high`, or one of `words`: MAXFSIZE(DEFAULT)
-    Keyword, // PUT(ENABLED): one of `words`
-    Flag,    // SHARE, NOSHARE: one of `words`, written bare
-    Text,    // DESCR('any text'): at most `textLength` bytes
-    Name,    // BOQNAME(A.QUEUE): an object name or blank
+    Number,   // MAXDEPTH(5000): an integer between `low` and `high`, or one of `words`: MAXFSIZE(DEFAULT)
+    Keyword,  // PUT(ENABLED): one of `words`
+    Flag,     // SHARE, NOSHARE: one of `words`, written bare
+    Text,     // DESCR('any text'): at most `textLength` bytes
+    Name,     // BOQNAME(A.QUEUE): an object name or blank
+    NameList, // NAMES(A, B): up to `maxNames` object names; as one text, with commas between them
 };
 
 enum class Access : std::uint8_t {
     Alterable, // DEFINE and ALTER
     Fixed,     // stored, but set by the queue manager alone: CRDATE, QMID
     Identity,  // not stored: what the object is: QUEUE, QMNAME, TYPE
+    Derived,   // not stored: follows from what is stored: NAMCOUNT
     Dynamic,   // not stored: computed when it is asked for: CURDEPTH, IPPROCS
 };
+
+constexpr bool isStored(Access access)
+{
+    return access == Access::Alterable || access == Access::Fixed;
+}
+
+// The most names that a namelist has.
+inline constexpr MQLONG maxNames = 256;
 
 struct Attribute {
     std::string_view keyword; // as DISPLAY names it; for a flag the keyword of its positive form
@@ -51,7 +61,7 @@ struct Attribute {
     MQLONG low = 0;        // limits of a number
     MQLONG high = 0;
     std::span<const Word> words;  // keywords of a Number, Keyword or Flag
-    MQLONG textLength = 0;        // length of the MQI's field for a Text or Name; 0 for integers
+    MQLONG textLength = 0;        // length of the MQI's field for a Text, a Name or each name of a list; 0 for integers
     MQLONG defaultNumber = 0;     // MQ's default
     std::string_view defaultText; // blank where empty
 
@@ -70,7 +80,11 @@ struct KeywordMatch {
     const Attribute *attribute = nullptr;
     MQLONG flagValue = 0;
 };
-KeywordMatch findKeyword(ObjectKind kind, std::string_view keyword);
+KeywordMatch findKeyword(ObjectKinds kinds, std::string_view keyword); // the first of several kinds that has it
+inline KeywordMatch findKeyword(ObjectKind kind, std::string_view keyword)
+{
+    return findKeyword(kinds(kind), keyword);
+}
 
 // What MQINQ has to tell apart for a selector that the opened object does not have.
 enum class SelectorStanding : std::uint8_t {

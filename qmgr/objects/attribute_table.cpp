@@ -9,6 +9,15 @@ namespace {
 
 constexpr ObjectKinds onQmgr = kinds(ObjectKind::QueueManager);
 constexpr ObjectKinds onLocal = kinds(ObjectKind::LocalQueue);
+constexpr ObjectKinds onAlias = kinds(ObjectKind::AliasQueue);
+constexpr ObjectKinds onRemote = kinds(ObjectKind::RemoteQueue);
+constexpr ObjectKinds onModel = kinds(ObjectKind::ModelQueue);
+constexpr ObjectKinds onNamelist = kinds(ObjectKind::Namelist);
+constexpr ObjectKinds onProcess = kinds(ObjectKind::Process);
+constexpr ObjectKinds onHolders = onLocal | onModel;           // queues that hold messages, and their models
+constexpr ObjectKinds onShared = onLocal | onAlias | onRemote; // queues that a cluster or cell may know
+constexpr ObjectKinds onReadable = onHolders | onAlias;        // queues that programs may get from
+constexpr ObjectKinds onAll = onQmgr | allQueues | onNamelist | onProcess;
 
 constexpr MQLONG most = 999999999;
 constexpr MQLONG maxMessage = 104857600; // 100 MiB
@@ -34,6 +43,10 @@ constexpr Word levelsOfSender[] = {
 constexpr Word recording[] = {{"DISABLED", MQRECORDING_DISABLED}, {"QUEUE", MQRECORDING_Q}, {"MSG", MQRECORDING_MSG}};
 constexpr Word useQueue[] = {{"QMGR", MQCLWL_USEQ_AS_Q_MGR}, {"LOCAL", MQCLWL_USEQ_LOCAL}, {"ANY", MQCLWL_USEQ_ANY}};
 constexpr Word useQueueOfQmgr[] = {{"LOCAL", MQCLWL_USEQ_LOCAL}, {"ANY", MQCLWL_USEQ_ANY}};
+constexpr Word applicationTypes[] = {
+    {"CICS", MQAT_CICS},   {"DOS", MQAT_DOS},   {"NOTESAGENT", MQAT_NOTES_AGENT}, {"OS2", MQAT_OS2},
+    {"OS400", MQAT_OS400}, {"UNIX", MQAT_UNIX}, {"WINDOWS", MQAT_WINDOWS},        {"WINDOWSNT", MQAT_WINDOWS_NT},
+    {"DEF", MQAT_DEFAULT}};
 constexpr Word bind[] = {
     {"OPEN", MQBND_BIND_ON_OPEN}, {"NOTFIXED", MQBND_BIND_NOT_FIXED}, {"GROUP", MQBND_BIND_ON_GROUP}};
 constexpr Word putResponse[] = {{"SYNC", MQPRT_SYNC_RESPONSE}, {"ASYNC", MQPRT_ASYNC_RESPONSE}};
@@ -42,6 +55,7 @@ constexpr Word readAhead[] = {{"NO", MQREADA_NO}, {"YES", MQREADA_YES}, {"DISABL
 constexpr Word inputOption[] = {{"SHARED", MQOO_INPUT_SHARED}, {"EXCL", MQOO_INPUT_EXCLUSIVE}};
 constexpr Word definitionType[] = {
     {"PREDEFINED", MQQDT_PREDEFINED}, {"PERMDYN", MQQDT_PERMANENT_DYNAMIC}, {"TEMPDYN", MQQDT_TEMPORARY_DYNAMIC}};
+constexpr Word dynamicTypes[] = {{"PERMDYN", MQQDT_PERMANENT_DYNAMIC}, {"TEMPDYN", MQQDT_TEMPORARY_DYNAMIC}};
 constexpr Word distLists[] = {{"NO", MQDL_NOT_SUPPORTED}, {"YES", MQDL_SUPPORTED}};
 constexpr Word hardenBackout[] = {{"NOHARDENBO", MQQA_BACKOUT_NOT_HARDENED}, {"HARDENBO", MQQA_BACKOUT_HARDENED}};
 constexpr Word imageRecovery[] = {{"NO", MQIMGRCOV_NO}, {"YES", MQIMGRCOV_YES}, {"QMGR", MQIMGRCOV_AS_Q_MGR}};
@@ -67,6 +81,7 @@ constexpr Word serverControl[] = {{"QMGR", MQSVC_CONTROL_Q_MGR}, {"MANUAL", MQSV
 constexpr Word scope[] = {{"QMGR", MQSCO_Q_MGR}, {"CELL", MQSCO_CELL}};
 constexpr Word share[] = {{"NOSHARE", MQQA_NOT_SHAREABLE}, {"SHARE", MQQA_SHAREABLE}};
 constexpr Word syncpoint[] = {{"SYNCPT", MQSP_AVAILABLE}};
+constexpr Word targetTypes[] = {{"QUEUE", MQOT_Q}, {"TOPIC", MQOT_TOPIC}};
 constexpr Word trigger[] = {{"NOTRIGGER", MQTC_OFF}, {"TRIGGER", MQTC_ON}};
 constexpr Word triggerType[] = {
     {"NONE", MQTT_NONE}, {"FIRST", MQTT_FIRST}, {"EVERY", MQTT_EVERY}, {"DEPTH", MQTT_DEPTH}};
@@ -162,112 +177,144 @@ constexpr Row name(std::string_view keyword, MQLONG selector, ObjectKinds of, st
              .defaultText = standard}};
 }
 
+constexpr Row names(std::string_view keyword, MQLONG selector, ObjectKinds of)
+{
+    return {{.keyword = keyword,
+             .selector = selector,
+             .kinds = of,
+             .value = ValueKind::NameList,
+             .words = {},
+             .textLength = MQ_OBJECT_NAME_LENGTH,
+             .defaultText = {}}};
+}
+
+// Other spellings of keywords.
+struct KeywordSynonym {
+    std::string_view typed;
+    std::string_view keyword;
+};
+constexpr KeywordSynonym synonyms[] = {{"TARGQ", "TARGET"}};
+
 // clang-format off
 constexpr Row table[] = {
     words("ACCTCONO", MQIA_ACCOUNTING_CONN_OVERRIDE, onQmgr, disabledEnabled, MQEVR_DISABLED),
     number("ACCTINT", MQIA_ACCOUNTING_INTERVAL, onQmgr, {1, 604800}, 1800),
     words("ACCTMQI", MQIA_ACCOUNTING_MQI, onQmgr, offOn, MQMON_OFF),
-    words("ACCTQ", MQIA_ACCOUNTING_Q, onLocal, qmgrOffOn, MQMON_Q_MGR),
+    words("ACCTQ", MQIA_ACCOUNTING_Q, onHolders, qmgrOffOn, MQMON_Q_MGR),
     words("ACCTQ", MQIA_ACCOUNTING_Q, onQmgr, noneOffOn, MQMON_OFF),
     words("ACTIVREC", MQIA_ACTIVITY_RECORDING, onQmgr, recording, MQRECORDING_MSG),
     words("ACTVCONO", MQIA_ACTIVITY_CONN_OVERRIDE, onQmgr, disabledEnabled, MQEVR_DISABLED),
     words("ACTVTRC", MQIA_ACTIVITY_TRACE, onQmgr, offOn, MQMON_OFF),
-    text("ALTDATE", MQCA_ALTERATION_DATE, onLocal | onQmgr, MQ_DATE_LENGTH).fixed(),
-    text("ALTTIME", MQCA_ALTERATION_TIME, onLocal | onQmgr, MQ_TIME_LENGTH).fixed(),
+    text("ALTDATE", MQCA_ALTERATION_DATE, onAll, MQ_DATE_LENGTH).fixed(),
+    text("ALTTIME", MQCA_ALTERATION_TIME, onAll, MQ_TIME_LENGTH).fixed(),
+    text("APPLICID", MQCA_APPL_ID, onProcess, MQ_PROCESS_APPL_ID_LENGTH),
+    number("APPLTYPE", MQIA_APPL_TYPE, onProcess, {0, MQAT_USER_LAST}, MQAT_DEFAULT, applicationTypes),
     words("AUTHOREV", MQIA_AUTHORITY_EVENT, onQmgr, disabledEnabled, MQEVR_DISABLED),
-    name("BOQNAME", MQCA_BACKOUT_REQ_Q_NAME, onLocal),
-    number("BOTHRESH", MQIA_BACKOUT_THRESHOLD, onLocal, {0, most}, 0),
+    name("BOQNAME", MQCA_BACKOUT_REQ_Q_NAME, onHolders),
+    number("BOTHRESH", MQIA_BACKOUT_THRESHOLD, onHolders, {0, most}, 0),
     number("CCSID", MQIA_CODED_CHAR_SET_ID, onQmgr, {1, maxCcsid}, 1208),
     words("CHAD", MQIA_CHANNEL_AUTO_DEF, onQmgr, disabledEnabled, MQCHAD_DISABLED),
     words("CHADEV", MQIA_CHANNEL_AUTO_DEF_EVENT, onQmgr, disabledEnabled, MQEVR_DISABLED),
     text("CHADEXIT", MQCA_CHANNEL_AUTO_DEF_EXIT, onQmgr, MQ_EXIT_NAME_LENGTH),
     words("CHLEV", MQIA_CHANNEL_EVENT, onQmgr, channelEvent, MQEVR_DISABLED),
     text("CLCHNAME", MQCA_CLUS_CHL_NAME, onLocal, MQ_CHANNEL_NAME_LENGTH),
-    name("CLUSNL", MQCA_CLUSTER_NAMELIST, onLocal),
-    name("CLUSTER", MQCA_CLUSTER_NAME, onLocal),
+    name("CLUSNL", MQCA_CLUSTER_NAMELIST, onShared),
+    name("CLUSTER", MQCA_CLUSTER_NAME, onShared),
     text("CLWLDATA", MQCA_CLUSTER_WORKLOAD_DATA, onQmgr, MQ_EXIT_DATA_LENGTH),
     text("CLWLEXIT", MQCA_CLUSTER_WORKLOAD_EXIT, onQmgr, MQ_EXIT_NAME_LENGTH),
     number("CLWLLEN", MQIA_CLUSTER_WORKLOAD_LENGTH, onQmgr, {0, most}, 100),
     number("CLWLMRUC", MQIA_CLWL_MRU_CHANNELS, onQmgr, {1, most}, most),
-    number("CLWLPRTY", MQIA_CLWL_Q_PRIORITY, onLocal, {0, 9}, 0),
-    number("CLWLRANK", MQIA_CLWL_Q_RANK, onLocal, {0, 9}, 0),
+    number("CLWLPRTY", MQIA_CLWL_Q_PRIORITY, onShared, {0, 9}, 0),
+    number("CLWLRANK", MQIA_CLWL_Q_RANK, onShared, {0, 9}, 0),
     words("CLWLUSEQ", MQIA_CLWL_USEQ, onLocal, useQueue, MQCLWL_USEQ_AS_Q_MGR),
     words("CLWLUSEQ", MQIA_CLWL_USEQ, onQmgr, useQueueOfQmgr, MQCLWL_USEQ_LOCAL),
     words("CMDEV", MQIA_COMMAND_EVENT, onQmgr, commandEvent, MQEVR_DISABLED),
     number("CMDLEVEL", MQIA_COMMAND_LEVEL, onQmgr, {0, most}, MQCMDL_LEVEL_920).fixed(),
     name("COMMANDQ", MQCA_COMMAND_INPUT_Q_NAME, onQmgr, "SYSTEM.ADMIN.COMMAND.QUEUE").fixed(),
     words("CONFIGEV", MQIA_CONFIGURATION_EVENT, onQmgr, disabledEnabled, MQEVR_DISABLED),
-    text("CRDATE", MQCA_CREATION_DATE, onLocal | onQmgr, MQ_CREATION_DATE_LENGTH).fixed(),
-    text("CRTIME", MQCA_CREATION_TIME, onLocal | onQmgr, MQ_CREATION_TIME_LENGTH).fixed(),
+    text("CRDATE", MQCA_CREATION_DATE, onHolders | onQmgr, MQ_CREATION_DATE_LENGTH).fixed(),
+    text("CRTIME", MQCA_CREATION_TIME, onHolders | onQmgr, MQ_CREATION_TIME_LENGTH).fixed(),
     number("CURDEPTH", MQIA_CURRENT_Q_DEPTH, onLocal, {0, most}, 0).dynamic(),
-    text("CUSTOM", MQCA_CUSTOM, onLocal | onQmgr, MQ_CUSTOM_LENGTH),
+    text("CUSTOM", MQCA_CUSTOM, allQueues | onQmgr, MQ_CUSTOM_LENGTH),
     name("DEADQ", MQCA_DEAD_LETTER_Q_NAME, onQmgr),
-    words("DEFBIND", MQIA_DEF_BIND, onLocal, bind, MQBND_BIND_ON_OPEN),
-    words("DEFPRESP", MQIA_DEF_PUT_RESPONSE_TYPE, onLocal, putResponse, MQPRT_SYNC_RESPONSE),
-    number("DEFPRTY", MQIA_DEF_PRIORITY, onLocal, {0, 9}, 0),
-    words("DEFPSIST", MQIA_DEF_PERSISTENCE, onLocal, persistence, MQPER_NOT_PERSISTENT),
-    words("DEFREADA", MQIA_DEF_READ_AHEAD, onLocal, readAhead, MQREADA_NO),
+    words("DEFBIND", MQIA_DEF_BIND, onShared, bind, MQBND_BIND_ON_OPEN),
+    words("DEFPRESP", MQIA_DEF_PUT_RESPONSE_TYPE, allQueues, putResponse, MQPRT_SYNC_RESPONSE),
+    number("DEFPRTY", MQIA_DEF_PRIORITY, allQueues, {0, 9}, 0),
+    words("DEFPSIST", MQIA_DEF_PERSISTENCE, allQueues, persistence, MQPER_NOT_PERSISTENT),
+    words("DEFREADA", MQIA_DEF_READ_AHEAD, onReadable, readAhead, MQREADA_NO),
     words("DEFSOPT", MQIA_DEF_INPUT_OPEN_OPTION, onLocal, inputOption, MQOO_INPUT_SHARED),
+    words("DEFSOPT", MQIA_DEF_INPUT_OPEN_OPTION, onModel, inputOption, MQOO_INPUT_EXCLUSIVE),
     words("DEFTYPE", MQIA_DEFINITION_TYPE, onLocal, definitionType, MQQDT_PREDEFINED).fixed(),
+    words("DEFTYPE", MQIA_DEFINITION_TYPE, onModel, dynamicTypes, MQQDT_TEMPORARY_DYNAMIC),
     name("DEFXMITQ", MQCA_DEF_XMIT_Q_NAME, onQmgr),
-    text("DESCR", MQCA_Q_DESC, onLocal, MQ_Q_DESC_LENGTH),
+    text("DESCR", MQCA_Q_DESC, allQueues, MQ_Q_DESC_LENGTH),
+    text("DESCR", MQCA_NAMELIST_DESC, onNamelist, MQ_NAMELIST_DESC_LENGTH),
+    text("DESCR", MQCA_PROCESS_DESC, onProcess, MQ_PROCESS_DESC_LENGTH),
     text("DESCR", MQCA_Q_MGR_DESC, onQmgr, MQ_Q_MGR_DESC_LENGTH),
-    words("DISTL", MQIA_DIST_LISTS, onLocal, distLists, MQDL_NOT_SUPPORTED).byMqset(),
+    words("DISTL", MQIA_DIST_LISTS, onHolders, distLists, MQDL_NOT_SUPPORTED).byMqset(),
     words("DISTL", MQIA_DIST_LISTS, onQmgr, distLists, MQDL_SUPPORTED).fixed(),
-    words("GET", MQIA_INHIBIT_GET, onLocal, getPut, MQQA_GET_ALLOWED).byMqset(),
-    flag("HARDENBO", MQIA_HARDEN_GET_BACKOUT, onLocal, hardenBackout, MQQA_BACKOUT_HARDENED),
-    words("IMGRCOVQ", MQIA_MEDIA_IMAGE_RECOVER_Q, onLocal, imageRecovery, MQIMGRCOV_AS_Q_MGR),
+    text("ENVRDATA", MQCA_ENV_DATA, onProcess, MQ_PROCESS_ENV_DATA_LENGTH),
+    words("GET", MQIA_INHIBIT_GET, onReadable, getPut, MQQA_GET_ALLOWED).byMqset(),
+    flag("HARDENBO", MQIA_HARDEN_GET_BACKOUT, onHolders, hardenBackout, MQQA_BACKOUT_HARDENED),
+    words("IMGRCOVQ", MQIA_MEDIA_IMAGE_RECOVER_Q, onHolders, imageRecovery, MQIMGRCOV_AS_Q_MGR),
     words("IMGRCOVQ", MQIA_MEDIA_IMAGE_RECOVER_Q, onQmgr, yesNo, MQIMGRCOV_YES),
     words("INHIBTEV", MQIA_INHIBIT_EVENT, onQmgr, disabledEnabled, MQEVR_DISABLED),
-    name("INITQ", MQCA_INITIATION_Q_NAME, onLocal),
+    name("INITQ", MQCA_INITIATION_Q_NAME, onHolders),
     number("IPPROCS", MQIA_OPEN_INPUT_COUNT, onLocal, {0, most}, 0).dynamic(),
     words("LOCALEV", MQIA_LOCAL_EVENT, onQmgr, disabledEnabled, MQEVR_DISABLED),
     words("LOGGEREV", MQIA_LOGGER_EVENT, onQmgr, disabledEnabled, MQEVR_DISABLED),
     number("MARKINT", MQIA_MSG_MARK_BROWSE_INTERVAL, onQmgr, {0, most}, 5000, noLimit),
-    number("MAXDEPTH", MQIA_MAX_Q_DEPTH, onLocal, {0, most}, 5000),
-    number("MAXFSIZE", MQIA_MAX_Q_FILE_SIZE, onLocal, {20, 267386880}, MQQFS_DEFAULT, defaultSize),
+    number("MAXDEPTH", MQIA_MAX_Q_DEPTH, onHolders, {0, most}, 5000),
+    number("MAXFSIZE", MQIA_MAX_Q_FILE_SIZE, onHolders, {20, 267386880}, MQQFS_DEFAULT, defaultSize),
     number("MAXHANDS", MQIA_MAX_HANDLES, onQmgr, {0, most}, 256),
-    number("MAXMSGL", MQIA_MAX_MSG_LENGTH, onLocal, {0, maxMessage}, 4194304),
+    number("MAXMSGL", MQIA_MAX_MSG_LENGTH, onHolders, {0, maxMessage}, 4194304),
     number("MAXMSGL", MQIA_MAX_MSG_LENGTH, onQmgr, {32768, maxMessage}, 4194304),
     number("MAXPROPL", MQIA_MAX_PROPERTIES_LENGTH, onQmgr, {0, maxMessage}, MQPROP_UNRESTRICTED_LENGTH, noLimit),
     number("MAXPRTY", MQIA_MAX_PRIORITY, onQmgr, {0, 9}, 9).fixed(),
     number("MAXUMSGS", MQIA_MAX_UNCOMMITTED_MSGS, onQmgr, {1, most}, 10000),
     words("MONACLS", MQIA_MONITORING_AUTO_CLUSSDR, onQmgr, levelsOfSender, MQMON_Q_MGR),
     words("MONCHL", MQIA_MONITORING_CHANNEL, onQmgr, levels, MQMON_OFF),
-    words("MONQ", MQIA_MONITORING_Q, onLocal, levelsOrQmgr, MQMON_Q_MGR),
+    words("MONQ", MQIA_MONITORING_Q, onHolders, levelsOrQmgr, MQMON_Q_MGR),
     words("MONQ", MQIA_MONITORING_Q, onQmgr, levels, MQMON_OFF),
-    words("MSGDLVSQ", MQIA_MSG_DELIVERY_SEQUENCE, onLocal, deliverySequence, MQMDS_PRIORITY),
-    words("NPMCLASS", MQIA_NPM_CLASS, onLocal, nonPersistentClass, MQNPM_CLASS_NORMAL),
+    words("MSGDLVSQ", MQIA_MSG_DELIVERY_SEQUENCE, onHolders, deliverySequence, MQMDS_PRIORITY),
+    number("NAMCOUNT", MQIA_NAME_COUNT, onNamelist, {0, maxNames}, 0).with(Access::Derived),
+    name("NAMELIST", MQCA_NAMELIST_NAME, onNamelist).identity(),
+    names("NAMES", MQCA_NAMES, onNamelist),
+    words("NPMCLASS", MQIA_NPM_CLASS, onHolders, nonPersistentClass, MQNPM_CLASS_NORMAL),
     number("OPPROCS", MQIA_OPEN_OUTPUT_COUNT, onLocal, {0, most}, 0).dynamic(),
     name("PARENT", MQCA_PARENT, onQmgr),
     words("PERFMEV", MQIA_PERFORMANCE_EVENT, onQmgr, disabledEnabled, MQEVR_DISABLED),
     words("PLATFORM", MQIA_PLATFORM, onQmgr, platforms, MQPL_UNIX).fixed(),
-    name("PROCESS", MQCA_PROCESS_NAME, onLocal),
-    words("PROPCTL", MQIA_PROPERTY_CONTROL, onLocal, propertyControl, MQPROP_COMPATIBILITY),
+    name("PROCESS", MQCA_PROCESS_NAME, onHolders),
+    name("PROCESS", MQCA_PROCESS_NAME, onProcess).identity(),
+    words("PROPCTL", MQIA_PROPERTY_CONTROL, onReadable, propertyControl, MQPROP_COMPATIBILITY),
     words("PSMODE", MQIA_PUBSUB_MODE, onQmgr, pubsubMode, MQPSM_ENABLED),
     words("PSNPMSG", MQIA_PUBSUB_NP_MSG, onQmgr, undeliveredMsg, MQUNDELIVERED_DISCARD),
     words("PSNPRES", MQIA_PUBSUB_NP_RESP, onQmgr, undeliveredResp, MQUNDELIVERED_NORMAL),
     number("PSRTYCNT", MQIA_PUBSUB_MAXMSG_RETRY_COUNT, onQmgr, {0, most}, 5),
     words("PSSYNCPT", MQIA_PUBSUB_SYNC_PT, onQmgr, pubsubSyncpoint, MQSYNCPOINT_IFPER),
-    words("PUT", MQIA_INHIBIT_PUT, onLocal, getPut, MQQA_PUT_ALLOWED).byMqset(),
-    number("QDEPTHHI", MQIA_Q_DEPTH_HIGH_LIMIT, onLocal, {0, 100}, 80),
-    number("QDEPTHLO", MQIA_Q_DEPTH_LOW_LIMIT, onLocal, {0, 100}, 20),
-    words("QDPHIEV", MQIA_Q_DEPTH_HIGH_EVENT, onLocal, disabledEnabled, MQEVR_DISABLED),
-    words("QDPLOEV", MQIA_Q_DEPTH_LOW_EVENT, onLocal, disabledEnabled, MQEVR_DISABLED),
-    words("QDPMAXEV", MQIA_Q_DEPTH_MAX_EVENT, onLocal, disabledEnabled, MQEVR_ENABLED),
+    words("PUT", MQIA_INHIBIT_PUT, allQueues, getPut, MQQA_PUT_ALLOWED).byMqset(),
+    number("QDEPTHHI", MQIA_Q_DEPTH_HIGH_LIMIT, onHolders, {0, 100}, 80),
+    number("QDEPTHLO", MQIA_Q_DEPTH_LOW_LIMIT, onHolders, {0, 100}, 20),
+    words("QDPHIEV", MQIA_Q_DEPTH_HIGH_EVENT, onHolders, disabledEnabled, MQEVR_DISABLED),
+    words("QDPLOEV", MQIA_Q_DEPTH_LOW_EVENT, onHolders, disabledEnabled, MQEVR_DISABLED),
+    words("QDPMAXEV", MQIA_Q_DEPTH_MAX_EVENT, onHolders, disabledEnabled, MQEVR_ENABLED),
     text("QMID", MQCA_Q_MGR_IDENTIFIER, onQmgr, MQ_Q_MGR_IDENTIFIER_LENGTH).fixed(),
     name("QMNAME", MQCA_Q_MGR_NAME, onQmgr).identity(),
-    words("QSVCIEV", MQIA_Q_SERVICE_INTERVAL_EVENT, onLocal, serviceEvent, MQQSIE_NONE),
-    number("QSVCINT", MQIA_Q_SERVICE_INTERVAL, onLocal, {0, most}, most),
-    name("QUEUE", MQCA_Q_NAME, onLocal).identity(),
+    words("QSVCIEV", MQIA_Q_SERVICE_INTERVAL_EVENT, onHolders, serviceEvent, MQQSIE_NONE),
+    number("QSVCINT", MQIA_Q_SERVICE_INTERVAL, onHolders, {0, most}, most),
+    name("QUEUE", MQCA_Q_NAME, allQueues).identity(),
     words("REMOTEEV", MQIA_REMOTE_EVENT, onQmgr, disabledEnabled, MQEVR_DISABLED),
     name("REPOS", MQCA_REPOSITORY_NAME, onQmgr),
     name("REPOSNL", MQCA_REPOSITORY_NAMELIST, onQmgr),
-    number("RETINTVL", MQIA_RETENTION_INTERVAL, onLocal, {0, most}, most),
+    number("RETINTVL", MQIA_RETENTION_INTERVAL, onHolders, {0, most}, most),
+    name("RNAME", MQCA_REMOTE_Q_NAME, onRemote),
     words("ROUTEREC", MQIA_TRACE_ROUTE_RECORDING, onQmgr, recording, MQRECORDING_MSG),
+    name("RQMNAME", MQCA_REMOTE_Q_MGR_NAME, onRemote),
     words("SCMDSERV", MQIA_CMD_SERVER_CONTROL, onQmgr, serverControl, MQSVC_CONTROL_Q_MGR),
-    words("SCOPE", MQIA_SCOPE, onLocal, scope, MQSCO_Q_MGR),
+    words("SCOPE", MQIA_SCOPE, onShared, scope, MQSCO_Q_MGR),
     flag("SHARE", MQIA_SHAREABILITY, onLocal, share, MQQA_SHAREABLE),
+    flag("SHARE", MQIA_SHAREABILITY, onModel, share, MQQA_NOT_SHAREABLE),
     words("SSLEV", MQIA_SSL_EVENT, onQmgr, disabledEnabled, MQEVR_DISABLED),
     words("SSLFIPS", MQIA_SSL_FIPS_REQUIRED, onQmgr, yesNo, MQSSL_FIPS_NO),
     number("SSLRKEYC", MQIA_SSL_RESET_COUNT, onQmgr, {0, most}, 0),
@@ -275,19 +322,23 @@ constexpr Row table[] = {
     words("STATCHL", MQIA_STATISTICS_CHANNEL, onQmgr, levels, MQMON_OFF),
     number("STATINT", MQIA_STATISTICS_INTERVAL, onQmgr, {1, 604800}, 1800),
     words("STATMQI", MQIA_STATISTICS_MQI, onQmgr, offOn, MQMON_OFF),
-    words("STATQ", MQIA_STATISTICS_Q, onLocal, qmgrOffOn, MQMON_Q_MGR),
+    words("STATQ", MQIA_STATISTICS_Q, onHolders, qmgrOffOn, MQMON_Q_MGR),
     words("STATQ", MQIA_STATISTICS_Q, onQmgr, noneOffOn, MQMON_OFF),
     words("STRSTPEV", MQIA_START_STOP_EVENT, onQmgr, disabledEnabled, MQEVR_ENABLED),
     flag("SYNCPT", MQIA_SYNCPOINT, onQmgr, syncpoint, MQSP_AVAILABLE).fixed(),
+    name("TARGET", MQCA_BASE_OBJECT_NAME, onAlias),
+    words("TARGTYPE", MQIA_BASE_TYPE, onAlias, targetTypes, MQOT_Q),
     number("TREELIFE", MQIA_TREE_LIFE_TIME, onQmgr, {0, 604000}, 1800),
-    text("TRIGDATA", MQCA_TRIGGER_DATA, onLocal, MQ_TRIGGER_DATA_LENGTH).byMqset(),
-    number("TRIGDPTH", MQIA_TRIGGER_DEPTH, onLocal, {1, most}, 1).byMqset(),
-    flag("TRIGGER", MQIA_TRIGGER_CONTROL, onLocal, trigger, MQTC_OFF).byMqset(),
+    text("TRIGDATA", MQCA_TRIGGER_DATA, onHolders, MQ_TRIGGER_DATA_LENGTH).byMqset(),
+    number("TRIGDPTH", MQIA_TRIGGER_DEPTH, onHolders, {1, most}, 1).byMqset(),
+    flag("TRIGGER", MQIA_TRIGGER_CONTROL, onHolders, trigger, MQTC_OFF).byMqset(),
     number("TRIGINT", MQIA_TRIGGER_INTERVAL, onQmgr, {0, most}, most),
-    number("TRIGMPRI", MQIA_TRIGGER_MSG_PRIORITY, onLocal, {0, 9}, 0).byMqset(),
-    words("TRIGTYPE", MQIA_TRIGGER_TYPE, onLocal, triggerType, MQTT_FIRST).byMqset(),
-    words("TYPE", MQIA_Q_TYPE, onLocal, queueTypes, MQQT_LOCAL).identity(),
-    words("USAGE", MQIA_USAGE, onLocal, usage, MQUS_NORMAL),
+    number("TRIGMPRI", MQIA_TRIGGER_MSG_PRIORITY, onHolders, {0, 9}, 0).byMqset(),
+    words("TRIGTYPE", MQIA_TRIGGER_TYPE, onHolders, triggerType, MQTT_FIRST).byMqset(),
+    words("TYPE", MQIA_Q_TYPE, allQueues, queueTypes, MQQT_LOCAL).identity(),
+    words("USAGE", MQIA_USAGE, onHolders, usage, MQUS_NORMAL),
+    text("USERDATA", MQCA_USER_DATA, onProcess, MQ_PROCESS_USER_DATA_LENGTH),
+    name("XMITQ", MQCA_XMIT_Q_NAME, onRemote),
 };
 // clang-format on
 
@@ -398,10 +449,12 @@ const Attribute *findSelector(ObjectKind kind, MQLONG selector)
     return row == noRow ? nullptr : &plainTable[row];
 }
 
-KeywordMatch findKeyword(ObjectKind kind, std::string_view keyword)
+KeywordMatch findKeyword(ObjectKinds kinds, std::string_view keyword)
 {
+    for (const KeywordSynonym &synonym : synonyms)
+        if (sameKeyword(synonym.typed, keyword)) keyword = synonym.keyword;
     for (const Attribute &attribute : plainTable) {
-        if (!contains(attribute.kinds, kind)) continue;
+        if ((attribute.kinds & kinds) == 0) continue;
         if (attribute.value == ValueKind::Flag) {
             for (const Word &word : attribute.words)
                 if (sameKeyword(word.keyword, keyword)) return {&attribute, word.value};

@@ -40,6 +40,18 @@ std::string_view withoutTrailingBlanks(std::string_view text)
     return text;
 }
 
+ValueFault checkNames(std::string_view list)
+{
+    const std::vector<std::string_view> names = splitNames(list);
+    if (names.size() > static_cast<std::size_t>(maxNames)) return ValueFault::TooMany;
+    for (const std::string_view name : names) {
+        const NameCheck check = checkObjectName(name);
+        if (check.fault == NameFault::TooLong) return ValueFault::TooLong;
+        if (!check) return ValueFault::BadName;
+    }
+    return ValueFault::None;
+}
+
 ParsedValue parseNumber(const Attribute &attribute, std::string_view text)
 {
     MQLONG number = 0;
@@ -64,11 +76,25 @@ ParsedValue parseValue(const Attribute &attribute, std::string_view text)
         return {ValueFault::UnknownWord, {}};
     case ValueKind::Text:
     case ValueKind::Name:
+    case ValueKind::NameList:
         break;
     }
     const ValueFault fault = checkText(attribute, text);
     if (fault != ValueFault::None) return {fault, {}};
     return {ValueFault::None, {0, std::string(text)}};
+}
+
+std::vector<std::string_view> splitNames(std::string_view list)
+{
+    std::vector<std::string_view> names;
+    while (!list.empty()) {
+        const std::size_t comma = list.find(',');
+        names.push_back(list.substr(0, comma));
+        if (comma == std::string_view::npos) break;
+        list.remove_prefix(comma + 1);
+        if (list.empty()) names.emplace_back();
+    }
+    return names;
 }
 
 ValueFault checkNumber(const Attribute &attribute, MQLONG number)
@@ -81,6 +107,7 @@ ValueFault checkNumber(const Attribute &attribute, MQLONG number)
 ValueFault checkText(const Attribute &attribute, std::string_view text)
 {
     text = withoutTrailingBlanks(text);
+    if (attribute.value == ValueKind::NameList) return checkNames(text);
     if (text.size() > static_cast<std::size_t>(attribute.textLength)) return ValueFault::TooLong;
     if (std::any_of(text.begin(), text.end(), isControl)) return ValueFault::BadCharacter;
     if (attribute.value == ValueKind::Name && !text.empty() && !checkObjectName(text)) return ValueFault::BadName;

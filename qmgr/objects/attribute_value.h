@@ -3,13 +3,15 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cmqc.h"
 #include "qmgr/objects/attribute.h"
 
 namespace mqrig::qmgr::objects {
 
-// One value: `number` for integers, `text` (without trailing blanks) for texts.
+// One value: `number` for integers, `text` (without trailing blanks) for texts; the names of a list stand in one text,
+// with commas between them.
 struct AttributeValue {
     MQLONG number = 0;
     std::string text;
@@ -23,7 +25,8 @@ enum class ValueFault {
     OutOfRange,   // outside low..high, or beyond 32 bits
     UnknownWord,  // none of the row's keywords
     TooLong,      // longer than the field
-    BadName,      // breaks the rules for names
+    BadName,      // breaks the rules for names, or a blank one among others
+    TooMany,      // more names than a list has
     BadCharacter, // a zero byte or another control character inside a text
 };
 
@@ -36,6 +39,9 @@ struct ParsedValue {
 
 // Reads what stood between the parentheses, quotes removed. Not for flags: their keyword is their value.
 ParsedValue parseValue(const Attribute &attribute, std::string_view text);
+
+// The names of a list, in their order; none in the empty text.
+std::vector<std::string_view> splitNames(std::string_view list);
 
 // Judges a value that came as a number or a field (MQSET, PCF).
 ValueFault checkNumber(const Attribute &attribute, MQLONG number);

@@ -73,7 +73,7 @@ ObjectDefinition::ObjectDefinition(ObjectKind kind, std::string_view name) : kin
 {
     for (const Attribute &attribute : attributes()) {
         if (!contains(attribute.kinds, kind)) continue;
-        if (attribute.access == Access::Dynamic || attribute.access == Access::Identity) continue;
+        if (!isStored(attribute.access)) continue;
         if (attribute.isText())
             set(attribute.selector, attribute.defaultText);
         else
@@ -84,6 +84,7 @@ ObjectDefinition::ObjectDefinition(ObjectKind kind, std::string_view name) : kin
 MQLONG ObjectDefinition::number(MQLONG selector) const
 {
     if (selector == MQIA_Q_TYPE) return queueType(kind_);
+    if (selector == MQIA_NAME_COUNT) return static_cast<MQLONG>(splitNames(text(MQCA_NAMES)).size());
     const auto at = place(numbers_, selector);
     if (at != numbers_.end() && at->first == selector) return at->second;
     const Attribute *attribute = findSelector(kind_, selector);

@@ -1,5 +1,6 @@
 #include "qmgr/objects/object_kind.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace mqrig::qmgr::objects {
@@ -46,6 +47,12 @@ MQLONG queueType(ObjectKind kind)
 MQLONG openType(ObjectKind kind)
 {
     return row(kind).openType;
+}
+
+bool hasOpenType(ObjectKinds set, MQLONG type)
+{
+    return std::ranges::any_of(kindNames,
+                               [=](const KindNames &row) { return contains(set, row.kind) && row.openType == type; });
 }
 
 std::string_view commandWord(ObjectKind kind)

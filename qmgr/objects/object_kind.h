@@ -5,9 +5,11 @@
 //   2. Name the kind in the `kinds` column of the attributes it has (attribute_table.cpp) and add the attributes
 //      that only it has.
 //   3. If calls work on it per message, give it a record of its own beside queue_definition.h.
-//   4. Add its MQSC words to qmgr/command/mqsc_objects.cpp and its SYSTEM. objects to system_objects.cpp.
+//   4. Add its MQSC words to the tables in qmgr/command/mqsc_interpreter.cpp, its messages to `messagesOf` in
+//      mqsc_answers.cpp, and its SYSTEM. objects to system_objects.cpp.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -44,6 +46,12 @@ constexpr bool contains(ObjectKinds set, ObjectKind kind)
     return (set & kinds(kind)) != 0;
 }
 
+// The kind in a set of one.
+constexpr ObjectKind onlyKind(ObjectKinds set)
+{
+    return static_cast<ObjectKind>(std::countr_zero(set));
+}
+
 // Every kind of queue; their names share one space, as MQ has it.
 inline constexpr ObjectKinds allQueues =
     kinds(ObjectKind::LocalQueue, ObjectKind::AliasQueue, ObjectKind::RemoteQueue, ObjectKind::ModelQueue);
@@ -53,6 +61,8 @@ MQLONG queueType(ObjectKind kind);
 
 // The MQOT_ value under which programs open it.
 MQLONG openType(ObjectKind kind);
+// Whether any kind of the set is opened under that MQOT_ value.
+bool hasOpenType(ObjectKinds set, MQLONG type);
 
 // "QLOCAL", "QMGR": the word of the command language; "Queue", "Queue Manager": what answers call it.
 std::string_view commandWord(ObjectKind kind);

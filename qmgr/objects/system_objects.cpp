@@ -13,6 +13,13 @@ struct SystemQueue {
     MQLONG maxDepth;
 };
 
+// Objects of other kinds: they have the defaults of their kind.
+struct OtherObject {
+    ObjectKind kind;
+    std::string_view name;
+    std::string_view description;
+};
+
 constexpr MQLONG standardDepth = 5000;
 constexpr MQLONG unboundedDepth = 999999999;
 
@@ -35,6 +42,16 @@ constexpr SystemQueue systemQueues[] = {
     {defaultLocalQueue, "", standardDepth},
 };
 
+constexpr OtherObject otherObjects[] = {
+    {ObjectKind::ModelQueue, "SYSTEM.COMMAND.MODEL.QUEUE", "Replies to commands"},
+    {ObjectKind::ModelQueue, defaultModelQueue, ""},
+    {ObjectKind::ModelQueue, "SYSTEM.MQSC.REPLY.QUEUE", "Replies to MQSC commands"},
+    {ObjectKind::AliasQueue, defaultAliasQueue, ""},
+    {ObjectKind::RemoteQueue, defaultRemoteQueue, ""},
+    {ObjectKind::Namelist, defaultNamelist, ""},
+    {ObjectKind::Process, defaultProcess, ""},
+};
+
 store::Definition stored(const ObjectDefinition &object)
 {
     store::Definition definition;
@@ -54,6 +71,27 @@ std::string identifier(const ObjectDefinition &queueManager)
 
 } // namespace
 
+std::string_view defaultObject(ObjectKind kind)
+{
+    switch (kind) {
+    case ObjectKind::LocalQueue:
+        return defaultLocalQueue;
+    case ObjectKind::AliasQueue:
+        return defaultAliasQueue;
+    case ObjectKind::RemoteQueue:
+        return defaultRemoteQueue;
+    case ObjectKind::ModelQueue:
+        return defaultModelQueue;
+    case ObjectKind::Namelist:
+        return defaultNamelist;
+    case ObjectKind::Process:
+        return defaultProcess;
+    case ObjectKind::QueueManager:
+        break;
+    }
+    return {};
+}
+
 std::vector<store::Definition> systemObjects(std::string_view queueManagerName)
 {
     std::vector<store::Definition> objects;
@@ -68,6 +106,12 @@ std::vector<store::Definition> systemObjects(std::string_view queueManagerName)
         queue.set(MQIA_MAX_Q_DEPTH, row.maxDepth);
         queue.stampCreated();
         objects.push_back(stored(queue));
+    }
+    for (const OtherObject &row : otherObjects) {
+        ObjectDefinition object(row.kind, row.name);
+        object.set(*findKeyword(row.kind, "DESCR").attribute, {0, std::string(row.description)});
+        object.stampCreated();
+        objects.push_back(stored(object));
     }
     return objects;
 }

@@ -25,9 +25,9 @@ protected:
     }
     MQLONG numberOf(const std::string &queue, MQLONG selector)
     {
-        const InquiredQueues found = inquireQueues(*attachment_, queue, objects::allQueues);
-        EXPECT_EQ(found.queues.size(), 1U);
-        return found.queues.empty() ? -1 : found.queues[0].definition.number(selector);
+        const InquiredObjects found = inquireObjects(*attachment_, queue, objects::allQueues);
+        EXPECT_EQ(found.objects.size(), 1U);
+        return found.objects.empty() ? -1 : found.objects[0].definition.number(selector);
     }
 };
 
@@ -35,7 +35,7 @@ TEST_F(ObjectCommands, NewQueueTakesItsAttributesFromTheDefaultQueue)
 {
     ASSERT_EQ(run("ALTER QL(SYSTEM.DEFAULT.LOCAL.QUEUE) MAXDEPTH(77) DESCR('from default')").result,
               CommandResult::Done);
-    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    ASSERT_TRUE(defineObject(*attachment_, named("Q1")).ok());
     EXPECT_EQ(numberOf("Q1", MQIA_MAX_Q_DEPTH), 77);
 }
 
@@ -43,30 +43,30 @@ TEST_F(ObjectCommands, LikeTakesThemFromTheQueueNamed)
 {
     Definition first = named("Q1");
     first.attributes = {assignment(MQIA_MAX_Q_DEPTH, 5), assignment(MQIA_DEF_PERSISTENCE, MQPER_PERSISTENT)};
-    ASSERT_TRUE(defineQueue(*attachment_, first).ok());
+    ASSERT_TRUE(defineObject(*attachment_, first).ok());
     Definition second = named("Q2");
     second.like = "Q1";
     second.attributes = {assignment(MQIA_MAX_Q_DEPTH, 6)};
-    ASSERT_TRUE(defineQueue(*attachment_, second).ok());
+    ASSERT_TRUE(defineObject(*attachment_, second).ok());
     EXPECT_EQ(numberOf("Q2", MQIA_DEF_PERSISTENCE), MQPER_PERSISTENT);
     EXPECT_EQ(numberOf("Q2", MQIA_MAX_Q_DEPTH), 6);
     second.name = "Q3";
     second.like = "NO.SUCH";
-    EXPECT_EQ(defineQueue(*attachment_, second), failure(MQRC_UNKNOWN_OBJECT_NAME));
+    EXPECT_EQ(defineObject(*attachment_, second), failure(MQRC_UNKNOWN_OBJECT_NAME));
 }
 
 TEST_F(ObjectCommands, ExistingQueueIsReplacedOnlyWhenAskedAndKeepsItsMessages)
 {
     Definition definition = named("Q1");
     definition.attributes = {assignment(MQIA_MAX_Q_DEPTH, 5)};
-    ASSERT_TRUE(defineQueue(*attachment_, definition).ok());
+    ASSERT_TRUE(defineObject(*attachment_, definition).ok());
     put("Q1", MQPER_PERSISTENT);
     const store::QueueId id = idOf("Q1");
-    EXPECT_EQ(defineQueue(*attachment_, named("Q1")), failure(MQRCCF_OBJECT_ALREADY_EXISTS));
+    EXPECT_EQ(defineObject(*attachment_, named("Q1")), failure(MQRCCF_OBJECT_ALREADY_EXISTS));
     EXPECT_EQ(numberOf("Q1", MQIA_MAX_Q_DEPTH), 5);
     Definition replacing = named("Q1");
     replacing.replace = Replace::Yes;
-    ASSERT_TRUE(defineQueue(*attachment_, replacing).ok());
+    ASSERT_TRUE(defineObject(*attachment_, replacing).ok());
     EXPECT_EQ(numberOf("Q1", MQIA_MAX_Q_DEPTH), 5000);
     EXPECT_EQ(idOf("Q1"), id);
     EXPECT_EQ(statusOf("Q1").depth, 1U);
@@ -74,29 +74,29 @@ TEST_F(ObjectCommands, ExistingQueueIsReplacedOnlyWhenAskedAndKeepsItsMessages)
 
 TEST_F(ObjectCommands, OpenQueueIsNotDeleted)
 {
-    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    ASSERT_TRUE(defineObject(*attachment_, named("Q1")).ok());
     const auto other = connect();
     open(*other, idOf("Q1"), output);
-    EXPECT_EQ(deleteQueue(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::Yes),
+    EXPECT_EQ(deleteObject(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::Yes),
               failure(MQRCCF_OBJECT_OPEN));
     EXPECT_NE(idOf("Q1"), 0U);
 }
 
 TEST_F(ObjectCommands, QueueWithMessagesIsDeletedOnlyWithPurge)
 {
-    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    ASSERT_TRUE(defineObject(*attachment_, named("Q1")).ok());
     put("Q1", MQPER_PERSISTENT);
     put("Q1", MQPER_NOT_PERSISTENT);
-    EXPECT_EQ(deleteQueue(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::No), failure(MQRC_Q_NOT_EMPTY));
-    EXPECT_TRUE(deleteQueue(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::Yes).ok());
+    EXPECT_EQ(deleteObject(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::No), failure(MQRC_Q_NOT_EMPTY));
+    EXPECT_TRUE(deleteObject(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::Yes).ok());
     EXPECT_EQ(idOf("Q1"), 0U);
-    EXPECT_EQ(deleteQueue(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::Yes),
+    EXPECT_EQ(deleteObject(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::Yes),
               failure(MQRC_UNKNOWN_OBJECT_NAME));
 }
 
 TEST_F(ObjectCommands, UncommittedMessagesKeepAQueueEvenFromPurge)
 {
-    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    ASSERT_TRUE(defineObject(*attachment_, named("Q1")).ok());
     const auto other = connect();
     const store::QueueId id = idOf("Q1");
     ASSERT_TRUE(other
@@ -106,12 +106,12 @@ TEST_F(ObjectCommands, UncommittedMessagesKeepAQueueEvenFromPurge)
                                  return success();
                              })
                     .ok());
-    EXPECT_EQ(deleteQueue(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::Yes), failure(MQRC_Q_NOT_EMPTY));
+    EXPECT_EQ(deleteObject(*attachment_, objects::ObjectKind::LocalQueue, "Q1", Purge::Yes), failure(MQRC_Q_NOT_EMPTY));
 }
 
 TEST_F(ObjectCommands, ClearRemovesAllMessages)
 {
-    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    ASSERT_TRUE(defineObject(*attachment_, named("Q1")).ok());
     for (int i = 0; i < 3; ++i) {
         put("Q1", MQPER_PERSISTENT);
         put("Q1", MQPER_NOT_PERSISTENT);
@@ -126,7 +126,7 @@ TEST_F(ObjectCommands, ClearRemovesAllMessages)
 
 TEST_F(ObjectCommands, ClearTakesMoreMessagesThanOneUnitOfWorkHolds)
 {
-    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    ASSERT_TRUE(defineObject(*attachment_, named("Q1")).ok());
     for (int i = 0; i < 2500; ++i)
         put("Q1", MQPER_NOT_PERSISTENT);
     ASSERT_TRUE(clearQueue(*attachment_, "Q1").ok());
@@ -135,7 +135,7 @@ TEST_F(ObjectCommands, ClearTakesMoreMessagesThanOneUnitOfWorkHolds)
 
 TEST_F(ObjectCommands, OpenQueueIsNotCleared)
 {
-    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    ASSERT_TRUE(defineObject(*attachment_, named("Q1")).ok());
     put("Q1", MQPER_NOT_PERSISTENT);
     const auto other = connect();
     open(*other, idOf("Q1"), output);
@@ -145,54 +145,54 @@ TEST_F(ObjectCommands, OpenQueueIsNotCleared)
 
 TEST_F(ObjectCommands, NoShareWantsForceWhileTwoReadTheQueue)
 {
-    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    ASSERT_TRUE(defineObject(*attachment_, named("Q1")).ok());
     const auto other = connect();
     open(*other, idOf("Q1"), input);
     Definition change = named("Q1");
     change.attributes = {assignment(MQIA_SHAREABILITY, MQQA_NOT_SHAREABLE)};
     Definition back = named("Q1");
     back.attributes = {assignment(MQIA_SHAREABILITY, MQQA_SHAREABLE)};
-    EXPECT_TRUE(alterQueue(*attachment_, change).ok());
-    EXPECT_TRUE(alterQueue(*attachment_, back).ok());
+    EXPECT_TRUE(alterObject(*attachment_, change).ok());
+    EXPECT_TRUE(alterObject(*attachment_, back).ok());
     open(*other, idOf("Q1"), input);
-    EXPECT_EQ(alterQueue(*attachment_, change), failure(MQRCCF_OBJECT_OPEN));
+    EXPECT_EQ(alterObject(*attachment_, change), failure(MQRCCF_OBJECT_OPEN));
     change.force = Force::Yes;
-    EXPECT_TRUE(alterQueue(*attachment_, change).ok());
+    EXPECT_TRUE(alterObject(*attachment_, change).ok());
 }
 
 TEST_F(ObjectCommands, OtherUsageWantsForceWhileThereAreMessages)
 {
-    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    ASSERT_TRUE(defineObject(*attachment_, named("Q1")).ok());
     put("Q1", MQPER_NOT_PERSISTENT);
     Definition change = named("Q1");
     change.attributes = {assignment(MQIA_USAGE, MQUS_TRANSMISSION)};
-    EXPECT_EQ(alterQueue(*attachment_, change), failure(MQRCCF_OBJECT_OPEN));
+    EXPECT_EQ(alterObject(*attachment_, change), failure(MQRCCF_OBJECT_OPEN));
     change.force = Force::Yes;
-    EXPECT_TRUE(alterQueue(*attachment_, change).ok());
+    EXPECT_TRUE(alterObject(*attachment_, change).ok());
 }
 
 TEST_F(ObjectCommands, LowLimitMayNotStandAboveTheHighOne)
 {
-    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    ASSERT_TRUE(defineObject(*attachment_, named("Q1")).ok());
     Definition change = named("Q1");
     change.attributes = {assignment(MQIA_Q_DEPTH_LOW_LIMIT, 90)};
-    EXPECT_EQ(alterQueue(*attachment_, change), failure(MQRCCF_ATTR_VALUE_ERROR));
+    EXPECT_EQ(alterObject(*attachment_, change), failure(MQRCCF_ATTR_VALUE_ERROR));
     change.attributes.push_back(assignment(MQIA_Q_DEPTH_HIGH_LIMIT, 95));
-    EXPECT_TRUE(alterQueue(*attachment_, change).ok());
+    EXPECT_TRUE(alterObject(*attachment_, change).ok());
 }
 
 TEST_F(ObjectCommands, ConcurrentChangesOfOneQueueAreAllKept)
 {
-    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    ASSERT_TRUE(defineObject(*attachment_, named("Q1")).ok());
     const auto alterAlone = [this](MQLONG selector) {
         const auto connection = connect();
         for (MQLONG value = 1; value <= 100; ++value) {
             Definition change = named("Q1");
             change.attributes = {assignment(selector, value)};
-            EXPECT_TRUE(alterQueue(*connection, change).ok());
-            const InquiredQueues now = inquireQueues(*connection, "Q1", objects::allQueues);
-            ASSERT_EQ(now.queues.size(), 1U);
-            EXPECT_EQ(now.queues[0].definition.number(selector), value);
+            EXPECT_TRUE(alterObject(*connection, change).ok());
+            const InquiredObjects now = inquireObjects(*connection, "Q1", objects::allQueues);
+            ASSERT_EQ(now.objects.size(), 1U);
+            EXPECT_EQ(now.objects[0].definition.number(selector), value);
         }
     };
     std::thread depth(alterAlone, MQIA_MAX_Q_DEPTH);
@@ -205,16 +205,16 @@ TEST_F(ObjectCommands, ConcurrentChangesOfOneQueueAreAllKept)
 
 TEST_F(ObjectCommands, InquiryCountsMessagesAndHandles)
 {
-    ASSERT_TRUE(defineQueue(*attachment_, named("Q1")).ok());
+    ASSERT_TRUE(defineObject(*attachment_, named("Q1")).ok());
     put("Q1", MQPER_NOT_PERSISTENT);
     const auto other = connect();
     open(*other, idOf("Q1"), input);
     open(*other, idOf("Q1"), output);
     open(*other, idOf("Q1"), output);
-    const InquiredQueues found = inquireQueues(*attachment_, "Q1", objects::allQueues);
-    ASSERT_EQ(found.queues.size(), 1U);
+    const InquiredObjects found = inquireObjects(*attachment_, "Q1", objects::allQueues);
+    ASSERT_EQ(found.objects.size(), 1U);
     const auto valueOf = [&](MQLONG selector) {
-        return found.queues[0].value(*objects::findSelector(objects::ObjectKind::LocalQueue, selector)).number;
+        return found.objects[0].value(*objects::findSelector(objects::ObjectKind::LocalQueue, selector)).number;
     };
     EXPECT_EQ(valueOf(MQIA_CURRENT_Q_DEPTH), 1);
     EXPECT_EQ(valueOf(MQIA_OPEN_INPUT_COUNT), 1);

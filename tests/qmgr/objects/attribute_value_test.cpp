@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace mqrig::qmgr::objects {
 namespace {
@@ -79,6 +80,31 @@ TEST(AttributeValue, ShownAsTheCommandLanguageWritesIt)
     EXPECT_EQ(formatAttribute(row(MQCA_Q_DESC), {0, ""}), "DESCR( )");
     EXPECT_EQ(formatAttribute(row(MQCA_Q_DESC), {0, "a b"}), "DESCR(a b)");
     EXPECT_EQ(formatAttribute(row(MQIA_INHIBIT_GET), {77, {}}), "GET(77)");
+}
+
+TEST(AttributeValue, NameListIsOneTextWithCommas)
+{
+    const Attribute &names = *findKeyword(ObjectKind::Namelist, "NAMES").attribute;
+    const ParsedValue two = parseValue(names, "A.QUEUE,b.queue");
+    ASSERT_TRUE(two);
+    EXPECT_EQ(formatAttribute(names, two.value), "NAMES(A.QUEUE,b.queue)");
+    EXPECT_EQ(splitNames(two.value.text), (std::vector<std::string_view>{"A.QUEUE", "b.queue"}));
+    EXPECT_EQ(formatAttribute(names, parseValue(names, "").value), "NAMES( )");
+    EXPECT_TRUE(splitNames("").empty());
+}
+
+TEST(AttributeValue, NameListTakesOnlyNamesAndNotTooMany)
+{
+    const Attribute &names = *findKeyword(ObjectKind::Namelist, "NAMES").attribute;
+    EXPECT_EQ(checkText(names, "A,,B"), ValueFault::BadName);
+    EXPECT_EQ(checkText(names, "A,"), ValueFault::BadName);
+    EXPECT_EQ(checkText(names, "A B"), ValueFault::BadName);
+    EXPECT_EQ(checkText(names, std::string(49, 'A')), ValueFault::TooLong);
+    std::string many = "N";
+    for (MQLONG i = 1; i < maxNames; ++i)
+        many += ",N";
+    EXPECT_EQ(checkText(names, many), ValueFault::None);
+    EXPECT_EQ(checkText(names, many + ",N"), ValueFault::TooMany);
 }
 
 } // namespace

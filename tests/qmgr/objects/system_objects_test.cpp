@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 #include <string>
 
@@ -22,10 +23,24 @@ TEST(SystemObjects, AreAllReadableAndDistinct)
         EXPECT_EQ(openType(object->kind()), stored.type);
         EXPECT_TRUE(names.insert(stored.name).second) << stored.name;
     }
-    for (const char *name : {"QM1", "SYSTEM.DEFAULT.LOCAL.QUEUE", "SYSTEM.DEAD.LETTER.QUEUE",
-                             "SYSTEM.ADMIN.COMMAND.QUEUE", "SYSTEM.ADMIN.QMGR.EVENT", "SYSTEM.ADMIN.PERFM.EVENT",
-                             "SYSTEM.ADMIN.CHANNEL.EVENT", "SYSTEM.DEFAULT.INITIATION.QUEUE"})
+    for (const char *name :
+         {"QM1", "SYSTEM.DEFAULT.LOCAL.QUEUE", "SYSTEM.DEAD.LETTER.QUEUE", "SYSTEM.ADMIN.COMMAND.QUEUE",
+          "SYSTEM.ADMIN.QMGR.EVENT", "SYSTEM.ADMIN.PERFM.EVENT", "SYSTEM.ADMIN.CHANNEL.EVENT",
+          "SYSTEM.DEFAULT.INITIATION.QUEUE", "SYSTEM.MQSC.REPLY.QUEUE", "SYSTEM.COMMAND.MODEL.QUEUE"})
         EXPECT_TRUE(names.contains(name)) << name;
+}
+
+TEST(SystemObjects, EveryKindHasItsDefaultObject)
+{
+    const auto objects = systemObjects("QM1");
+    for (const ObjectKind kind : {ObjectKind::LocalQueue, ObjectKind::AliasQueue, ObjectKind::RemoteQueue,
+                                  ObjectKind::ModelQueue, ObjectKind::Namelist, ObjectKind::Process}) {
+        const auto stored = std::find_if(objects.begin(), objects.end(), [kind](const store::Definition &definition) {
+            return definition.name == defaultObject(kind) && definition.type == openType(kind);
+        });
+        ASSERT_NE(stored, objects.end()) << defaultObject(kind);
+        EXPECT_EQ(ObjectDefinition::decode(stored->bytes)->kind(), kind);
+    }
 }
 
 TEST(SystemObjects, IdentifierIsNameDateAndTime)
