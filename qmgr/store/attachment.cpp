@@ -15,6 +15,11 @@ Attached attach(const std::filesystem::path &storeFolder, std::string_view name)
     if (!isQueueManagerName(wanted)) return {failure(MQRC_Q_MGR_NAME_ERROR), nullptr};
     auto [outcome, store] = Store::open(storeFolder / folderOfName(wanted));
     if (outcome.failed()) return {outcome, nullptr};
+    return Attachment::on(store);
+}
+
+Attached Attachment::on(const std::shared_ptr<Store> &store)
+{
     const auto taken = store->takeSlot();
     if (taken.outcome.failed()) return {taken.outcome, nullptr};
     std::unique_ptr<Attachment> attachment(new Attachment(store, taken.slot));
@@ -33,7 +38,7 @@ Attached attach(const std::filesystem::path &storeFolder, std::string_view name)
 
 Attachment::Attachment(std::shared_ptr<Store> store, std::uint32_t slot)
     : store_(std::move(store)), slot_(slot), forks_(forkCount.load(std::memory_order_relaxed)),
-      connectionNumber_(store_->control().slots[slot].connection)
+      connectionNumber_(store_->control().slots[slot].connection), requestsWaiting_(&store_->control().requestsWaiting)
 {
 }
 
@@ -51,6 +56,11 @@ Attachment::~Attachment()
 bool Attachment::forked() const
 {
     return forkCount.load(std::memory_order_relaxed) != forks_;
+}
+
+Attached Attachment::another() const
+{
+    return on(store_);
 }
 
 Outcome Attachment::check()

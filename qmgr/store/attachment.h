@@ -16,6 +16,7 @@
 // time while the attachment lives. Nothing throws but std::bad_alloc, and that leaves everything whole.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
@@ -155,6 +156,34 @@ public:
     // persistent messages kept over a restart. The same rule about forgetting.
     Outcome backOut(const Unit &unit);
 
+    // ---- Requests to the queue manager itself (requests.cpp) ----
+    // One queue holds requests that the connections work off, one connection at a time: whoever has put one, or finds
+    // that somebody died who should have. What stands in it and how it is served is the business of the floors above.
+
+    // Says which queue that is; needed once in each life of the queue manager, and harmless at any time.
+    void setRequestQueue(QueueId queue);
+    // [any] False when it is certain that no request is there; one load. True from before the moment when one becomes
+    // visible until noRequestsLeft, whoever dies meanwhile.
+    [[nodiscard]] bool requestsWaiting() const { return requestsWaiting_->load(std::memory_order_relaxed) != 0; }
+    // The turn to work them off, unless another thread or process has it. Ends with the object, or with its process.
+    class RequestTurn {
+    public:
+        explicit RequestTurn(const Attachment &attachment);
+        ~RequestTurn();
+        RequestTurn(const RequestTurn &) = delete;
+        RequestTurn &operator=(const RequestTurn &) = delete;
+        [[nodiscard]] explicit operator bool() const { return store_ != nullptr; }
+
+    private:
+        Store *store_ = nullptr;
+    };
+    // Whoever has the turn has found no more. True, and requestsWaiting is false until the next, if that is so:
+    // nothing visible, and nothing held that could come back.
+    bool noRequestsLeft();
+
+    // Another connection of this process to the same queue manager, with what attach answers.
+    [[nodiscard]] Attached another() const;
+
     // ---- Waiting ----
 
     // [any] A number that changes whenever messages become visible on the queue (now and then more often). Take it
@@ -172,6 +201,7 @@ public:
 private:
     friend Attached attach(const std::filesystem::path &, std::string_view);
     Attachment(std::shared_ptr<Store> store, std::uint32_t slot);
+    static Attached on(const std::shared_ptr<Store> &store);
     Outcome beginRead(ReadTransaction &transaction);
     Outcome beginUpdate(WriteTransaction &transaction, std::size_t bytesToStore);
     Outcome endUpdate(WriteTransaction &transaction, const Outcome &answer);
@@ -182,6 +212,7 @@ private:
     std::uint32_t forks_ = 0; // the process's fork count when attached
     std::uint64_t connectionNumber_ = 0;
     bool toldOfEnd_ = false;
+    const std::atomic<std::uint32_t> *requestsWaiting_ = nullptr; // in the control block
 };
 
 } // namespace mqrig::qmgr::store

@@ -13,7 +13,7 @@ namespace mqrig::qmgr::store {
 namespace {
 
 constexpr std::array<char, 8> magic{'M', 'Q', 'L', 'I', 'V', 'E', '\n', '\x1a'};
-constexpr std::uint32_t format = 1;
+constexpr std::uint32_t format = 2;
 
 class Descriptor {
 public:
@@ -92,7 +92,9 @@ std::unique_ptr<ControlMapping> ControlMapping::create(const std::filesystem::pa
     block->state = State::Ended;
     block->pidNamespace = pidNamespaceOfThisProcess();
     block->definitionVersion = 1;
-    if (error = initialise(block->logLock); error != 0) return nullptr;
+    block->requestsWaiting = 1; // what the life before has left
+    for (pthread_mutex_t *mutex : {&block->logLock, &block->requestLock})
+        if (error = initialise(*mutex); error != 0) return nullptr;
     return mapping;
 }
 

@@ -66,8 +66,12 @@ struct ControlBlock {
     std::atomic<std::uint32_t> slotLimit;   // slots from here on have never been taken
     std::atomic<std::uint64_t> connections; // numbers given to connections
     std::atomic<std::uint64_t> definitionVersion;
+    std::atomic<QueueId> requestQueue;          // the queue of requests to the queue manager itself; 0: not known yet
+    std::atomic<std::uint32_t> requestsWaiting; // 0: it is certain that none is there; see requests.cpp
 
     alignas(64) std::atomic<std::uint64_t> sequence; // next number for a message
+
+    alignas(64) pthread_mutex_t requestLock; // process-shared, robust: who works off the requests
 
     alignas(64) pthread_mutex_t logLock;      // process-shared, robust: see commit.cpp
     std::atomic<std::uint32_t> logTurns;      // futex word: moves when a holder has let go of the log lock

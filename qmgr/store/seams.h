@@ -19,6 +19,9 @@ enum class Step : std::uint8_t {
     DefinitionLogged, // object definition in the log, not yet in the live state
     EndLogged,        // end of the queue manager on disk, not yet in the control block
     MapReserved,      // space for a larger live state reserved, not yet published
+    RequestTaken,     // a request to the queue manager is locked, nothing of it has been done
+    RequestRun,       // it has had its effect, its replies are not yet on their queue
+    RequestAnswered,  // request and replies are committed
 };
 
 // Storage calls that a test may let fail.

@@ -194,6 +194,7 @@ Outcome Store::end(WriteTransaction &transaction, const Outcome &answer)
         live_->abortWrite(txn);
         return transaction.outcome().failed() ? transaction.outcome() : answer;
     }
+    noteRequests(transaction.scratch_->wake);
     const bool prepared = !transaction.scratch_->steps.empty() && transaction.scratch_->unitKind != UnitKind::Note;
     if (const int code = live_->commitWrite(txn); code != MDB_SUCCESS) {
         transaction.sticks(code);

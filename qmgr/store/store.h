@@ -10,6 +10,7 @@
 //   slots.cpp         connections of this and other processes, the clean-up of dead ones
 //   commit.cpp        units of work: prepare, log, flip (the protocol and why it is right)
 //   definitions.cpp   object definitions
+//   requests.cpp      whether requests to the queue manager wait, and whose turn it is to serve them
 //   waiting.cpp       sleeping and waking, state changes
 //   queue_managers.cpp  create, delete, list, start, end
 #pragma once
@@ -19,6 +20,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -117,6 +119,12 @@ public:
     void wakeEverybody();
     bool waitForMessage(std::uint32_t slot, QueueId queue, std::uint32_t observed, Deadline deadline);
     State waitForStateChange(State seen, Deadline deadline) const;
+
+    // ---- Requests (requests.cpp) ----
+    void setRequestQueue(QueueId queue);
+    // Live state's writer lock held, the transaction not yet committed: messages of these queues become visible.
+    void noteRequests(std::span<const QueueId> queues);
+    bool noRequestsLeft();
 
     // ---- States (queue_managers.cpp) ----
     Outcome end(End how);
