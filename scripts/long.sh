@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # What takes longer than an everyday run: many kills, the whole suite under valgrind's eye, cppcheck, coverage.
 # Usage: scripts/long.sh [kills] [valgrind] [cppcheck] [coverage]   (all of them without an argument)
-# MQRIG_KILL_ROUNDS: rounds of three kills each (default 700).
+# MQRIG_KILL_ROUNDS: rounds of three kills each (default 700); MQRIG_FORWARDING_KILLS: kills of a run from queue to queue
+# (default 200).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
@@ -14,8 +15,10 @@ need_packages $mqrig_long_packages
 
 kills() {
   step "processes killed at random moments"
-  configure_and_build release -DMQRIG_TESTS=ON -- qmgr_store_tests
+  configure_and_build release -DMQRIG_TESTS=ON -- qmgr_store_tests moving_end_to_end
   MQRIG_KILL_ROUNDS=${MQRIG_KILL_ROUNDS:-700} build/tests/bin/qmgr_store_tests --gtest_filter='Kills.*' | tail -n 3
+  MQRIG_FORWARDING_KILLS=${MQRIG_FORWARDING_KILLS:-200} build/tests/bin/moving_end_to_end --gtest_filter='Forwarding.*' |
+    tail -n 3
 }
 
 valgrind_run() {
