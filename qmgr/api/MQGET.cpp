@@ -92,7 +92,8 @@ Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, M
 
     const store::MessageToken token = store::tokenOfKey(got.key);
     api::storeMd(got.header.md, pMsgDesc);
-    api::storeGmo({object->hold.queue->name.data(), token.data(), got.returnedLength}, pGetMsgOpts);
+    api::storeGmo({object->hold.queue->name.data(), token.data(), got.returnedLength, got.header.md.MsgFlags},
+                  pGetMsgOpts);
     *pDataLength = got.dataLength;
     return outcome;
 }

@@ -17,12 +17,14 @@ Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, M
     api::PutCall call{};
     if (const MQLONG reason = api::loadPut(pMsgDesc, pPutMsgOpts, bufferLength, pBuffer, call)) return failure(reason);
     if ((call.pmo.Options & MQPMO_ALTERNATE_USER_AUTHORITY) != 0) return failure(MQRC_OPTIONS_ERROR);
+    if ((call.pmo.Options & MQPMO_LOGICAL_ORDER) != 0 && static_cast<const MQMD *>(pMsgDesc)->Version < MQMD_VERSION_2)
+        return failure(MQRC_WRONG_MD_VERSION);
     if (!object->allows(MQOO_OUTPUT)) return failure(MQRC_NOT_OPEN_FOR_OUTPUT);
     if (const Outcome there = use->catalog.refresh(object->hold); there.failed()) return there;
 
     const objects::QueueDefinition &queue = *object->hold.queue;
-    const Outcome outcome =
-        core::putMessage(*use, queue, {call.pmo.Options, object->options, call.pmo.Context}, call.message);
+    const Outcome outcome = core::putMessage(
+        *use, queue, {call.pmo.Options, object->options, call.pmo.Context, &object->logicalOrder}, call.message);
     if (outcome.failed()) return outcome;
     api::storePutMd(call.message.header.md, pMsgDesc);
     api::storePmo({queue.name.data(), use->queueManagerName.data()}, pPutMsgOpts);

@@ -21,6 +21,7 @@ Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgO
     if (const MQLONG reason = api::checkOd(pObjDesc)) return failure(reason);
     api::PutCall call{};
     if (const MQLONG reason = api::loadPut(pMsgDesc, pPutMsgOpts, bufferLength, pBuffer, call)) return failure(reason);
+    if ((call.pmo.Options & MQPMO_LOGICAL_ORDER) != 0) return failure(MQRC_OPTIONS_ERROR);
     const MQOD od = api::loadOd(pObjDesc);
     if (const MQLONG reason = api::checkObject(od, api::Selects::No)) return failure(reason);
 
@@ -28,7 +29,7 @@ Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgO
     if (found.outcome.failed()) return found.outcome;
     const objects::QueueDefinition &queue = *found.hold.queue;
     const Outcome outcome =
-        core::putMessage(*use, queue, {call.pmo.Options, openOptions, call.pmo.Context}, call.message);
+        core::putMessage(*use, queue, {call.pmo.Options, openOptions, call.pmo.Context, nullptr}, call.message);
     if (outcome.failed()) return outcome;
     api::storeOd({queue.name.data(), use->queueManagerName.data()}, MQOT_Q, pObjDesc);
     api::storePutMd(call.message.header.md, pMsgDesc);

@@ -193,9 +193,14 @@ void storeGmo(const GotFields &fields, void *to)
     MQGMO &gmo = *static_cast<MQGMO *>(to);
     storeName(gmo.ResolvedQName, fields.queue);
     if (gmo.Version < MQGMO_VERSION_2) return;
-    gmo.GroupStatus = MQGS_NOT_IN_GROUP;
-    gmo.SegmentStatus = MQSS_NOT_A_SEGMENT;
-    gmo.Segmentation = MQSEG_INHIBITED;
+    const auto has = [&fields](MQLONG flag) { return (fields.msgFlags & flag) != 0; };
+    gmo.GroupStatus = has(MQMF_LAST_MSG_IN_GROUP) ? MQGS_LAST_MSG_IN_GROUP
+                      : has(MQMF_MSG_IN_GROUP)    ? MQGS_MSG_IN_GROUP
+                                                  : MQGS_NOT_IN_GROUP;
+    gmo.SegmentStatus = has(MQMF_LAST_SEGMENT) ? MQSS_LAST_SEGMENT
+                        : has(MQMF_SEGMENT)    ? MQSS_SEGMENT
+                                               : MQSS_NOT_A_SEGMENT;
+    gmo.Segmentation = has(MQMF_SEGMENTATION_ALLOWED) ? MQSEG_ALLOWED : MQSEG_INHIBITED;
     if (gmo.Version < MQGMO_VERSION_3) return;
     std::memcpy(gmo.MsgToken, fields.msgToken, sizeof gmo.MsgToken);
     gmo.ReturnedLength = fields.returnedLength;

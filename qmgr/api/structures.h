@@ -41,6 +41,7 @@ struct GotFields {
     const char *queue; // 48 characters
     const MQBYTE *msgToken;
     MQLONG returnedLength;
+    MQLONG msgFlags; // of the message
 };
 void storeGmo(const GotFields &fields, void *to);
 

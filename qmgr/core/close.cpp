@@ -9,12 +9,14 @@ Outcome closeObject(Connection &connection, MQHOBJ hobj)
     const std::unique_ptr<OpenObject> object = connection.handles.remove(hobj);
     if (object == nullptr) return failure(MQRC_HOBJ_ERROR);
     if (object->type != MQOT_Q) return success();
+    const Outcome unfinished = object->logicalOrder != nullptr ? judgeClose(*object->logicalOrder) : success();
     const store::OpenCounts &opens = object->opens;
-    if (opens.input == 0 && opens.output == 0 && opens.browse == 0) return success();
-    return connection.store->update(0, [&](store::WriteTransaction &transaction) {
+    if (opens.input == 0 && opens.output == 0 && opens.browse == 0) return unfinished;
+    const Outcome counted = connection.store->update(0, [&](store::WriteTransaction &transaction) {
         transaction.addOpens(object->hold.queue->id, {-opens.input, -opens.exclusive, -opens.output, -opens.browse});
         return success();
     });
+    return counted.failed() ? counted : unfinished;
 }
 
 } // namespace mqrig::qmgr::core

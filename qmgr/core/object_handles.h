@@ -9,6 +9,7 @@
 
 #include "cmqc.h"
 #include "qmgr/core/context.h"
+#include "qmgr/core/logical_order.h"
 #include "qmgr/objects/catalog.h"
 #include "qmgr/store/message.h"
 #include "qmgr/store/transaction.h"
@@ -25,6 +26,8 @@ struct OpenObject {
     std::optional<store::MessageKey> cursor;
     // With MQOO_SAVE_ALL_CONTEXT: of the message that the last successful MQGET removed; none if that was a browse.
     std::optional<MessageContext> savedContext;
+    // Made with the first message in a group, the first segment or the first call with logical order.
+    std::unique_ptr<LogicalOrder> logicalOrder;
 
     bool allows(MQLONG anyOf) const { return (options & anyOf) != 0; }
 };

@@ -1,5 +1,6 @@
 #include "qmgr/core/put.h"
 
+#include "qmgr/core/groups.h"
 #include "qmgr/core/put_steps.h"
 #include "qmgr/store/seams.h"
 
@@ -37,8 +38,17 @@ Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue
     if (queue.inhibitPut == MQQA_PUT_INHIBITED) return failure(MQRC_PUT_INHIBITED);
 
     MQMD &md = message.header.md;
-    const Outcome completed = completeDescriptor(connection, queue, request, md);
+    Outcome completed = completeDescriptor(connection, queue, request, md);
     if (completed.failed()) return completed;
+    const bool alone = standsAlone(request, md);
+    GroupPosition behind;
+    if (alone) {
+        makeSingle(md);
+    } else {
+        const Outcome placed = placeInGroup(connection, request, message.body.size(), md, behind);
+        if (placed.failed()) return placed;
+        if (completed.ok()) completed = placed;
+    }
     if (const Outcome fits = checkLength(connection, queue, message.body.size()); fits.failed()) return fits;
     message.header.putTime = store::currentTime();
     if (const Outcome context = completeContext(connection, request, message.header.putTime, md); context.failed())
@@ -48,7 +58,9 @@ Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue
     message.key = store.newKey(queue.id, rankOf(queue, md.Priority));
     const Outcome put =
         request.has(MQPMO_SYNCPOINT) ? putInUnitOfWork(connection, queue, message) : putNow(store, queue, message);
-    return put.failed() ? put : completed;
+    if (put.failed()) return put;
+    if (!alone && request.logicalOrder != nullptr) (*request.logicalOrder)->put = behind;
+    return completed;
 }
 
 } // namespace mqrig::qmgr::core

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <span>
 
 #include "cmqc.h"
 #include "qmgr/core/connection.h"
+#include "qmgr/core/logical_order.h"
 #include "qmgr/objects/catalog.h"
 #include "qmgr/store/message.h"
 #include "qmgr/store/outcome.h"
@@ -16,14 +18,16 @@ struct PutRequest {
     MQLONG options = MQPMO_NONE;      // checked: no two that exclude each other
     MQLONG openOptions = MQOO_OUTPUT; // MQOO_ bits of the handle; MQPUT1: those that its options ask for
     MQHOBJ contextHandle = MQHO_NONE; // MQPMO.Context
+    std::unique_ptr<LogicalOrder> *logicalOrder = nullptr; // of the handle; MQPUT1 has none
 
     bool has(MQLONG anyOf) const { return (options & anyOf) != 0; }
 };
 
 // Puts the message: `message.header.md` is the program's descriptor in version 2 and becomes that of the message,
-// `message.body` is the program's buffer. Warning: MQRC_PRIORITY_EXCEEDS_MAXIMUM. Failures: MQRC_PUT_INHIBITED,
-// MQRC_Q_DELETED, MQRC_Q_FULL, MQRC_MSG_TOO_BIG_FOR_Q, MQRC_MSG_TOO_BIG_FOR_Q_MGR, MQRC_SYNCPOINT_LIMIT_REACHED,
-// MQRC_Q_MGR_QUIESCING, those of descriptor and context, and those of the store.
+// `message.body` is the program's buffer. Warnings: MQRC_PRIORITY_EXCEEDS_MAXIMUM, and those of placeInGroup
+// (groups.h), whose failures come too. Failures: MQRC_PUT_INHIBITED, MQRC_Q_DELETED, MQRC_Q_FULL,
+// MQRC_MSG_TOO_BIG_FOR_Q, MQRC_MSG_TOO_BIG_FOR_Q_MGR, MQRC_SYNCPOINT_LIMIT_REACHED, MQRC_Q_MGR_QUIESCING, those of
+// descriptor and context, and those of the store.
 Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue, const PutRequest &request,
                    store::NewMessage &message);
 

@@ -58,15 +58,6 @@ bool isNone(const MQBYTE24 &id)
     return std::all_of(std::begin(id), std::end(id), [](MQBYTE byte) { return byte == 0; });
 }
 
-// A message that is in no group and is no segment carries these values, whatever the program had there.
-void makeSingle(MQMD &md)
-{
-    std::memset(md.GroupId, 0, sizeof md.GroupId);
-    md.MsgSeqNumber = 1;
-    md.Offset = 0;
-    md.OriginalLength = MQOL_UNDEFINED;
-}
-
 // What each context option needs of MQOPEN's options; a stronger one carries the weaker ones.
 struct ContextRight {
     MQLONG putOption;
@@ -120,7 +111,6 @@ Outcome completeDescriptor(Connection &connection, const objects::QueueDefinitio
     md.BackoutCount = 0;
     if (request.has(MQPMO_NEW_MSG_ID) || isNone(md.MsgId)) connection.newIdentifier(md.MsgId);
     if (request.has(MQPMO_NEW_CORREL_ID)) connection.newIdentifier(md.CorrelId);
-    makeSingle(md);
     return outcome;
 }
 

@@ -304,16 +304,6 @@ TEST_F(Put, ReportOptionsForTheReceiverTravel)
     EXPECT_EQ(roundTrip(md).md.Report, report);
 }
 
-TEST_F(Put, GroupsAndSegmentsAre2298)
-{
-    for (const MQLONG flags :
-         {MQMF_MSG_IN_GROUP, MQMF_LAST_MSG_IN_GROUP, MQMF_SEGMENT, MQMF_LAST_SEGMENT, MQMF_SEGMENTATION_ALLOWED}) {
-        MQMD md = version2Md();
-        md.MsgFlags = flags;
-        EXPECT_EQ(codesFor(md), failed(MQRC_FUNCTION_NOT_SUPPORTED)) << flags;
-    }
-}
-
 TEST_F(Put, UnknownMessageFlagsAre2249)
 {
     MQMD md = version2Md();
@@ -365,9 +355,8 @@ TEST_F(Put, TopicAndUnknownOptionsAre2046)
         EXPECT_EQ(codesFor(pmoWith(options)), failed(MQRC_OPTIONS_ERROR)) << std::hex << options;
 }
 
-TEST_F(Put, LogicalOrderAndOutputOnlyDescriptorAre2298)
+TEST_F(Put, OutputOnlyDescriptorIs2298)
 {
-    EXPECT_EQ(codesFor(pmoWith(MQPMO_LOGICAL_ORDER)), failed(MQRC_FUNCTION_NOT_SUPPORTED));
     EXPECT_EQ(codesFor(pmoWith(MQPMO_MD_FOR_OUTPUT_ONLY)), failed(MQRC_FUNCTION_NOT_SUPPORTED));
 }
 
