@@ -1,9 +1,10 @@
 #include <cstddef>
-#include <cstring>
+#include <span>
 
 #include "qmgr/api/api.h"
 #include "qmgr/api/option_table.h"
 #include "qmgr/api/structures.h"
+#include "qmgr/convert/message.h"
 #include "qmgr/core/connections.h"
 #include "qmgr/core/get.h"
 #include "qmgr/objects/object_name.h"
@@ -44,20 +45,20 @@ MQLONG checkMatchOptions(const MQGMO &gmo, MQLONG mdVersion)
     return MQRC_NONE;
 }
 
-// Whether MQGMO_CONVERT had to change anything: the program names the character set and encoding that it wants.
-bool isAsWanted(const MQMD &wanted, const MQMD &got, MQLONG queueManagerCcsid)
+// MQGMO_CONVERT: `wanted` is the descriptor as the program gave it.
+Outcome convertGot(const MQMD &wanted, MQLONG options, MQLONG queueManagerCcsid, std::span<std::byte> buffer,
+                   core::GotMessage &got)
 {
-    const MQLONG ccsid = wanted.CodedCharSetId == MQCCSI_Q_MGR ? queueManagerCcsid : wanted.CodedCharSetId;
-    if (got.CodedCharSetId != ccsid) return false;
-    return got.Encoding == wanted.Encoding || std::memcmp(got.Format, MQFMT_STRING, sizeof got.Format) == 0;
-}
-
-// A message that would have to be converted is returned as it is, and the warning says so.
-Outcome judgeConversion(const MQMD &wanted, const core::GotMessage &got, MQLONG queueManagerCcsid)
-{
-    if (got.dataLength == 0 || isAsWanted(wanted, got.header.md, queueManagerCcsid)) return success();
-    const bool unnamed = std::memcmp(got.header.md.Format, MQFMT_NONE, sizeof got.header.md.Format) == 0;
-    return warning(unnamed ? MQRC_FORMAT_ERROR : MQRC_NOT_CONVERTED);
+    MQMD &md = got.header.md;
+    const convert::Conversion conversion = convert::convertMessage(
+        {md.Encoding, md.CodedCharSetId, md.Format, buffer, static_cast<std::size_t>(got.returnedLength),
+         static_cast<std::size_t>(got.dataLength)},
+        {{wanted.Encoding, wanted.CodedCharSetId}, queueManagerCcsid, (options & MQGMO_ACCEPT_TRUNCATED_MSG) != 0});
+    md.Encoding = conversion.representation.encoding;
+    md.CodedCharSetId = conversion.representation.ccsid;
+    got.returnedLength = static_cast<MQLONG>(conversion.returned);
+    got.dataLength = static_cast<MQLONG>(conversion.length);
+    return conversion.reason == MQRC_NONE ? success() : warning(conversion.reason);
 }
 
 Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, MQLONG bufferLength, PMQVOID pBuffer,
@@ -87,8 +88,11 @@ Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, M
     core::GotMessage got;
     Outcome outcome = core::getMessage(*use, *object, request, got);
     if (outcome.failed()) return outcome;
-    if (outcome.ok() && (gmo.Options & MQGMO_CONVERT) != 0)
-        outcome = judgeConversion(md, got, use->queueManager().codedCharSetId);
+    if ((gmo.Options & MQGMO_CONVERT) != 0 && outcome.Reason != MQRC_TRUNCATED_MSG_FAILED)
+        if (const Outcome converted =
+                convertGot(md, gmo.Options, use->queueManager().codedCharSetId, request.buffer, got);
+            !converted.ok())
+            outcome = converted;
 
     const store::MessageToken token = store::tokenOfKey(got.key);
     api::storeMd(got.header.md, pMsgDesc);

@@ -361,16 +361,6 @@ TEST_F(Get, ConversionThatIsNotNeededIsDone)
     EXPECT_EQ(converted(*this, 1208, MQENC_NORMAL).codes, ok);
 }
 
-TEST_F(Get, ConversionThatIsNotBuiltIs2119AndTheMessageComesAsItIs)
-{
-    put(hconn, q1, "text", stringMd());
-    const Got got = converted(*this, 500, MQENC_NATIVE);
-    EXPECT_EQ(got.codes, warned(MQRC_NOT_CONVERTED));
-    EXPECT_EQ(got.body, "text");
-    EXPECT_EQ(got.md.CodedCharSetId, 1208);
-    EXPECT_EQ(codesFor(MQGMO_NO_SYNCPOINT), failed(MQRC_NO_MSG_AVAILABLE));
-}
-
 TEST_F(Get, ConversionOfDataWithoutFormatIs2110)
 {
     put(hconn, q1, "bytes");
