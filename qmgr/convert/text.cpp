@@ -66,7 +66,6 @@ bool TextConverter::open(const CharacterSet &source, const char *sourceName, con
 void TextConverter::fillTable()
 {
     table_ = std::make_unique<Characters>();
-    bytes_ = true;
     for (std::size_t i = 0; i < table_->size(); ++i) {
         Character &character = (*table_)[i];
         auto byte = static_cast<std::byte>(i);
@@ -78,7 +77,6 @@ void TextConverter::fillTable()
         iconv(library_, nullptr, nullptr, nullptr, nullptr);
         const bool known = iconv(library_, &from, &fromLeft, &to, &toLeft) == 0;
         character.size = static_cast<std::uint8_t>(known ? character.bytes.size() - toLeft : 0);
-        if (character.size > 1) bytes_ = false;
     }
 }
 
@@ -90,33 +88,25 @@ bool TextConverter::knowsAll(std::span<const std::byte> from) const
 
 TextResult TextConverter::byTable(std::span<const std::byte> from, std::span<std::byte> to) const
 {
-    const Characters &table = *table_;
-    TextResult result;
-    if (bytes_) {
-        const std::size_t most = std::min(from.size(), to.size());
-        for (; result.read < most; ++result.read) {
-            const Character &character = table[std::to_integer<std::size_t>(from[result.read])];
-            if (character.size == 0) {
-                result.end = TextEnd::Invalid;
-                break;
-            }
-            to[result.read] = character.bytes[0];
+    const Character *table = table_->data();
+    const std::byte *in = from.data();
+    const std::byte *const end = in + from.size();
+    std::byte *out = to.data();
+    std::size_t room = to.size();
+    TextEnd stopped = TextEnd::Whole;
+    for (; in != end; ++in) {
+        const Character &character = table[static_cast<unsigned char>(*in)];
+        const std::size_t size = character.size;
+        if (size == 0 || size > room) {
+            stopped = size == 0 ? TextEnd::Invalid : TextEnd::NoRoom;
+            break;
         }
-        result.written = result.read;
-    } else {
-        for (; result.read < from.size(); ++result.read) {
-            const Character &character = table[std::to_integer<std::size_t>(from[result.read])];
-            if (character.size == 0) {
-                result.end = TextEnd::Invalid;
-                break;
-            }
-            if (to.size() - result.written < character.size) break;
-            std::copy_n(character.bytes.data(), character.size, to.data() + result.written);
-            result.written += character.size;
-        }
+        *out = character.bytes[0];
+        if (size != 1) std::memcpy(out, character.bytes.data(), size);
+        out += size;
+        room -= size;
     }
-    if (result.end == TextEnd::Whole && result.read < from.size()) result.end = TextEnd::NoRoom;
-    return result;
+    return {stopped, static_cast<std::size_t>(in - from.data()), to.size() - room};
 }
 
 TextResult TextConverter::byLibrary(std::span<const std::byte> from, std::span<std::byte> to)

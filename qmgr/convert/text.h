@@ -89,7 +89,6 @@ private:
     const char *targetName_ = nullptr;
     void *library_ = nullptr;           // iconv_t
     std::unique_ptr<Characters> table_; // for sources of single bytes
-    bool bytes_ = false;                // the table gives one byte for each
     std::array<std::byte, 2> sourceBlank_{};
     std::array<std::byte, 2> targetBlank_{};
 };
