@@ -1,7 +1,29 @@
 #include "qmgr/api/api.h"
+#include "qmgr/api/attribute_arrays.h"
+#include "qmgr/core/connections.h"
+#include "qmgr/core/set.h"
 
-MQI_EXPORT void MQENTRY MQSET(MQHCONN, MQHOBJ, MQLONG, PMQLONG, MQLONG, PMQLONG, MQLONG, PMQCHAR, PMQLONG pCompCode,
+using namespace mqrig::qmgr;
+
+namespace {
+
+Outcome set(MQHCONN Hconn, MQHOBJ Hobj, const api::AttributeArrays &arrays)
+{
+    const core::ConnectionUse use(Hconn);
+    if (use.outcome().failed()) return use.outcome();
+    core::OpenObject *object = use->handles.find(Hobj);
+    if (object == nullptr) return failure(MQRC_HOBJ_ERROR);
+    if (const MQLONG reason = api::checkArrays(arrays)) return failure(reason);
+    return core::set(*use, *object, api::attributeRequest<core::SetRequest>(arrays));
+}
+
+} // namespace
+
+MQI_EXPORT void MQENTRY MQSET(MQHCONN Hconn, MQHOBJ Hobj, MQLONG SelectorCount, PMQLONG pSelectors, MQLONG IntAttrCount,
+                              PMQLONG pIntAttrs, MQLONG CharAttrLength, PMQCHAR pCharAttrs, PMQLONG pCompCode,
                               PMQLONG pReason) noexcept
 {
-    mqrig::qmgr::api::answerNotSupported(pCompCode, pReason);
+    api::answer(pCompCode, pReason, [=] {
+        return set(Hconn, Hobj, {SelectorCount, pSelectors, IntAttrCount, pIntAttrs, CharAttrLength, pCharAttrs});
+    });
 }

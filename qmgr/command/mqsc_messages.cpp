@@ -93,6 +93,17 @@ Message messageOf(MQLONG reason)
     }
 }
 
+// What has been broken where a command names attributes that do not go together.
+struct Rule {
+    MQLONG reason;
+    std::string_view text;
+};
+constexpr Rule rules[] = {
+    {MQRCCF_ATTR_VALUE_ERROR, "QDEPTHLO may not be above QDEPTHHI"},
+    {MQRCCF_CLUSTER_NAME_CONFLICT, "only one of CLUSTER and CLUSNL may be set"},
+    {MQRCCF_REPOS_NAME_CONFLICT, "only one of REPOS and REPOSNL may be set"},
+};
+
 } // namespace
 
 std::string formatMessage(Message message, std::string_view what)
@@ -110,8 +121,8 @@ std::string formatMessage(Message message, std::string_view what)
 
 std::string formatFailure(const Outcome &outcome, std::string_view objectName)
 {
-    if (outcome.Reason == MQRCCF_ATTR_VALUE_ERROR)
-        return formatMessage(Message::CommandFailed, "QDEPTHLO may not be above QDEPTHHI");
+    for (const Rule &rule : rules)
+        if (rule.reason == outcome.Reason) return formatMessage(Message::CommandFailed, rule.text);
     const Message message = messageOf(outcome.Reason);
     if (message == Message::UnexpectedError) return formatMessage(message, std::to_string(outcome.Reason));
     return formatMessage(message, objectName);

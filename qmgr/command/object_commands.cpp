@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "cmqcfc.h"
+#include "qmgr/objects/definition_change.h"
 #include "qmgr/objects/object_name.h"
 #include "qmgr/objects/queue_counters.h"
 #include "qmgr/objects/system_objects.h"
@@ -63,17 +64,31 @@ void assign(ObjectDefinition &object, const std::vector<Assignment> &changes)
         object.set(*change.attribute, change.value);
 }
 
-// Whether a queue may change from one definition to the other while programs may have it open.
-Outcome mayChange(Attachment &attachment, const Found &before, const ObjectDefinition &after, Force force)
+// Attributes that exclude each other.
+Outcome checkTogether(const ObjectDefinition &object)
 {
-    if (after.number(MQIA_Q_DEPTH_LOW_LIMIT) > after.number(MQIA_Q_DEPTH_HIGH_LIMIT))
+    const auto both = [&](MQLONG first, MQLONG second) {
+        return !object.text(first).empty() && !object.text(second).empty();
+    };
+    if (object.number(MQIA_Q_DEPTH_LOW_LIMIT) > object.number(MQIA_Q_DEPTH_HIGH_LIMIT))
         return failure(MQRCCF_ATTR_VALUE_ERROR);
-    const auto changes = [&](MQLONG selector) { return before.object.number(selector) != after.number(selector); };
-    if (force == Force::Yes || !(changes(MQIA_SHAREABILITY) || changes(MQIA_USAGE))) return success();
+    if (both(MQCA_CLUSTER_NAME, MQCA_CLUSTER_NAMELIST)) return failure(MQRCCF_CLUSTER_NAME_CONFLICT);
+    if (both(MQCA_REPOSITORY_NAME, MQCA_REPOSITORY_NAMELIST)) return failure(MQRCCF_REPOS_NAME_CONFLICT);
+    return success();
+}
+
+// Whether a queue may change from one definition to the other while programs may have it open.
+Outcome mayChange(Attachment &attachment, store::QueueId queue, const ObjectDefinition &before,
+                  const ObjectDefinition &after, Force force)
+{
+    if (const Outcome together = checkTogether(after); together.failed()) return together;
+    const auto changes = [&](MQLONG selector) { return before.number(selector) != after.number(selector); };
+    const bool careful = before.kind() == ObjectKind::LocalQueue && force == Force::No;
+    if (!careful || !(changes(MQIA_SHAREABILITY) || changes(MQIA_USAGE))) return success();
 
     const auto judge = [&] {
         QueueStatus status;
-        if (const Outcome known = readStatus(attachment, before.stored.queue, status); known.failed()) return known;
+        if (const Outcome known = readStatus(attachment, queue, status); known.failed()) return known;
         const bool sharedNow = after.number(MQIA_SHAREABILITY) == MQQA_NOT_SHAREABLE && status.opens.input > 1;
         const bool busy = isOpen(status) || status.depth > 0 || hasUncommitted(status);
         const bool refused = (changes(MQIA_SHAREABILITY) && sharedNow) || (changes(MQIA_USAGE) && busy);
@@ -81,14 +96,6 @@ Outcome mayChange(Attachment &attachment, const Found &before, const ObjectDefin
     };
     const Outcome first = judge();
     return first.Reason == MQRCCF_OBJECT_OPEN && attachment.releaseDead() ? judge() : first;
-}
-
-// MQRC_OBJECT_CHANGED where another connection has changed the object since it was found.
-Outcome storeChange(Attachment &attachment, Found &found, ObjectDefinition changed)
-{
-    changed.stampAltered();
-    const std::string seen = std::exchange(found.stored.bytes, changed.encode());
-    return attachment.alter(found.stored, seen);
 }
 
 // What a new object begins with: the attributes of the one it shall be like, of its kind's SYSTEM.DEFAULT object, or,
@@ -104,85 +111,77 @@ Found findPattern(Attachment &attachment, const Definition &definition)
     return pattern;
 }
 
-// Makes a change again, from what is stored then, for as long as other connections change the object meanwhile.
-template <typename Change>
-Outcome untilUndisturbed(Change change)
+// The object as a new one would be.
+Found makeObject(Attachment &attachment, const Definition &definition)
 {
-    Outcome outcome = change();
-    while (outcome.Reason == MQRC_OBJECT_CHANGED)
-        outcome = change();
-    return outcome;
+    Found made = findPattern(attachment, definition);
+    if (made.outcome.failed()) return made;
+    made.object.rename(definition.name);
+    if (definition.kind == ObjectKind::LocalQueue) made.object.set(MQIA_DEFINITION_TYPE, MQQDT_PREDEFINED);
+    assign(made.object, definition.attributes);
+    return made;
 }
 
-Outcome tryDefine(Attachment &attachment, const Definition &definition)
+Outcome replaceObject(Attachment &attachment, const Definition &definition)
 {
-    if (!objects::checkObjectName(definition.name)) return failure(MQRCCF_OBJECT_NAME_ERROR);
-    Found existing = find(attachment, objects::openType(definition.kind), definition.name);
-    if (existing.outcome.ok()) {
-        if (existing.object.kind() != definition.kind) return failure(MQRCCF_OBJECT_WRONG_TYPE);
+    const auto replace = [&](ObjectDefinition &existing, store::QueueId queue) {
+        if (existing.kind() != definition.kind) return failure(MQRCCF_OBJECT_WRONG_TYPE);
         if (definition.replace == Replace::No) return failure(MQRCCF_OBJECT_ALREADY_EXISTS);
-    } else if (existing.outcome.Reason != MQRC_UNKNOWN_OBJECT_NAME) {
-        return existing.outcome;
-    }
-
-    Found pattern = findPattern(attachment, definition);
-    if (pattern.outcome.failed()) return pattern.outcome;
-    ObjectDefinition made = std::move(pattern.object);
-    made.rename(definition.name);
-    if (definition.kind == ObjectKind::LocalQueue) made.set(MQIA_DEFINITION_TYPE, MQQDT_PREDEFINED);
-    assign(made, definition.attributes);
-
-    if (existing.outcome.ok()) {
-        made.set(MQCA_CREATION_DATE, existing.object.text(MQCA_CREATION_DATE));
-        made.set(MQCA_CREATION_TIME, existing.object.text(MQCA_CREATION_TIME));
-        if (const Outcome may = mayChange(attachment, existing, made, definition.force); may.failed()) return may;
-        return storeChange(attachment, existing, std::move(made));
-    }
-    if (made.number(MQIA_Q_DEPTH_LOW_LIMIT) > made.number(MQIA_Q_DEPTH_HIGH_LIMIT))
-        return failure(MQRCCF_ATTR_VALUE_ERROR);
-    made.stampCreated();
-    store::Definition stored;
-    stored.type = objects::openType(definition.kind);
-    stored.name = definition.name;
-    stored.bytes = made.encode();
-    const Outcome defined = attachment.define(stored);
-    return defined.Reason == MQRC_OBJECT_ALREADY_EXISTS ? failure(MQRCCF_OBJECT_ALREADY_EXISTS) : defined;
-}
-
-Outcome tryAlter(Attachment &attachment, const Definition &change)
-{
-    Found found = findOfKind(attachment, change.kind, change.name);
-    if (found.outcome.failed()) return found.outcome;
-    ObjectDefinition changed = found.object;
-    assign(changed, change.attributes);
-    if (const Outcome may = mayChange(attachment, found, changed, change.force); may.failed()) return may;
-    return storeChange(attachment, found, std::move(changed));
-}
-
-Outcome tryAlterQueueManager(Attachment &attachment, const std::vector<Assignment> &changes)
-{
-    Found found = find(attachment, MQOT_Q_MGR, attachment.queueManagerName());
-    if (found.outcome.failed()) return found.outcome;
-    ObjectDefinition changed = found.object;
-    assign(changed, changes);
-    return storeChange(attachment, found, std::move(changed));
+        Found made = makeObject(attachment, definition);
+        if (made.outcome.failed()) return made.outcome;
+        for (const MQLONG kept : {MQCA_CREATION_DATE, MQCA_CREATION_TIME})
+            made.object.set(kept, existing.text(kept));
+        made.object.stampAltered();
+        const Outcome may = mayChange(attachment, queue, existing, made.object, definition.force);
+        if (!may.failed()) existing = std::move(made.object);
+        return may;
+    };
+    return objects::changeDefinition(attachment, objects::openType(definition.kind), definition.name, replace);
 }
 
 } // namespace
 
 Outcome defineObject(Attachment &attachment, const Definition &definition)
 {
-    return untilUndisturbed([&] { return tryDefine(attachment, definition); });
+    if (!objects::checkObjectName(definition.name)) return failure(MQRCCF_OBJECT_NAME_ERROR);
+    // Between the two looks of one round another connection may make or delete the object.
+    for (;;) {
+        const Outcome replaced = replaceObject(attachment, definition);
+        if (replaced.Reason != MQRC_UNKNOWN_OBJECT_NAME) return replaced;
+
+        Found made = makeObject(attachment, definition);
+        if (made.outcome.failed()) return made.outcome;
+        if (const Outcome together = checkTogether(made.object); together.failed()) return together;
+        made.object.stampCreated();
+        store::Definition stored;
+        stored.type = objects::openType(definition.kind);
+        stored.name = definition.name;
+        stored.bytes = made.object.encode();
+        const Outcome defined = attachment.define(stored);
+        if (defined.Reason != MQRC_OBJECT_ALREADY_EXISTS) return defined;
+    }
 }
 
 Outcome alterObject(Attachment &attachment, const Definition &change)
 {
-    return untilUndisturbed([&] { return tryAlter(attachment, change); });
+    const auto alter = [&](ObjectDefinition &object, store::QueueId queue) {
+        if (object.kind() != change.kind) return failure(MQRCCF_OBJECT_WRONG_TYPE);
+        const ObjectDefinition before = object;
+        assign(object, change.attributes);
+        object.stampAltered();
+        return mayChange(attachment, queue, before, object, change.force);
+    };
+    return objects::changeDefinition(attachment, objects::openType(change.kind), change.name, alter);
 }
 
 Outcome alterQueueManager(Attachment &attachment, const std::vector<Assignment> &changes)
 {
-    return untilUndisturbed([&] { return tryAlterQueueManager(attachment, changes); });
+    const auto alter = [&](ObjectDefinition &object, store::QueueId) {
+        assign(object, changes);
+        object.stampAltered();
+        return checkTogether(object);
+    };
+    return objects::changeDefinition(attachment, MQOT_Q_MGR, attachment.queueManagerName(), alter);
 }
 
 Outcome deleteObject(Attachment &attachment, ObjectKind kind, const std::string &name, Purge purge)

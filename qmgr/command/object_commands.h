@@ -41,7 +41,8 @@ Outcome defineObject(store::Attachment &attachment, const Definition &definition
 
 // Changes attributes of an object. MQRC_UNKNOWN_OBJECT_NAME, MQRCCF_OBJECT_WRONG_TYPE. MQRCCF_OBJECT_OPEN without
 // Force: NOSHARE on a queue with more than one input handle, or another USAGE while it is open or has messages.
-// MQRCCF_ATTR_VALUE_ERROR: the low limit of the depth would be above the high one.
+// MQRCCF_ATTR_VALUE_ERROR: the low limit of the depth would be above the high one. MQRCCF_CLUSTER_NAME_CONFLICT: a
+// cluster and a namelist of clusters.
 Outcome alterObject(store::Attachment &attachment, const Definition &change);
 
 // MQRCCF_OBJECT_OPEN; MQRC_Q_NOT_EMPTY with uncommitted messages, or with messages and without Purge.
@@ -50,6 +51,7 @@ Outcome deleteObject(store::Attachment &attachment, objects::ObjectKind kind, co
 // Removes all messages. MQRC_OBJECT_IN_USE when it is open or has uncommitted messages.
 Outcome clearQueue(store::Attachment &attachment, const std::string &name);
 
+// MQRCCF_REPOS_NAME_CONFLICT: a repository and a namelist of repositories.
 Outcome alterQueueManager(store::Attachment &attachment, const std::vector<Assignment> &changes);
 
 // An object with its counters as they are now (all zero for what is not a queue).

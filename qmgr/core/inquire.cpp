@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstring>
 #include <string_view>
+#include <vector>
 
 #include "qmgr/objects/attribute.h"
+#include "qmgr/objects/attribute_value.h"
 #include "qmgr/objects/object_name.h"
 #include "qmgr/objects/queue_counters.h"
 
@@ -75,16 +77,23 @@ private:
         intAttrs_ = intAttrs_.subspan(1);
     }
 
+    // Attributes are there whole or not at all: from the first that does not fit, none is.
     void addText(const Attribute *attribute, MQLONG selector)
     {
-        const auto length = static_cast<std::size_t>(objects::textLengthOf(selector));
-        const std::size_t written = std::min(length, charAttrs_.size());
-        if (written < length) tooFewCharacters_ = true;
-        if (attribute == nullptr)
-            std::fill_n(charAttrs_.begin(), written, '*');
-        else
-            objects::fillField(charAttrs_.data(), written, object_.text(selector));
-        charAttrs_ = charAttrs_.subspan(written);
+        const auto fieldLength = static_cast<std::size_t>(objects::textLengthOf(selector));
+        const bool isList = attribute != nullptr && attribute->value == objects::ValueKind::NameList;
+        std::vector<std::string_view> texts{object_.text(selector)};
+        if (isList) texts = objects::splitNames(texts.front());
+        if (fieldLength * texts.size() > charAttrs_.size()) tooFewCharacters_ = true;
+        if (tooFewCharacters_) return;
+        for (const std::string_view text : texts) {
+            const std::span<MQCHAR> field = charAttrs_.first(fieldLength);
+            if (attribute == nullptr)
+                std::ranges::fill(field, '*');
+            else
+                objects::fillField(field.data(), field.size(), text);
+            charAttrs_ = charAttrs_.subspan(fieldLength);
+        }
     }
 
     const ObjectDefinition &object_;

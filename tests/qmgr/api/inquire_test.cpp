@@ -125,10 +125,12 @@ TEST_F(Inquire, TooFewPlacesForIntegersIs2022)
     EXPECT_EQ(ints[1], 4711);
 }
 
-TEST_F(Inquire, TooFewCharactersIs2008AndWhatFitsIsThere)
+TEST_F(Inquire, TooFewCharactersIs2008AndWholeAttributesThatFitAreThere)
 {
-    EXPECT_EQ(inquire(q1, {MQCA_Q_NAME, MQCA_Q_DESC}, 0, 50), warned(MQRC_CHAR_ATTRS_TOO_SHORT));
-    EXPECT_EQ(chars.substr(0, 51), "Q1" + std::string(48, ' ') + "#");
+    EXPECT_EQ(inquire(q1, {MQCA_Q_NAME, MQCA_Q_DESC, MQCA_Q_NAME}, 0, 110), warned(MQRC_CHAR_ATTRS_TOO_SHORT));
+    EXPECT_EQ(chars.substr(0, 50), "Q1" + std::string(46, ' ') + "##");
+    EXPECT_EQ(inquire(q1, {MQCA_Q_NAME}, 0, 47), warned(MQRC_CHAR_ATTRS_TOO_SHORT));
+    EXPECT_EQ(chars, std::string(500, '#'));
 }
 
 TEST_F(Inquire, FewIntegersCountBeforeFewCharacters)

@@ -27,27 +27,62 @@ TEST_F(Mqsc, EverySynonymIsUnderstood)
         EXPECT_EQ(run(command).result, CommandResult::Done) << command << '\n' << answer(command);
 }
 
+constexpr objects::ObjectKind kindsWithNames[] = {objects::ObjectKind::LocalQueue,  objects::ObjectKind::AliasQueue,
+                                                  objects::ObjectKind::RemoteQueue, objects::ObjectKind::ModelQueue,
+                                                  objects::ObjectKind::Namelist,    objects::ObjectKind::Process};
+
+// A value of the attribute that is not its default.
+objects::AttributeValue anotherValue(const objects::Attribute &row)
+{
+    if (row.isText()) return {0, "X.Y"};
+    if (row.value != objects::ValueKind::Number) return {row.words.back().value, {}};
+    return {row.selector == MQIA_Q_DEPTH_LOW_LIMIT ? row.low : row.high, {}};
+}
+
 TEST_F(Mqsc, EveryAlterableAttributeComesBackFromDisplay)
 {
-    ASSERT_EQ(run("DEF QL(Q1)").result, CommandResult::Done);
-    for (const auto kind : {objects::ObjectKind::LocalQueue, objects::ObjectKind::QueueManager}) {
-        const std::string object = kind == objects::ObjectKind::LocalQueue ? "QL(Q1)" : "QMGR";
+    std::vector<std::pair<objects::ObjectKind, std::string>> made = {{objects::ObjectKind::QueueManager, "QMGR"}};
+    for (const objects::ObjectKind kind : kindsWithNames) {
+        const std::string word(objects::commandWord(kind));
+        made.emplace_back(kind, word + "(MY." + word + ')');
+        ASSERT_EQ(run("DEFINE " + made.back().second).result, CommandResult::Done);
+    }
+    for (const auto &[kind, object] : made) {
         for (const objects::Attribute &row : objects::attributes()) {
             if (!objects::contains(row.kinds, kind) || row.access != objects::Access::Alterable) continue;
-            objects::AttributeValue value;
-            if (row.isText())
-                value.text = "X.Y";
-            else if (row.value == objects::ValueKind::Number)
-                value.number = row.selector == MQIA_Q_DEPTH_LOW_LIMIT ? row.low : row.high;
-            else
-                value.number = row.words.back().value;
-            const std::string shown = objects::formatAttribute(row, value);
+            const std::string shown = objects::formatAttribute(row, anotherValue(row));
             const CommandAnswer altered = run("ALTER " + object + ' ' + shown);
             EXPECT_EQ(altered.result, CommandResult::Done) << shown << ' ' << altered.lines[0];
             const std::string displayed = answer("DISPLAY " + object + ' ' + std::string(row.keyword));
             EXPECT_NE(displayed.find(shown), std::string::npos) << shown << '\n' << displayed;
+            // Texts become blank again: some of them exclude others.
+            if (row.isText()) {
+                EXPECT_EQ(run("ALTER " + object + ' ' + std::string(row.keyword) + "()").result, CommandResult::Done);
+            }
         }
     }
+}
+
+TEST_F(Mqsc, AttributesThatExcludeEachOtherAreRefused)
+{
+    EXPECT_EQ(answer("DEF QL(Q1) CLUSTER(A) CLUSNL(B)"),
+              "AMQ8404E: The command failed: only one of CLUSTER and CLUSNL may be set.\n");
+    EXPECT_EQ(answer("ALTER QMGR REPOS(A) REPOSNL(B)"),
+              "AMQ8404E: The command failed: only one of REPOS and REPOSNL may be set.\n");
+    EXPECT_EQ(answer("DEF QM(Q1) QDEPTHLO(81)"), "AMQ8404E: The command failed: QDEPTHLO may not be above QDEPTHHI.\n");
+    EXPECT_EQ(run("DIS QUEUE(Q1)").result, CommandResult::Failed);
+    EXPECT_NE(answer("DIS QMGR REPOS").find("REPOS( )"), std::string::npos);
+}
+
+TEST_F(Mqsc, DefineNeedsNoDefaultObject)
+{
+    for (const objects::ObjectKind kind : kindsWithNames) {
+        const std::string word(objects::commandWord(kind));
+        ASSERT_EQ(run("DELETE " + word + '(' + std::string(objects::defaultObject(kind)) + ')').result,
+                  CommandResult::Done);
+        EXPECT_EQ(run("DEFINE " + word + "(MY." + word + ')').result, CommandResult::Done);
+    }
+    EXPECT_NE(answer("DIS QL(MY.QLOCAL) MAXDEPTH").find("MAXDEPTH(5000)"), std::string::npos);
 }
 
 TEST_F(Mqsc, FixedAndDynamicAttributesCannotBeSet)
