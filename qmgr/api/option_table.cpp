@@ -28,7 +28,6 @@ constexpr std::string_view groupsLater = "groups and segments are not built yet"
 constexpr std::string_view propertiesLater = "message properties are not built yet";
 constexpr std::string_view marksLater = "browse marks are not built yet";
 constexpr std::string_view locksLater = "browse locks are not built yet";
-constexpr std::string_view reportsLater = "report messages are not built yet";
 constexpr std::string_view topicsOnly = "it is for topics";
 constexpr std::string_view dynamicOnly = "it is for dynamic queues";
 constexpr std::string_view subscriptionOnly = "it is for subscriptions";
@@ -160,30 +159,29 @@ constexpr OptionRow matchRows[] = {
     done("MQMO_MATCH_OFFSET", MQMO_MATCH_OFFSET),     done("MQMO_MATCH_MSG_TOKEN", MQMO_MATCH_MSG_TOKEN),
 };
 
-constexpr std::string_view noException = "a message that cannot be put is refused by MQPUT: none fails later";
 constexpr std::string_view forReceiver = "it tells the program that answers the message what to do";
 constexpr std::string_view mqiReserves = "the MQI reserves the bits and wants them accepted";
 
 constexpr OptionRow reportRows[] = {
-    noEffect("MQRO_EXCEPTION", MQRO_EXCEPTION, noException),
-    noEffect("MQRO_EXCEPTION_WITH_DATA", 0x02000000, noException),
-    noEffect("MQRO_EXCEPTION_WITH_FULL_DATA", 0x04000000, noException),
-    refused("MQRO_EXPIRATION", MQRO_EXPIRATION, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
-    refused("MQRO_EXPIRATION_WITH_DATA", 0x00400000, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
-    refused("MQRO_EXPIRATION_WITH_FULL_DATA", 0x00800000, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
-    refused("MQRO_COA", MQRO_COA, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
-    refused("MQRO_COA_WITH_DATA", 0x00000200, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
-    refused("MQRO_COA_WITH_FULL_DATA", 0x00000400, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
-    refused("MQRO_COD", MQRO_COD, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
-    refused("MQRO_COD_WITH_DATA", 0x00001000, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
-    refused("MQRO_COD_WITH_FULL_DATA", 0x00002000, MQRC_REPORT_OPTIONS_ERROR, reportsLater),
+    done("MQRO_EXCEPTION", MQRO_EXCEPTION),
+    done("MQRO_EXCEPTION_WITH_DATA", 0x02000000),
+    done("MQRO_EXCEPTION_WITH_FULL_DATA", 0x04000000),
+    done("MQRO_EXPIRATION", MQRO_EXPIRATION),
+    done("MQRO_EXPIRATION_WITH_DATA", 0x00400000),
+    done("MQRO_EXPIRATION_WITH_FULL_DATA", 0x00800000),
+    done("MQRO_COA", MQRO_COA),
+    done("MQRO_COA_WITH_DATA", 0x00000200),
+    done("MQRO_COA_WITH_FULL_DATA", 0x00000400),
+    done("MQRO_COD", MQRO_COD),
+    done("MQRO_COD_WITH_DATA", 0x00001000),
+    done("MQRO_COD_WITH_FULL_DATA", 0x00002000),
     noEffect("MQRO_PAN", MQRO_PAN, forReceiver),
     noEffect("MQRO_NAN", MQRO_NAN, forReceiver),
     noEffect("MQRO_ACTIVITY", MQRO_ACTIVITY, "no program between MQPUT and MQGET handles the message"),
-    noEffect("MQRO_PASS_MSG_ID", MQRO_PASS_MSG_ID, forReceiver),
-    noEffect("MQRO_PASS_CORREL_ID", MQRO_PASS_CORREL_ID, forReceiver),
-    noEffect("MQRO_DISCARD_MSG", MQRO_DISCARD_MSG, noException),
-    noEffect("MQRO_PASS_DISCARD_AND_EXPIRY", MQRO_PASS_DISCARD_AND_EXPIRY, forReceiver),
+    done("MQRO_PASS_MSG_ID", MQRO_PASS_MSG_ID),
+    done("MQRO_PASS_CORREL_ID", MQRO_PASS_CORREL_ID),
+    done("MQRO_DISCARD_MSG", MQRO_DISCARD_MSG),
+    done("MQRO_PASS_DISCARD_AND_EXPIRY", MQRO_PASS_DISCARD_AND_EXPIRY),
     refused("MQRO_REJECT_UNSUP_MASK_RESERVED", 0x101C0000, MQRC_REPORT_OPTIONS_ERROR,
             "the MQI reserves the bits and wants them refused"),
     noEffect("MQRO_ACCEPT_UNSUP_MASK_RESERVED", 0xE0000038, mqiReserves),

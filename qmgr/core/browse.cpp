@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "qmgr/core/delivery.h"
+#include "qmgr/core/expiry.h"
 #include "qmgr/core/get.h"
 #include "qmgr/store/seams.h"
 
@@ -11,14 +12,6 @@ namespace mqrig::qmgr::core {
 namespace {
 
 constexpr std::size_t anyNumber = std::numeric_limits<std::size_t>::max();
-
-Outcome removeExpired(store::Attachment &store, const ExpiredMessages &expired)
-{
-    return store.update(0, [&](store::WriteTransaction &transaction) {
-        discardExpired(transaction, expired);
-        return success();
-    });
-}
 
 // MQGMO_BROWSE_MSG_UNDER_CURSOR: whatever the selection.
 Outcome browseUnderCursor(store::Attachment &store, const OpenObject &object, const GetRequest &request,
@@ -34,7 +27,7 @@ Outcome browseUnderCursor(store::Attachment &store, const OpenObject &object, co
     });
 }
 
-Look browseNext(store::Attachment &store, const OpenObject &object, const GetRequest &request, GotMessage &got)
+Look browseNext(Connection &connection, const OpenObject &object, const GetRequest &request, GotMessage &got)
 {
     const store::QueueId queue = object.hold.queue->id;
     std::optional<store::MessageKey> behind;
@@ -43,7 +36,7 @@ Look browseNext(store::Attachment &store, const OpenObject &object, const GetReq
     ExpiredMessages expired;
     for (;;) {
         Look look{failure(MQRC_NO_MSG_AVAILABLE)};
-        const Outcome looked = store.read([&](store::ReadTransaction &transaction) {
+        const Outcome looked = connection.store->read([&](store::ReadTransaction &transaction) {
             search(transaction, {queue, &request.selection, behind, store::currentTime(), anyNumber}, found, expired);
             if (found.end == SearchEnd::Found) {
                 got.key = found.key;
@@ -56,7 +49,7 @@ Look browseNext(store::Attachment &store, const OpenObject &object, const GetReq
         });
         if (looked.failed()) return {looked};
         if (!expired.empty())
-            if (const Outcome removed = removeExpired(store, expired); removed.failed()) return {removed};
+            if (const Outcome removed = removeExpired(connection, expired); removed.failed()) return {removed};
         if (found.end != SearchEnd::Stopped) return look;
         behind = found.reached;
     }
@@ -68,7 +61,7 @@ Look browseMessage(Connection &connection, OpenObject &object, const GetRequest 
 {
     const Look look = request.has(MQGMO_BROWSE_MSG_UNDER_CURSOR)
                           ? Look{browseUnderCursor(*connection.store, object, request, got)}
-                          : browseNext(*connection.store, object, request, got);
+                          : browseNext(connection, object, request, got);
     if (!look.outcome.failed() && look.outcome.Reason != MQRC_TRUNCATED_MSG_FAILED) object.cursor = got.key;
     return look;
 }

@@ -1,10 +1,9 @@
 #include "qmgr/core/get.h"
 
-#include <algorithm>
 #include <chrono>
 #include <optional>
 
-#include "qmgr/store/seams.h"
+#include "qmgr/core/expiry.h"
 
 namespace mqrig::qmgr::core {
 namespace {
@@ -56,15 +55,6 @@ Outcome lookUntilFound(Connection &connection, OpenObject &object, const GetRequ
     }
 }
 
-// MQMD.Expiry counts tenths of a second down, and a message that is returned has at least one left.
-MQLONG remainingExpiry(const store::MessageHeader &header)
-{
-    if (header.expiryDeadline == 0) return MQEI_UNLIMITED;
-    constexpr std::int64_t tenth = 100000;
-    const std::int64_t left = (header.expiryDeadline - store::currentTime() + tenth - 1) / tenth;
-    return static_cast<MQLONG>(std::max<std::int64_t>(left, 1));
-}
-
 // The context is that of the last get, if it removed its message. A browse leaves none; a get that returned no message,
 // or left it for want of room, changes nothing.
 void saveContext(OpenObject &object, const GetRequest &request, const Outcome &outcome, const GotMessage &got)
@@ -85,12 +75,6 @@ Outcome getMessage(Connection &connection, OpenObject &object, const GetRequest 
     got.header.md.Expiry = remainingExpiry(got.header);
     if (object.allows(MQOO_SAVE_ALL_CONTEXT)) saveContext(object, request, outcome, got);
     return outcome;
-}
-
-void discardExpired(store::WriteTransaction &transaction, const ExpiredMessages &expired)
-{
-    for (const store::MessageKey &key : expired)
-        if (transaction.find(key)) transaction.discard(key);
 }
 
 } // namespace mqrig::qmgr::core

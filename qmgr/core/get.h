@@ -49,7 +49,4 @@ struct Look {
 Look takeMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got);
 Look browseMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got);
 
-// Removes those that are still there.
-void discardExpired(store::WriteTransaction &transaction, const ExpiredMessages &expired);
-
 } // namespace mqrig::qmgr::core

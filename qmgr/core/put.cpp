@@ -1,7 +1,9 @@
 #include "qmgr/core/put.h"
 
 #include "qmgr/core/groups.h"
+#include "qmgr/core/private_unit.h"
 #include "qmgr/core/put_steps.h"
+#include "qmgr/core/reports.h"
 #include "qmgr/store/seams.h"
 
 namespace mqrig::qmgr::core {
@@ -18,12 +20,40 @@ Outcome putNow(store::Attachment &store, const objects::QueueDefinition &queue, 
     return stored.failed() ? stored : store.harden(ticket);
 }
 
+// On a transmission queue a message has not arrived yet.
+bool reportsArrival(const objects::QueueDefinition &queue, const MQMD &md)
+{
+    return wantsArrivalReport(md) && queue.usage != MQUS_TRANSMISSION;
+}
+
+// The message and what goes with it: all of it or nothing.
+Outcome putInUnit(Connection &connection, UnitOfWork &unit, const objects::QueueDefinition &queue,
+                  const store::NewMessage &message)
+{
+    const std::size_t kept = unit.puts();
+    if (const Outcome booked = bookPut(connection, unit, queue, message); booked.failed()) return booked;
+    if (!reportsArrival(queue, message.header.md)) return success();
+    const Outcome reported = reportArrival(connection, unit, message);
+    if (reported.failed()) unit.takeBackPuts(*connection.store, kept);
+    return reported;
+}
+
+Outcome putOutsideUnitOfWork(Connection &connection, const objects::QueueDefinition &queue,
+                             const store::NewMessage &message)
+{
+    if (!reportsArrival(queue, message.header.md)) [[likely]]
+        return putNow(*connection.store, queue, message);
+    PrivateUnit unit(*connection.store);
+    const Outcome put = putInUnit(connection, *unit, queue, message);
+    return put.failed() ? put : unit.commit();
+}
+
 Outcome putInUnitOfWork(Connection &connection, const objects::QueueDefinition &queue, const store::NewMessage &message)
 {
     UnitOfWork &unit = connection.unit;
     if (unit.size() >= static_cast<std::size_t>(connection.queueManager().maxUncommittedMsgs))
         return failure(MQRC_SYNCPOINT_LIMIT_REACHED);
-    return bookPut(connection, unit, queue, message);
+    return putInUnit(connection, unit, queue, message);
 }
 
 } // namespace
@@ -56,8 +86,8 @@ Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue
 
     message.header.expiryDeadline = expiryDeadline(md, message.header.putTime);
     message.key = store.newKey(queue.id, rankOf(queue, md.Priority));
-    const Outcome put =
-        request.has(MQPMO_SYNCPOINT) ? putInUnitOfWork(connection, queue, message) : putNow(store, queue, message);
+    const Outcome put = request.has(MQPMO_SYNCPOINT) ? putInUnitOfWork(connection, queue, message)
+                                                     : putOutsideUnitOfWork(connection, queue, message);
     if (put.failed()) return put;
     if (!alone && request.logicalOrder != nullptr) (*request.logicalOrder)->put = behind;
     return completed;

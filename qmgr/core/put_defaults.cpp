@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "qmgr/core/put.h"
+#include "qmgr/core/reports.h"
 
 namespace mqrig::qmgr::core {
 namespace {
@@ -49,6 +50,7 @@ Outcome checkDescriptor(const MQMD &md)
     if (md.Persistence != MQPER_NOT_PERSISTENT && md.Persistence != MQPER_PERSISTENT &&
         md.Persistence != MQPER_PERSISTENCE_AS_Q_DEF)
         return failure(MQRC_PERSISTENCE_ERROR);
+    if (!areReportOptionsValid(md.Report)) return failure(MQRC_REPORT_OPTIONS_ERROR);
     if (asksForAnswer(md) && isBlank(md.ReplyToQ)) return failure(MQRC_MISSING_REPLY_TO_Q);
     return success();
 }

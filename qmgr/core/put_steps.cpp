@@ -35,8 +35,14 @@ Outcome bookPut(Connection &connection, UnitOfWork &unit, const objects::QueueDe
                 const store::NewMessage &message)
 {
     unit.keepPut(message);
-    const Outcome booked = updateWithRoom(*connection.store, queue, 0,
-                                          [&](store::WriteTransaction &transaction) { transaction.bookPut(queue.id); });
+    Outcome booked = failure(MQRC_STORAGE_NOT_AVAILABLE);
+    try {
+        booked = updateWithRoom(*connection.store, queue, 0,
+                                [&](store::WriteTransaction &transaction) { transaction.bookPut(queue.id); });
+    } catch (...) {
+        unit.dropLastPut();
+        throw;
+    }
     if (booked.failed()) unit.dropLastPut();
     return booked;
 }

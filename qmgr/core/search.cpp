@@ -11,7 +11,7 @@ void searchToken(store::Transaction &transaction, const Search &search, SearchRe
     const auto header = transaction.find(*key);
     if (!header || !search.selection->matches(*header)) return;
     if (isExpired(*header, search.now)) {
-        expired.add(*key);
+        expired.add(*key, header->md);
         return;
     }
     result.end = SearchEnd::Found;
@@ -26,7 +26,7 @@ void walk(store::MessageCursor &cursor, const Search &search, SearchResult &resu
     for (bool there = search.behind ? cursor.seek(*search.behind) : cursor.first(); there; there = cursor.next()) {
         const store::MessageHeader &header = cursor.header();
         if (isExpired(header, search.now)) {
-            expired.add(cursor.key());
+            expired.add(cursor.key(), header.md);
         } else if (search.selection->matches(header)) {
             result.end = SearchEnd::Found;
             result.key = cursor.key();

@@ -6,27 +6,39 @@
 #include <cstdint>
 #include <optional>
 
+#include "qmgr/core/reports.h"
 #include "qmgr/core/selection.h"
 #include "qmgr/store/message.h"
 #include "qmgr/store/transaction.h"
 
 namespace mqrig::qmgr::core {
 
-// Messages that a search met after their time. They are never returned; whoever searched discards them.
+// Messages that a search met after their time. They are never returned; whoever searched removes them (expiry.h).
 class ExpiredMessages {
 public:
     static constexpr std::size_t most = 32;
 
     bool empty() const { return count_ == 0; }
     bool full() const { return count_ == most; }
-    void add(const store::MessageKey &key) { keys_[count_++] = key; }
-    void clear() { count_ = 0; }
+    // Whether the sender of any of them wants a report.
+    bool anyReports() const { return anyReports_; }
+    void add(const store::MessageKey &key, const MQMD &md)
+    {
+        keys_[count_++] = key;
+        anyReports_ = anyReports_ || wantsExpirationReport(md);
+    }
+    void clear()
+    {
+        count_ = 0;
+        anyReports_ = false;
+    }
     const store::MessageKey *begin() const { return keys_.data(); }
     const store::MessageKey *end() const { return keys_.data() + count_; }
 
 private:
     std::array<store::MessageKey, most> keys_;
     std::size_t count_ = 0;
+    bool anyReports_ = false;
 };
 
 struct Search {

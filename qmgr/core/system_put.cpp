@@ -53,6 +53,8 @@ Outcome putByQueueManager(Connection &connection, UnitOfWork &unit, const object
     MQMD &md = message.header.md;
     if (md.Priority == MQPRI_PRIORITY_AS_Q_DEF) md.Priority = queue.defPriority;
     if (md.Persistence == MQPER_PERSISTENCE_AS_Q_DEF) md.Persistence = queue.defPersistence;
+    if (md.Persistence == MQPER_PERSISTENT && queue.definitionType == MQQDT_TEMPORARY_DYNAMIC)
+        return failure(MQRC_PERSISTENT_NOT_ALLOWED);
     if (isNone(md.MsgId)) connection.newIdentifier(md.MsgId);
     message.header.putTime = store::currentTime();
     message.header.expiryDeadline = expiryDeadline(md, message.header.putTime);

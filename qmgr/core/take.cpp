@@ -8,7 +8,10 @@
 #include <span>
 
 #include "qmgr/core/delivery.h"
+#include "qmgr/core/expiry.h"
 #include "qmgr/core/get.h"
+#include "qmgr/core/private_unit.h"
+#include "qmgr/core/reports.h"
 #include "qmgr/store/seams.h"
 
 namespace mqrig::qmgr::core {
@@ -76,7 +79,10 @@ public:
                 return answer;
             });
             if (updated.failed()) return {updated};
+            // What was found is the connection's own by now: reports about others do not stand in its way.
+            const Outcome reported = reportExpired(connection_, expired_);
             if (found_.end == SearchEnd::Found) return {finish(taken)};
+            if (reported.failed()) return {reported};
             if (found_.end == SearchEnd::NotFound) return {failure(MQRC_NO_MSG_AVAILABLE), held};
             behind = found_.reached;
             if (expired_.full()) continue;
@@ -97,13 +103,7 @@ private:
                 return success();
             });
             if (looked.failed()) return {looked};
-            if (!expired_.empty()) {
-                const Outcome discarded = store_.update(0, [&](store::WriteTransaction &transaction) {
-                    discardExpired(transaction, expired_);
-                    return success();
-                });
-                if (discarded.failed()) return {discarded};
-            }
+            if (const Outcome removed = removeExpired(connection_, expired_); removed.failed()) return {removed};
             if (found_.reached) behind = found_.reached;
             if (found_.end == SearchEnd::Found) return {success()};
             if (found_.end == SearchEnd::NotFound) return {failure(MQRC_NO_MSG_AVAILABLE), held};
@@ -130,7 +130,7 @@ private:
 
         taken.copyLater = stored.size() >= largeBody;
         if (!taken.copyLater) copyDelivery(request_, stored, got_);
-        taken.locked = unit || taken.copyLater;
+        taken.locked = unit || taken.copyLater || wantsDeliveryReport(got_.header.md);
         if (taken.locked)
             transaction.lock(got_.key);
         else
@@ -138,32 +138,47 @@ private:
         return success();
     }
 
-    // After the transaction: the large body, the place in the unit of work, the log.
+    // After the transaction: the large body, the report, the place in the unit of work, the log.
     Outcome finish(const Taken &taken)
     {
         if (!taken.locked) {
             const Outcome hardened = store_.harden(taken.ticket);
             return hardened.failed() ? hardened : taken.outcome;
         }
-        const store::TakenMessage message{got_.key, store::isPersistent(got_.header)};
+        Lock lock(*this);
         if (taken.copyLater) {
             const Outcome copied = store_.read([&](store::ReadTransaction &transaction) {
                 copyDelivery(request_, transaction.body(got_.key), got_);
                 return success();
             });
-            if (copied.failed()) {
-                giveBack();
-                return copied;
-            }
+            if (copied.failed()) return copied;
         }
-        if (inUnitOfWork()) {
-            connection_.unit.addGet(message);
-            return taken.outcome;
-        }
-        const Outcome committed = store_.commit({{}, {&message, 1}});
-        if (committed.Reason == MQRC_BACKED_OUT) return failure(MQRC_STORAGE_NOT_AVAILABLE);
+        PrivateUnit own(store_);
+        UnitOfWork &unit = inUnitOfWork() ? connection_.unit : *own;
+        unit.roomForGet();
+        if (const Outcome reported = reportDelivery(connection_, unit, got_.key, got_.header); reported.failed())
+            return reported;
+        unit.addGet({got_.key, store::isPersistent(got_.header)});
+        lock.belongsToUnit();
+        const Outcome committed = own.commit();
         return committed.failed() ? committed : taken.outcome;
     }
+
+    // The message that the transaction locked: free again unless a unit of work takes it.
+    class Lock {
+    public:
+        explicit Lock(Taker &taker) : taker_(&taker) {}
+        ~Lock()
+        {
+            if (taker_ != nullptr) taker_->giveBack();
+        }
+        Lock(const Lock &) = delete;
+        Lock &operator=(const Lock &) = delete;
+        void belongsToUnit() { taker_ = nullptr; }
+
+    private:
+        Taker *taker_;
+    };
 
     void giveBack()
     {

@@ -61,6 +61,14 @@ void UnitOfWork::keepPut(const store::NewMessage &message)
     }
 }
 
+void UnitOfWork::takeBackPuts(store::Attachment &store, std::size_t kept)
+{
+    if (puts_.size() == kept) return;
+    (void)store.backOut({std::span<const store::NewMessage>(puts_).subspan(kept), {}});
+    while (puts_.size() > kept)
+        dropLastPut();
+}
+
 void UnitOfWork::roomForGet()
 {
     if (gets_.size() == gets_.capacity()) gets_.reserve(std::max<std::size_t>(16, gets_.capacity() * 2));

@@ -12,6 +12,7 @@
 #include <span>
 #include <vector>
 
+#include "qmgr/store/attachment.h"
 #include "qmgr/store/message.h"
 #include "qmgr/store/outcome.h"
 
@@ -22,7 +23,7 @@ class BodyMemory {
 public:
     std::span<const std::byte> copy(std::span<const std::byte> body);
     // Gives back what the last copy took.
-    void dropLast(std::size_t size) { used_ -= size; }
+    void dropLast(std::size_t size) { used_ -= size <= used_ ? size : 0; }
     // Keeps one block of ordinary size, so that the next unit of work allocates nothing.
     void clear();
 
@@ -49,6 +50,9 @@ public:
         bodies_.dropLast(puts_.back().body.size());
         puts_.pop_back();
     }
+    std::size_t puts() const { return puts_.size(); }
+    // Takes back the puts behind the first `kept` ones, with their places on their queues.
+    void takeBackPuts(store::Attachment &store, std::size_t kept);
 
     void roomForGet();
     void addGet(const store::TakenMessage &message) { gets_.push_back(message); }

@@ -161,7 +161,8 @@ TEST_F(Put, RequestNeedsAReplyQueue)
 
 TEST_F(Put, RequestedReportsNeedAReplyQueue)
 {
-    for (const MQLONG report : {MQRO_EXCEPTION, MQRO_EXCEPTION_WITH_FULL_DATA, MQRO_PAN, MQRO_NAN, MQRO_ACTIVITY}) {
+    for (const MQLONG report : {MQRO_EXCEPTION, MQRO_EXCEPTION_WITH_FULL_DATA, MQRO_EXPIRATION, MQRO_COA_WITH_DATA,
+                                MQRO_COD, MQRO_PAN, MQRO_NAN, MQRO_ACTIVITY}) {
         MQMD md = {MQMD_DEFAULT};
         md.Report = report;
         EXPECT_EQ(codesFor(md), failed(MQRC_MISSING_REPLY_TO_Q)) << std::hex << report;
@@ -286,11 +287,13 @@ TEST_F(Put, EncodingAndFormatTravelUnchanged)
 
 // ---- Report options and flags ----
 
-TEST_F(Put, ReportsThatAreNotMadeAre2061)
+TEST_F(Put, ReportOptionsThatAreNoneAre2061)
 {
-    for (const MQLONG report : {MQRO_COA, MQRO_COD_WITH_DATA, MQRO_EXPIRATION, 0x00100000}) {
+    // A reserved bit, data without the report, two amounts of data added up.
+    for (const MQLONG report : {0x00100000, 0x00000200, MQRO_COA + MQRO_COA_WITH_DATA, MQRO_EXPIRATION | 0x00800000}) {
         MQMD md = {MQMD_DEFAULT};
         md.Report = report;
+        setText(md.ReplyToQ, "ANSWERS");
         EXPECT_EQ(codesFor(md), failed(MQRC_REPORT_OPTIONS_ERROR)) << std::hex << report;
     }
 }
