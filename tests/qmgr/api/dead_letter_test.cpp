@@ -1,5 +1,6 @@
 // What the queue manager does with its own messages that their queue does not take.
 
+#include <cstring>
 #include <string>
 
 #include "fixture.h"

@@ -36,17 +36,25 @@ std::unique_ptr<store::Attachment> attachment(const std::filesystem::path &folde
     return std::move(attached.attachment);
 }
 
-void alter(const std::filesystem::path &folder, MQLONG type, const std::string &name, Attributes attributes)
+template <class Change>
+void alter(const std::filesystem::path &folder, MQLONG type, const std::string &name, Change &&change)
 {
     const auto store = attachment(folder);
     auto definition = store->findDefinition(type, name);
     ASSERT_TRUE(definition) << name;
     auto object = objects::ObjectDefinition::decode(definition->bytes);
     ASSERT_TRUE(object) << name;
-    for (const auto &[selector, value] : attributes)
-        object->set(selector, value);
+    change(*object);
     definition->bytes = object->encode();
     ASSERT_EQ(store->alter(*definition), success());
+}
+
+void alterNumbers(const std::filesystem::path &folder, MQLONG type, const std::string &name, Attributes attributes)
+{
+    alter(folder, type, name, [&](objects::ObjectDefinition &object) {
+        for (const auto &[selector, value] : attributes)
+            object.set(selector, value);
+    });
 }
 
 void nameField(std::string_view name, MQCHAR48 &field)
@@ -95,12 +103,17 @@ void QueueManagerTest::defineQueue(const std::string &name, Attributes attribute
 
 void QueueManagerTest::alterQueue(const std::string &name, Attributes attributes)
 {
-    alter(storeFolder_, MQOT_Q, name, attributes);
+    alterNumbers(storeFolder_, MQOT_Q, name, attributes);
 }
 
 void QueueManagerTest::alterQueueManager(Attributes attributes)
 {
-    alter(storeFolder_, MQOT_Q_MGR, "QM1", attributes);
+    alterNumbers(storeFolder_, MQOT_Q_MGR, "QM1", attributes);
+}
+
+void QueueManagerTest::alterText(MQLONG type, const std::string &name, MQLONG selector, std::string_view value)
+{
+    alter(storeFolder_, type, name, [&](objects::ObjectDefinition &object) { object.set(selector, value); });
 }
 
 void QueueManagerTest::deleteQueue(const std::string &name)

@@ -125,6 +125,8 @@ public:
     void defineQueue(const std::string &name, Attributes attributes = {});
     void alterQueue(const std::string &name, Attributes attributes);
     void alterQueueManager(Attributes attributes);
+    void alterText(MQLONG type, const std::string &name, MQLONG selector, std::string_view value);
+    void setDeadLetterQueue(std::string_view name) { alterText(MQOT_Q_MGR, "QM1", MQCA_DEAD_LETTER_Q_NAME, name); }
     void deleteQueue(const std::string &name);
     void endQuiesce();
     void endImmediate();
