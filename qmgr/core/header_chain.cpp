@@ -1,73 +1,44 @@
 #include "qmgr/core/header_chain.h"
 
 #include <cstring>
-#include <iterator>
 #include <string_view>
+
+#include "qmgr/convert/headers.h"
 
 namespace mqrig::qmgr::core {
 namespace {
 
-// The front that most headers share.
-struct CommonHeader {
-    MQCHAR4 StrucId;
-    MQLONG Version;
-    MQLONG StrucLength;
-    MQLONG Encoding;
-    MQLONG CodedCharSetId;
-    MQCHAR8 Format;
-};
-
-struct HeaderFormat {
-    std::string_view format; // the name that announces the header
-    std::string_view strucId;
-};
-constexpr HeaderFormat commonFormats[] = {
-    {MQFMT_CICS, MQCIH_STRUC_ID},         {MQFMT_DIST_HEADER, MQDH_STRUC_ID},       {MQFMT_IMS, MQIIH_STRUC_ID},
-    {MQFMT_MD_EXTENSION, MQMDE_STRUC_ID}, {MQFMT_REF_MSG_HEADER, MQRMH_STRUC_ID},   {MQFMT_RF_HEADER_1, MQRFH_STRUC_ID},
-    {MQFMT_RF_HEADER_2, MQRFH_STRUC_ID},  {MQFMT_WORK_INFO_HEADER, MQWIH_STRUC_ID},
-};
-
-// Where the chain stands: the next header's format, and how its numbers are written.
+// Where the chain stands: the format of what comes next, and how its numbers are written.
 struct Link {
     std::string_view format;
     MQLONG encoding;
 };
 
-template <class Structure>
-bool copyFrom(std::span<const std::byte> body, Structure &structure)
+MQLONG numberAt(std::span<const std::byte> body, std::size_t at, MQLONG encoding)
 {
-    if (body.size() < sizeof structure) return false;
-    std::memcpy(&structure, body.data(), sizeof structure);
-    return true;
-}
-
-MQLONG number(MQLONG value, MQLONG encoding)
-{
+    MQULONG number = 0;
+    std::memcpy(&number, body.data() + at, sizeof number);
     const bool reversed = (encoding & MQENC_INTEGER_MASK) == MQENC_INTEGER_NORMAL;
-    return reversed ? static_cast<MQLONG>(__builtin_bswap32(static_cast<MQULONG>(value))) : value;
+    return static_cast<MQLONG>(reversed ? __builtin_bswap32(number) : number);
 }
 
-// The length of the header that the link announces, 0 if it is none; the link moves on.
+// The length of the header that the link announces, 0 if it is none or not whole; the link moves on.
 std::size_t follow(std::span<const std::byte> body, Link &link)
 {
-    if (link.format == MQFMT_DEAD_LETTER_HEADER) {
-        MQDLH header;
-        if (!copyFrom(body, header) || std::string_view(header.StrucId, 4) != MQDLH_STRUC_ID) return 0;
-        const auto *format = reinterpret_cast<const char *>(body.data()) + offsetof(MQDLH, Format);
-        link = {{format, MQ_FORMAT_LENGTH}, number(header.Encoding, link.encoding)};
-        return sizeof header;
+    const convert::Header *header = convert::findHeader(link.format);
+    if (header == nullptr || header->nextAt == 0 || body.size() < header->size) return 0;
+    const auto *text = reinterpret_cast<const char *>(body.data());
+    if (!std::string_view(text, body.size()).starts_with(header->strucId)) return 0;
+    std::size_t length = header->size;
+    if (header->lengthAt != 0) {
+        const MQLONG told = numberAt(body, header->lengthAt, link.encoding);
+        if (told < 0 || static_cast<std::size_t>(told) < header->size) return 0;
+        length = static_cast<std::size_t>(told);
     }
-    for (const HeaderFormat &row : commonFormats) {
-        if (link.format != row.format) continue;
-        CommonHeader header;
-        if (!copyFrom(body, header) || std::string_view(header.StrucId, 4) != row.strucId) return 0;
-        const MQLONG length = number(header.StrucLength, link.encoding);
-        if (length < static_cast<MQLONG>(sizeof header) || static_cast<std::size_t>(length) > body.size()) return 0;
-        const auto *format = reinterpret_cast<const char *>(body.data()) + offsetof(CommonHeader, Format);
-        link = {{format, MQ_FORMAT_LENGTH}, number(header.Encoding, link.encoding)};
-        return static_cast<std::size_t>(length);
-    }
-    return 0;
+    if (length > body.size()) return 0;
+    link.encoding = numberAt(body, header->nextAt, link.encoding);
+    link.format = {text + header->nextAt + 2 * sizeof(MQLONG), MQ_FORMAT_LENGTH};
+    return length;
 }
 
 } // namespace
