@@ -337,7 +337,7 @@ Outcome Store::undo(const PreparedUnit &unit)
                 transaction.returnToQueue(key);
             } else if (step.kind == StepKind::Get) {
                 transaction.clearHold(key);
-                transaction.counters(key.queue).depth += 1;
+                transaction.counters(key.queue).addToDepth();
                 transaction.wakeGetters(key.queue);
             }
         }

@@ -97,7 +97,7 @@ Outcome Store::fill(LogDatabase &log)
         return update(bytes, 0, [&](WriteTransaction &transaction) {
             for (const Copy &copy : batch) {
                 transaction.insertMessage({copy.key, copy.header, copy.body});
-                transaction.counters(copy.key.queue).depth += 1;
+                transaction.counters(copy.key.queue).addToDepth();
             }
             return success();
         });

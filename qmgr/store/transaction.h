@@ -23,6 +23,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <type_traits>
 
 #include "qmgr/store/live_key.h"
 #include "qmgr/store/message.h"
@@ -56,7 +57,40 @@ struct QueueStatus {
     std::uint32_t uncommitted = 0; // booked puts whose unit is not committed; with `held` MQ's UNCOM
     std::uint32_t deleted = 0;     // 1 once the queue is being deleted: nothing can be done with it any more
     OpenCounts opens;
+
+    // Statistics of MQ's counting since they were last reset (or the queue manager started): units of work count when
+    // their puts and gets are made, and a backout takes nothing back.
+    std::int64_t resetTime = 0;   // microseconds since 1970 UTC
+    std::int64_t triggerTime = 0; // when the last trigger message of the queue was made; 0: never
+    std::uint32_t enqueued = 0;   // messages put
+    std::uint32_t dequeued = 0;   // messages got and removed
+    std::uint32_t highDepth = 0;  // the highest depth
+    std::uint32_t spare = 0;      // no padding: records are compared as bytes
+
+    void addToDepth()
+    {
+        depth += 1;
+        highDepth = highDepth < depth ? depth : highDepth;
+    }
+    void countPut()
+    {
+        addToDepth();
+        enqueued += 1;
+    }
+    void countGet()
+    {
+        depth -= 1;
+        dequeued += 1;
+    }
+    void resetStatistics(std::int64_t now)
+    {
+        resetTime = now;
+        enqueued = 0;
+        dequeued = 0;
+        highDepth = depth;
+    }
 };
+static_assert(std::has_unique_object_representations_v<QueueStatus>);
 
 class Transaction {
 public:
@@ -150,6 +184,13 @@ public:
     void lock(const MessageKey &key);
     // Undoes lock as if the get had never been: depth + 1, backout count unchanged.
     void unlock(const MessageKey &key);
+
+    // ---- Statistics ----
+
+    // Begins the queue's statistics anew; answers what they were. For `Reset Queue Statistics` and performance events.
+    QueueStatus resetStatistics(QueueId queue);
+    // A trigger message of the queue is made now.
+    void noteTrigger(QueueId queue);
 
     // ---- Handles and headers ----
 

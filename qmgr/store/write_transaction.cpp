@@ -76,7 +76,10 @@ QueueStatus &WriteTransaction::counters(QueueId queue)
 
 void WriteTransaction::createCounters(QueueId queue)
 {
-    scratch_->entryOf(*this, queue).present = true;
+    auto &entry = scratch_->entryOf(*this, queue);
+    if (entry.present) return;
+    entry.present = true;
+    entry.status.resetStatistics(currentTime());
 }
 
 bool WriteTransaction::mustExist(QueueId queue)
@@ -228,7 +231,7 @@ Ticket WriteTransaction::put(const NewMessage &message)
 {
     if (!mustExist(message.key.queue)) return 0;
     insertMessage(message);
-    counters(message.key.queue).depth += 1;
+    counters(message.key.queue).countPut();
     wakeGetters(message.key.queue);
     if (!isPersistent(message.header)) return 0;
     setHold(message.key, {.kind = HoldKind::Hidden, .slot = slot_, .ticket = ticket()});
@@ -240,7 +243,7 @@ Ticket WriteTransaction::take(const MessageKey &key)
 {
     const auto header = find(key);
     if (!header) return 0;
-    counters(key.queue).depth -= 1;
+    counters(key.queue).countGet();
     if (!isPersistent(*header)) {
         eraseMessage(key);
         return 0;
@@ -263,7 +266,7 @@ void WriteTransaction::bookPut(QueueId queue)
 {
     if (!mustExist(queue)) return;
     QueueStatus &status = counters(queue);
-    status.depth += 1;
+    status.countPut();
     status.uncommitted += 1;
     booking(queue).puts += 1;
 }
@@ -283,7 +286,7 @@ void WriteTransaction::lock(const MessageKey &key)
     if (!find(key)) return;
     connection_->holds.fetch_add(1);
     setHold(key, {.kind = HoldKind::Got, .slot = slot_, .ticket = 0});
-    counters(key.queue).depth -= 1;
+    counters(key.queue).countGet();
 }
 
 void WriteTransaction::unlock(const MessageKey &key)
@@ -291,8 +294,23 @@ void WriteTransaction::unlock(const MessageKey &key)
     const auto hold = holdOf(key);
     if (!hold || hold->kind != HoldKind::Got || hold->slot != slot_) return;
     clearHold(key);
-    counters(key.queue).depth += 1;
+    QueueStatus &status = counters(key.queue);
+    status.addToDepth();
+    status.dequeued -= status.dequeued > 0 ? 1 : 0;
     wakeGetters(key.queue);
+}
+
+QueueStatus WriteTransaction::resetStatistics(QueueId queue)
+{
+    QueueStatus &status = counters(queue);
+    const QueueStatus before = status;
+    status.resetStatistics(currentTime());
+    return before;
+}
+
+void WriteTransaction::noteTrigger(QueueId queue)
+{
+    counters(queue).triggerTime = currentTime();
 }
 
 void WriteTransaction::addOpens(QueueId queue, const OpenCounts &change)
@@ -330,7 +348,7 @@ void WriteTransaction::returnToQueue(const MessageKey &key)
     clearHold(key);
     auto header = findHeld(key);
     if (!header) return;
-    counters(key.queue).depth += 1;
+    counters(key.queue).addToDepth();
     wakeGetters(key.queue);
     header->md.BackoutCount += 1;
     changeHeader(key, *header);

@@ -213,5 +213,46 @@ TEST_F(Messages, DiscardedAreGoneAtOnce)
     EXPECT_EQ(statusOf(*a, q1_).depth, 1U);
 }
 
+TEST_F(Messages, AreCountedSinceTheStatisticsWereReset)
+{
+    const auto a = connect();
+    EXPECT_EQ(put(*a, q1_, "one"), success());
+    EXPECT_EQ(put(*a, q1_, "two"), success());
+    UnitOfWork unit(*a);
+    EXPECT_EQ(unit.put(q1_, "three"), success());
+    EXPECT_EQ(get(*a, q1_), "one");
+    unit.get(q1_);
+    EXPECT_EQ(unit.backOut(), success());
+    QueueStatus status = statusOf(*a, q1_);
+    EXPECT_EQ(status.depth, 1U);
+    EXPECT_EQ(status.enqueued, 3U);
+    EXPECT_EQ(status.dequeued, 2U);
+    EXPECT_EQ(status.highDepth, 3U);
+    EXPECT_GT(status.resetTime, 0);
+
+    EXPECT_EQ(a->update(0,
+                        [&](WriteTransaction &transaction) {
+                            EXPECT_EQ(transaction.resetStatistics(q1_).enqueued, 3U);
+                            return success();
+                        }),
+              success());
+    status = statusOf(*a, q1_);
+    EXPECT_EQ(status.enqueued, 0U);
+    EXPECT_EQ(status.dequeued, 0U);
+    EXPECT_EQ(status.highDepth, 1U);
+    EXPECT_EQ(statusOf(*a, q2_).enqueued, 0U);
+}
+
+TEST_F(Messages, AreCountedFromTheStartOfTheQueueManager)
+{
+    ASSERT_EQ(put(*connect(), q1_, "kept", {.persistence = MQPER_PERSISTENT}), success());
+    ASSERT_EQ(endQueueManager(folder_, "QM1", End::Immediate), success());
+    ASSERT_EQ(startQueueManager(folder_, "QM1"), success());
+    const QueueStatus status = statusOf(*connect(), q1_);
+    EXPECT_EQ(status.enqueued, 0U);
+    EXPECT_EQ(status.highDepth, 1U);
+    EXPECT_GT(status.resetTime, 0);
+}
+
 } // namespace
 } // namespace mqrig::qmgr::store::test
