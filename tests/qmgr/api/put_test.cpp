@@ -517,11 +517,13 @@ TEST_F(Put, OptionsAreToldWhereTheMessageWent)
 
 TEST_F(Put, PutTimeIsNowInUtc)
 {
-    const std::time_t before = std::time(nullptr);
+    // time() is the clock of the last tick and would lag behind.
+    const auto now = [] { return std::chrono::system_clock::to_time_t(std::chrono::system_clock::now()); };
+    const std::time_t before = now();
     MQMD md = {MQMD_DEFAULT};
     MQPMO pmo = {MQPMO_DEFAULT};
     ASSERT_EQ(putInOut(hconn, q1, "x", md, pmo), ok);
-    const std::time_t after = std::time(nullptr);
+    const std::time_t after = now();
     std::tm parts{};
     ASSERT_NE(strptime((text(md.PutDate) + text(md.PutTime).substr(0, 6)).c_str(), "%Y%m%d%H%M%S", &parts), nullptr);
     const std::time_t put = timegm(&parts);
