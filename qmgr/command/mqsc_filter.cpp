@@ -1,5 +1,7 @@
 #include "qmgr/command/mqsc_filter.h"
 
+#include <algorithm>
+
 #include "qmgr/objects/object_name.h"
 
 namespace mqrig::qmgr::command {
@@ -11,9 +13,10 @@ struct Operator {
 };
 
 constexpr Operator operators[] = {
-    {"LT", Comparison::Less},     {"GT", Comparison::Greater},     {"EQ", Comparison::Equal},
-    {"NE", Comparison::NotEqual}, {"LE", Comparison::LessOrEqual}, {"GE", Comparison::GreaterOrEqual},
-    {"LK", Comparison::Like},     {"NK", Comparison::NotLike},
+    {"LT", Comparison::Less},     {"GT", Comparison::Greater},       {"EQ", Comparison::Equal},
+    {"NE", Comparison::NotEqual}, {"LE", Comparison::LessOrEqual},   {"GE", Comparison::GreaterOrEqual},
+    {"LK", Comparison::Like},     {"NK", Comparison::NotLike},       {"CT", Comparison::Contains},
+    {"EX", Comparison::Excludes}, {"CTG", Comparison::ContainsLike}, {"EXG", Comparison::ExcludesLike},
 };
 
 const Operator *findOperator(std::string_view word)
@@ -23,9 +26,12 @@ const Operator *findOperator(std::string_view word)
     return nullptr;
 }
 
-bool isLike(Comparison comparison)
+bool contains(const std::string &list, std::string_view wanted, bool generic)
 {
-    return comparison == Comparison::Like || comparison == Comparison::NotLike;
+    const auto names = objects::splitNames(list);
+    return std::any_of(names.begin(), names.end(), [&](std::string_view name) {
+        return generic ? objects::matchesGeneric(wanted, name) : name == wanted;
+    });
 }
 
 bool holds(Comparison comparison, int order)
@@ -45,6 +51,10 @@ bool holds(Comparison comparison, int order)
         return order >= 0;
     case Comparison::Like:
     case Comparison::NotLike:
+    case Comparison::Contains:
+    case Comparison::Excludes:
+    case Comparison::ContainsLike:
+    case Comparison::ExcludesLike:
         break;
     }
     return false;
@@ -52,12 +62,29 @@ bool holds(Comparison comparison, int order)
 
 } // namespace
 
+bool isForTexts(Comparison comparison)
+{
+    return comparison == Comparison::Like || comparison == Comparison::NotLike || isForLists(comparison);
+}
+
+bool isForLists(Comparison comparison)
+{
+    return comparison == Comparison::Contains || comparison == Comparison::Excludes ||
+           comparison == Comparison::ContainsLike || comparison == Comparison::ExcludesLike;
+}
+
 bool Filter::passes(const InquiredObject &object) const
 {
     const objects::Attribute *attribute = objects::findKeyword(object.definition.kind(), keyword).attribute;
     if (attribute == nullptr) return false;
     const objects::AttributeValue actual = object.value(*attribute);
-    if (isLike(comparison)) return objects::matchesGeneric(value.text, actual.text) == (comparison == Comparison::Like);
+    if (isForLists(comparison)) {
+        const bool generic = comparison == Comparison::ContainsLike || comparison == Comparison::ExcludesLike;
+        const bool wanted = comparison == Comparison::Contains || comparison == Comparison::ContainsLike;
+        return contains(actual.text, value.text, generic) == wanted;
+    }
+    if (isForTexts(comparison))
+        return objects::matchesGeneric(value.text, actual.text) == (comparison == Comparison::Like);
     if (attribute->isText()) return holds(comparison, actual.text.compare(value.text));
     return holds(comparison, actual.number < value.number ? -1 : actual.number > value.number ? 1 : 0);
 }
@@ -82,7 +109,10 @@ ReadFilter readFilter(const MqscParameter &where, objects::ObjectKinds kinds)
     if (found == nullptr) return fail(word.offset, "the operator is one of LT, GT, EQ, NE, LE, GE, LK, NK");
     read.filter.comparison = found->comparison;
 
-    if (isLike(found->comparison)) {
+    const bool list = attribute->value == objects::ValueKind::NameList;
+    if (isForLists(found->comparison) != list)
+        return fail(word.offset, list ? "lists are compared by CT, EX, CTG, EXG" : "CT, EX, CTG, EXG compare lists");
+    if (isForTexts(found->comparison)) {
         if (!attribute->isText()) return fail(word.offset, "LK and NK compare texts");
         read.filter.value.text = value.text;
     } else {

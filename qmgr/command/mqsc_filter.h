@@ -1,6 +1,7 @@
 // DISPLAY's WHERE(attribute operator value): which objects are shown.
 //
-// Operators: LT GT EQ NE LE GE on every attribute, LK and NK (like, not like: a value that may end with '*') on texts.
+// Operators: LT GT EQ NE LE GE on every attribute but lists, LK and NK (like, not like: a value that may end with '*')
+// on texts, CT and EX (contains, excludes a name) and CTG and EXG (a name like that) on lists.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +13,22 @@
 
 namespace mqrig::qmgr::command {
 
-enum class Comparison { Less, Greater, Equal, NotEqual, LessOrEqual, GreaterOrEqual, Like, NotLike };
+enum class Comparison {
+    Less,
+    Greater,
+    Equal,
+    NotEqual,
+    LessOrEqual,
+    GreaterOrEqual,
+    Like,
+    NotLike,
+    Contains,
+    Excludes,
+    ContainsLike,
+    ExcludesLike,
+};
+bool isForTexts(Comparison comparison); // for texts and no numbers
+bool isForLists(Comparison comparison); // for lists and nothing else
 
 struct Filter {
     std::string_view keyword; // of the attribute; what has no such attribute does not pass

@@ -49,38 +49,39 @@ struct Row {
     std::string_view verb;
     std::string_view object;
     CommandAnswer (*run)(const MqscCommand &);
+    MQLONG command; // MQCMD_
 };
 
 constexpr Row table[] = {
-    {"ALTER", "NAMELIST", alterObject},
-    {"ALTER", "PROCESS", alterObject},
-    {"ALTER", "QALIAS", alterObject},
-    {"ALTER", "QLOCAL", alterObject},
-    {"ALTER", "QMGR", alterQmgr},
-    {"ALTER", "QMODEL", alterObject},
-    {"ALTER", "QREMOTE", alterObject},
-    {"CLEAR", "QLOCAL", clearLocalQueue},
-    {"DEFINE", "NAMELIST", defineObject},
-    {"DEFINE", "PROCESS", defineObject},
-    {"DEFINE", "QALIAS", defineObject},
-    {"DEFINE", "QLOCAL", defineObject},
-    {"DEFINE", "QMODEL", defineObject},
-    {"DEFINE", "QREMOTE", defineObject},
-    {"DELETE", "NAMELIST", deleteObject},
-    {"DELETE", "PROCESS", deleteObject},
-    {"DELETE", "QALIAS", deleteObject},
-    {"DELETE", "QLOCAL", deleteObject},
-    {"DELETE", "QMODEL", deleteObject},
-    {"DELETE", "QREMOTE", deleteObject},
-    {"DISPLAY", "NAMELIST", displayObjects},
-    {"DISPLAY", "PROCESS", displayObjects},
-    {"DISPLAY", "QALIAS", displayObjects},
-    {"DISPLAY", "QLOCAL", displayObjects},
-    {"DISPLAY", "QMGR", displayQmgr},
-    {"DISPLAY", "QMODEL", displayObjects},
-    {"DISPLAY", "QREMOTE", displayObjects},
-    {"DISPLAY", "QUEUE", displayObjects},
-    {"PING", "QMGR", pingQmgr},
+    {"ALTER", "NAMELIST", alterObject, MQCMD_CHANGE_NAMELIST},
+    {"ALTER", "PROCESS", alterObject, MQCMD_CHANGE_PROCESS},
+    {"ALTER", "QALIAS", alterObject, MQCMD_CHANGE_Q},
+    {"ALTER", "QLOCAL", alterObject, MQCMD_CHANGE_Q},
+    {"ALTER", "QMGR", alterQmgr, MQCMD_CHANGE_Q_MGR},
+    {"ALTER", "QMODEL", alterObject, MQCMD_CHANGE_Q},
+    {"ALTER", "QREMOTE", alterObject, MQCMD_CHANGE_Q},
+    {"CLEAR", "QLOCAL", clearLocalQueue, MQCMD_CLEAR_Q},
+    {"DEFINE", "NAMELIST", defineObject, MQCMD_CREATE_NAMELIST},
+    {"DEFINE", "PROCESS", defineObject, MQCMD_CREATE_PROCESS},
+    {"DEFINE", "QALIAS", defineObject, MQCMD_CREATE_Q},
+    {"DEFINE", "QLOCAL", defineObject, MQCMD_CREATE_Q},
+    {"DEFINE", "QMODEL", defineObject, MQCMD_CREATE_Q},
+    {"DEFINE", "QREMOTE", defineObject, MQCMD_CREATE_Q},
+    {"DELETE", "NAMELIST", deleteObject, MQCMD_DELETE_NAMELIST},
+    {"DELETE", "PROCESS", deleteObject, MQCMD_DELETE_PROCESS},
+    {"DELETE", "QALIAS", deleteObject, MQCMD_DELETE_Q},
+    {"DELETE", "QLOCAL", deleteObject, MQCMD_DELETE_Q},
+    {"DELETE", "QMODEL", deleteObject, MQCMD_DELETE_Q},
+    {"DELETE", "QREMOTE", deleteObject, MQCMD_DELETE_Q},
+    {"DISPLAY", "NAMELIST", displayObjects, MQCMD_INQUIRE_NAMELIST},
+    {"DISPLAY", "PROCESS", displayObjects, MQCMD_INQUIRE_PROCESS},
+    {"DISPLAY", "QALIAS", displayObjects, MQCMD_INQUIRE_Q},
+    {"DISPLAY", "QLOCAL", displayObjects, MQCMD_INQUIRE_Q},
+    {"DISPLAY", "QMGR", displayQmgr, MQCMD_INQUIRE_Q_MGR},
+    {"DISPLAY", "QMODEL", displayObjects, MQCMD_INQUIRE_Q},
+    {"DISPLAY", "QREMOTE", displayObjects, MQCMD_INQUIRE_Q},
+    {"DISPLAY", "QUEUE", displayObjects, MQCMD_INQUIRE_Q},
+    {"PING", "QMGR", pingQmgr, MQCMD_PING_Q_MGR},
 };
 
 std::string_view findVerb(std::string_view typed)
@@ -152,7 +153,9 @@ CommandAnswer runMqsc(store::Attachment &attachment, const CommandText &text)
     if (row == std::end(table)) return fault(object.offset, objectsOf(verb));
     if (const Outcome alive = attachment.check(); alive.failed())
         return {CommandResult::Failed, {formatFailure(alive, attachment.queueManagerName())}};
-    return row->run({attachment, text, parsed.words, objectWord.kinds, objectWord.word});
+    CommandAnswer answer = row->run({attachment, text, parsed.words, objectWord.kinds, objectWord.word});
+    answer.command = row->command;
+    return answer;
 }
 
 } // namespace mqrig::qmgr::command

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "cmqcfc.h"
 #include "qmgr/command/mqsc_reader.h"
 #include "qmgr/store/attachment.h"
 
@@ -18,6 +19,7 @@ enum class CommandResult { Done, Failed, SyntaxError };
 struct CommandAnswer {
     CommandResult result = CommandResult::Done;
     std::vector<std::string> lines; // message lines and attributes, without line ends
+    MQLONG command = MQCMD_NONE;    // the command's number in command messages, once it is known
 };
 
 // The attachment is the connection on which everything is done.

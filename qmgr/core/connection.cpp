@@ -5,8 +5,10 @@
 #include <string>
 #include <utility>
 
+#include "qmgr/core/command_server.h"
 #include "qmgr/core/connections.h"
 #include "qmgr/objects/object_name.h"
+#include "qmgr/objects/system_objects.h"
 #include "qmgr/store/paths.h"
 #include "qmgr/store/queue_managers.h"
 
@@ -39,6 +41,14 @@ Outcome whenQuiescing(const std::filesystem::path &storeFolder, std::string_view
     return failure(ended ? MQRC_Q_MGR_NOT_AVAILABLE : MQRC_Q_MGR_QUIESCING);
 }
 
+// The store is told which queue holds requests to the queue manager; what others have left there is served.
+void watchRequests(Connection &connection)
+{
+    const objects::FoundQueue queue = connection.catalog.queue(objects::commandQueue);
+    if (!queue.outcome.failed()) connection.store->setRequestQueue(queue.hold.queue->id);
+    if (connection.store->requestsWaiting()) serveRequests(connection);
+}
+
 } // namespace
 
 Connection::Connection(std::unique_ptr<store::Attachment> attachment, const ConnectRequest &request)
@@ -63,6 +73,7 @@ Outcome connect(const ConnectRequest &request, MQHCONN &hconn)
     if (attached.outcome.failed()) return attached.outcome;
     auto connection = std::make_unique<Connection>(std::move(attached.attachment), request);
     if (connection->catalog.queueManager() == nullptr) return failure(MQRC_OBJECT_DAMAGED);
+    watchRequests(*connection);
     hconn = addConnection(std::move(connection));
     return hconn == MQHC_UNUSABLE_HCONN ? failure(MQRC_MAX_CONNS_LIMIT_REACHED) : attached.outcome;
 }

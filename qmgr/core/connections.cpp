@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "qmgr/core/command_server.h"
+
 namespace mqrig::qmgr::core {
 
 struct ConnectionEntry {
@@ -124,6 +126,13 @@ ConnectionUse::ConnectionUse(MQHCONN hconn) : outcome_(failure(MQRC_HCONN_ERROR)
     connection_ = entry->connection.get();
     lock_ = std::move(lock);
     outcome_ = connection_->store->check();
+}
+
+ConnectionUse::~ConnectionUse()
+{
+    if (connection_ == nullptr || outcome_.failed()) return;
+    if (connection_->store->requestsWaiting()) [[unlikely]]
+        serveRequests(*connection_);
 }
 
 std::unique_ptr<Connection> ConnectionUse::remove()

@@ -27,6 +27,10 @@ MQHCONN addConnection(std::unique_ptr<Connection> connection);
 class ConnectionUse {
 public:
     explicit ConnectionUse(MQHCONN hconn);
+    // The end of a call is where requests to the queue manager are served.
+    ~ConnectionUse();
+    ConnectionUse(const ConnectionUse &) = delete;
+    ConnectionUse &operator=(const ConnectionUse &) = delete;
 
     // Whether the call may go on. MQRC_HCONN_ERROR; MQRC_CALL_IN_PROGRESS for a connection made with
     // MQCNO_HANDLE_SHARE_NO_BLOCK; MQRC_Q_MGR_STOPPING, MQRC_CONNECTION_BROKEN.

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <optional>
 
+#include "qmgr/core/command_server.h"
 #include "qmgr/core/expiry.h"
 
 namespace mqrig::qmgr::core {
@@ -33,6 +34,15 @@ store::Deadline deadlineOf(const GetRequest &request)
     return std::chrono::steady_clock::now() + std::chrono::milliseconds(request.waitInterval);
 }
 
+// The message waited for may be a reply to a request that nobody serves yet. While another program serves, its death
+// would go unnoticed in a long sleep.
+store::Deadline endOfSleep(Connection &connection, store::Deadline deadline)
+{
+    constexpr std::chrono::milliseconds watchInterval{100};
+    if (!connection.store->requestsWaiting() || serveRequests(connection) == Served::Done) return deadline;
+    return std::min(deadline, std::chrono::steady_clock::now() + watchInterval);
+}
+
 Outcome lookUntilFound(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got)
 {
     const bool waits = request.has(MQGMO_WAIT) && request.waitInterval != 0;
@@ -50,7 +60,8 @@ Outcome lookUntilFound(Connection &connection, OpenObject &object, const GetRequ
         if (look.held && connection.store->releaseDead()) continue;
         if (!waits || lastLook) return look.outcome;
         if (!deadline) deadline = deadlineOf(request);
-        if (!connection.store->waitForMessage(queue, observed, *deadline)) return look.outcome;
+        const store::Deadline until = endOfSleep(connection, *deadline);
+        if (!connection.store->waitForMessage(queue, observed, until) && until == *deadline) return look.outcome;
         if (const Outcome alive = connection.store->check(); alive.failed()) return alive;
     }
 }
