@@ -26,6 +26,20 @@ MQLONG checkOpenOptions(MQLONG options)
     return wrong ? MQRC_OPTIONS_ERROR : MQRC_NONE;
 }
 
+// The queue's names are told to those who handle its messages, or who ask for them.
+void tell(const core::Connection &connection, const core::OpenObject &object, MQLONG options, void *od)
+{
+    const bool namesQueue = object.type == MQOT_Q && (options & (messageOptions | MQOO_RESOLVE_LOCAL_Q)) != 0;
+    if (!namesQueue) {
+        api::storeOd({}, {}, object.type == MQOT_Q ? MQOT_Q : MQOT_NONE, od);
+        return;
+    }
+    const objects::QueueDefinition &queue = *object.hold.queue;
+    const api::Told told =
+        (options & MQOO_RESOLVE_LOCAL_Q) != 0 ? api::Told::LocalQueue : api::Told::Destination;
+    api::storeOd(api::resolvedNames(connection, queue, told), api::countsOf(queue), MQOT_Q, od);
+}
+
 Outcome open(MQHCONN Hconn, PMQVOID pObjDesc, MQLONG options, PMQHOBJ pHobj)
 {
     const core::ConnectionUse use(Hconn);
@@ -40,12 +54,7 @@ Outcome open(MQHCONN Hconn, PMQVOID pObjDesc, MQLONG options, PMQHOBJ pHobj)
 
     const Outcome opened = core::openObject(*use, api::objectName(od), options, *pHobj);
     if (opened.failed()) return opened;
-    // The queue's name is told to those who handle its messages, or who ask for it.
-    const core::OpenObject &object = *use->handles.find(*pHobj);
-    const bool isQueue = object.type == MQOT_Q;
-    const bool namesQueue = isQueue && (options & (messageOptions | MQOO_RESOLVE_LOCAL_Q)) != 0;
-    api::storeOd({namesQueue ? object.hold.queue->name.data() : nullptr, use->queueManagerName.data()},
-                 isQueue ? MQOT_Q : MQOT_NONE, pObjDesc);
+    tell(*use, *use->handles.find(*pHobj), options, pObjDesc);
     return opened;
 }
 

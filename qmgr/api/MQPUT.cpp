@@ -1,4 +1,5 @@
 #include "qmgr/api/api.h"
+#include "qmgr/api/object_descriptor.h"
 #include "qmgr/api/put_call.h"
 #include "qmgr/api/structures.h"
 #include "qmgr/core/connections.h"
@@ -27,7 +28,7 @@ Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, M
         *use, queue, {call.pmo.Options, object->options, call.pmo.Context, &object->logicalOrder}, call.message);
     if (outcome.failed()) return outcome;
     api::storePutMd(call.message.header.md, pMsgDesc);
-    api::storePmo({queue.name.data(), use->queueManagerName.data()}, pPutMsgOpts);
+    api::storePmo(api::resolvedNames(*use, queue, api::toldBy(call.pmo)), api::countsOf(queue), pPutMsgOpts);
     return outcome;
 }
 

@@ -31,9 +31,10 @@ Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgO
     const Outcome outcome =
         core::putMessage(*use, queue, {call.pmo.Options, openOptions, call.pmo.Context, nullptr}, call.message);
     if (outcome.failed()) return outcome;
-    api::storeOd({queue.name.data(), use->queueManagerName.data()}, MQOT_Q, pObjDesc);
+    const api::ResolvedNames names = api::resolvedNames(*use, queue, api::toldBy(call.pmo));
+    api::storeOd(names, api::countsOf(queue), MQOT_Q, pObjDesc);
     api::storePutMd(call.message.header.md, pMsgDesc);
-    api::storePmo({queue.name.data(), use->queueManagerName.data()}, pPutMsgOpts);
+    api::storePmo(names, api::countsOf(queue), pPutMsgOpts);
     return outcome;
 }
 

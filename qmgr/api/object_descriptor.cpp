@@ -18,4 +18,15 @@ core::ObjectName objectName(const MQOD &od)
     return {od.ObjectType, objects::fieldText(od.ObjectName), objects::fieldText(od.ObjectQMgrName)};
 }
 
+ResolvedNames resolvedNames(const core::Connection &connection, const objects::QueueDefinition &queue, Told told)
+{
+    if (queue.remote && told == Told::Destination) return {queue.remoteQueue.data(), queue.remoteQueueManager.data()};
+    return {queue.name.data(), connection.queueManagerName.data()};
+}
+
+DestinationCounts countsOf(const objects::QueueDefinition &queue)
+{
+    return {queue.remote ? 0 : 1, queue.remote ? 1 : 0, 0};
+}
+
 } // namespace mqrig::qmgr::api

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "cmqc.h"
+#include "qmgr/api/structures.h"
+#include "qmgr/core/connection.h"
 #include "qmgr/core/open.h"
 
 namespace mqrig::qmgr::api {
@@ -13,5 +15,16 @@ MQLONG checkObject(const MQOD &od, Selects selects);
 
 // The names in it; valid as long as the descriptor.
 core::ObjectName objectName(const MQOD &od);
+
+// What MQOPEN and the puts tell of the queue that a name led to: the queue elsewhere, or, where `told` says so, the
+// local one that keeps the messages.
+enum class Told { Destination, LocalQueue };
+inline Told toldBy(const MQPMO &pmo)
+{
+    return (pmo.Options & MQPMO_RESOLVE_LOCAL_Q) != 0 ? Told::LocalQueue : Told::Destination;
+}
+ResolvedNames resolvedNames(const core::Connection &connection, const objects::QueueDefinition &queue, Told told);
+// One queue that was opened or put to.
+DestinationCounts countsOf(const objects::QueueDefinition &queue);
 
 } // namespace mqrig::qmgr::api

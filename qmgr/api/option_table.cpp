@@ -185,8 +185,7 @@ constexpr OptionRow reportRows[] = {
     refused("MQRO_REJECT_UNSUP_MASK_RESERVED", 0x101C0000, MQRC_REPORT_OPTIONS_ERROR,
             "the MQI reserves the bits and wants them refused"),
     noEffect("MQRO_ACCEPT_UNSUP_MASK_RESERVED", 0xE0000038, mqiReserves),
-    refused("MQRO_ACCEPT_UNSUP_IF_XMIT_MASK_RESERVED", 0x00038000, MQRC_REPORT_OPTIONS_ERROR,
-            "the MQI wants the bits accepted on transmission queues only"),
+    done("MQRO_ACCEPT_UNSUP_IF_XMIT_MASK_RESERVED", 0x00038000),
 };
 
 constexpr OptionRow flagRows[] = {
@@ -197,8 +196,7 @@ constexpr OptionRow flagRows[] = {
     done("MQMF_LAST_MSG_IN_GROUP", MQMF_LAST_MSG_IN_GROUP),
     refused("MQMF_REJECT_UNSUP_MASK_RESERVED", 0x00000FE0, MQRC_MSG_FLAGS_ERROR,
             "the MQI reserves the bits and wants them refused"),
-    refused("MQMF_ACCEPT_UNSUP_IF_XMIT_MASK_RESERVED", 0x000FF000, MQRC_MSG_FLAGS_ERROR,
-            "the MQI wants the bits accepted on transmission queues only"),
+    done("MQMF_ACCEPT_UNSUP_IF_XMIT_MASK_RESERVED", 0x000FF000),
     noEffect("MQMF_ACCEPT_UNSUP_MASK_RESERVED", 0xFFF00000, mqiReserves),
 };
 

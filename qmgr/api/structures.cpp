@@ -164,13 +164,13 @@ void storePutMd(const MQMD &md, void *to)
     given.OriginalLength = md.OriginalLength;
 }
 
-void storeOd(const ResolvedNames &names, MQLONG resolvedType, void *to)
+void storeOd(const ResolvedNames &names, const DestinationCounts &counts, MQLONG resolvedType, void *to)
 {
     MQOD &od = *static_cast<MQOD *>(to);
     if (od.Version < MQOD_VERSION_2) return;
-    od.KnownDestCount = names.queue != nullptr ? 1 : 0;
-    od.UnknownDestCount = 0;
-    od.InvalidDestCount = 0;
+    od.KnownDestCount = counts.known;
+    od.UnknownDestCount = counts.unknown;
+    od.InvalidDestCount = counts.invalid;
     if (od.Version < MQOD_VERSION_3) return;
     storeName(od.ResolvedQName, names.queue);
     storeName(od.ResolvedQMgrName, names.queueManager);
@@ -178,12 +178,12 @@ void storeOd(const ResolvedNames &names, MQLONG resolvedType, void *to)
     od.ResolvedType = resolvedType;
 }
 
-void storePmo(const ResolvedNames &names, void *to)
+void storePmo(const ResolvedNames &names, const DestinationCounts &counts, void *to)
 {
     MQPMO &pmo = *static_cast<MQPMO *>(to);
-    pmo.KnownDestCount = 1;
-    pmo.UnknownDestCount = 0;
-    pmo.InvalidDestCount = 0;
+    pmo.KnownDestCount = counts.known;
+    pmo.UnknownDestCount = counts.unknown;
+    pmo.InvalidDestCount = counts.invalid;
     storeName(pmo.ResolvedQName, names.queue);
     storeName(pmo.ResolvedQMgrName, names.queueManager);
 }

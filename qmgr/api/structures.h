@@ -31,11 +31,17 @@ void storePutMd(const MQMD &md, void *to);
 
 // What the calls return in their options structures and descriptors, by the Version of `to`.
 struct ResolvedNames {
-    const char *queue;        // 48 characters; null: blanks
-    const char *queueManager; // 48 characters
+    const char *queue = nullptr;        // 48 characters; null: blanks
+    const char *queueManager = nullptr; // 48 characters; null: blanks
 };
-void storeOd(const ResolvedNames &names, MQLONG resolvedType, void *to);
-void storePmo(const ResolvedNames &names, void *to);
+// How many queues are here, are elsewhere, and could not be opened or put to.
+struct DestinationCounts {
+    MQLONG known = 0;
+    MQLONG unknown = 0;
+    MQLONG invalid = 0;
+};
+void storeOd(const ResolvedNames &names, const DestinationCounts &counts, MQLONG resolvedType, void *to);
+void storePmo(const ResolvedNames &names, const DestinationCounts &counts, void *to);
 
 struct GotFields {
     const char *queue; // 48 characters

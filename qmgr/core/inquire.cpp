@@ -139,6 +139,10 @@ Outcome inquire(Connection &connection, OpenObject &object, const InquireRequest
 {
     if (!object.allows(MQOO_INQUIRE)) return failure(MQRC_NOT_OPEN_FOR_INQUIRE);
     if (object.type == MQOT_Q_MGR) return answer(connection, connection.queueManager().object, 0, request);
+    if (object.type != MQOT_Q) {
+        const objects::FoundObject found = connection.catalog.object(object.type, object.name);
+        return found.outcome.failed() ? found.outcome : answer(connection, *found.object, 0, request);
+    }
     if (const Outcome there = connection.catalog.refresh(object.hold); there.failed()) return there;
     return answer(connection, object.hold.queue->object, object.hold.queue->id, request);
 }

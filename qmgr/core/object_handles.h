@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "cmqc.h"
@@ -17,9 +18,10 @@
 namespace mqrig::qmgr::core {
 
 struct OpenObject {
-    MQLONG type = MQOT_Q;    // MQOT_Q or MQOT_Q_MGR
+    MQLONG type = MQOT_Q;    // MQOT_Q, MQOT_Q_MGR, MQOT_PROCESS or MQOT_NAMELIST
     MQLONG options = 0;      // MQOO_ bits as granted: input is shared or exclusive, never as-queue-def
-    objects::QueueHold hold; // of a queue
+    objects::QueueHold hold; // of a queue: its messages, and in `object` what MQINQ and MQSET work on
+    std::string name;        // of a process or namelist, which is read (catalog.object) whenever it is asked
     store::OpenCounts opens; // what this handle adds to the counts of its queue
 
     // Where browsing stands: the last message that a browse returned. It may be gone since.

@@ -10,11 +10,8 @@ namespace {
 
 constexpr MQLONG inputOptions = MQOO_INPUT_AS_Q_DEF | MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE;
 
-// Options that mean something for the queue manager object.
-constexpr MQLONG queueManagerOptions = MQOO_INQUIRE | MQOO_FAIL_IF_QUIESCING | MQOO_ALTERNATE_USER_AUTHORITY;
-
-// Options with which a queue of any kind is opened for what it is.
-constexpr MQLONG attributeOptions = MQOO_INQUIRE | MQOO_SET | MQOO_FAIL_IF_QUIESCING | MQOO_ALTERNATE_USER_AUTHORITY;
+// Options that mean something for objects that have attributes only.
+constexpr MQLONG attributeOptions = MQOO_INQUIRE | MQOO_FAIL_IF_QUIESCING | MQOO_ALTERNATE_USER_AUTHORITY;
 
 bool isLocal(const Connection &connection, std::string_view queueManager)
 {
@@ -46,12 +43,14 @@ bool inTheWay(const store::OpenCounts &others, const store::OpenCounts &wanted)
 }
 
 // Counts the handle, unless another one's exclusive use forbids it.
-Outcome countOpen(store::Attachment &store, store::QueueId queue, const store::OpenCounts &wanted)
+Outcome countOpen(store::Attachment &store, const objects::QueueDefinition &queue, const store::OpenCounts &wanted)
 {
     for (;;) {
         const Outcome outcome = store.update(0, [&](store::WriteTransaction &transaction) {
-            if (inTheWay(transaction.queue(queue).opens, wanted)) return failure(MQRC_OBJECT_IN_USE);
-            transaction.addOpens(queue, wanted);
+            if (inTheWay(transaction.queue(queue.id).opens, wanted)) return failure(MQRC_OBJECT_IN_USE);
+            transaction.addOpens(queue.id, wanted);
+            // The name by which it was reached is in use too: it cannot be deleted.
+            if (queue.objectId != queue.id) transaction.addOpens(queue.objectId, wanted);
             return success();
         });
         if (outcome.Reason == MQRC_OBJECT_IN_USE && store.releaseDead()) continue;
@@ -59,23 +58,47 @@ Outcome countOpen(store::Attachment &store, store::QueueId queue, const store::O
     }
 }
 
+// The queue, for what the options want of it. Its messages, unless only its attributes are meant: these are there
+// whether or not the name leads to messages.
+objects::FoundQueue findQueue(Connection &connection, const ObjectName &name, MQLONG options)
+{
+    const bool forMessages = (options & (inputOptions | MQOO_BROWSE | MQOO_OUTPUT)) != 0;
+    if (!forMessages && isLocal(connection, name.queueManager)) return connection.catalog.definition(name.name);
+    objects::FoundQueue found = connection.catalog.queue(name.name, name.queueManager);
+    if (found.outcome.failed()) return found;
+    const objects::QueueDefinition &queue = *found.hold.queue;
+    // What is elsewhere takes messages, and only a name that it has here has attributes.
+    const bool wrong = (queue.remote && (options & (inputOptions | MQOO_BROWSE)) != 0) ||
+                       (!isLocal(connection, name.queueManager) &&
+                        (options & (inputOptions | MQOO_BROWSE | MQOO_INQUIRE | MQOO_SET)) != 0);
+    return wrong ? objects::FoundQueue{failure(MQRC_OPTION_NOT_VALID_FOR_TYPE), {}} : found;
+}
+
 Outcome openQueue(Connection &connection, const ObjectName &name, OpenObject &object)
 {
-    objects::FoundQueue found = resolveQueue(connection, name);
+    objects::FoundQueue found = findQueue(connection, name, object.options);
     if (found.outcome.failed()) return found.outcome;
-    if (found.hold.queue->type != MQQT_LOCAL && (object.options & ~attributeOptions) != 0)
-        return failure(MQRC_FUNCTION_NOT_SUPPORTED);
     object.options = grantedOptions(*found.hold.queue, object.options);
     object.opens = countsOf(object.options);
     object.hold = std::move(found.hold);
-    return countOpen(*connection.store, object.hold.queue->id, object.opens);
+    return countOpen(*connection.store, *object.hold.queue, object.opens);
 }
 
 Outcome openQueueManager(const Connection &connection, const ObjectName &name, const OpenObject &object)
 {
-    if ((object.options & ~queueManagerOptions) != 0) return failure(MQRC_OPTION_NOT_VALID_FOR_TYPE);
+    if ((object.options & ~attributeOptions) != 0) return failure(MQRC_OPTION_NOT_VALID_FOR_TYPE);
     if (!name.name.empty()) return failure(MQRC_UNKNOWN_OBJECT_NAME);
     return isLocal(connection, name.queueManager) ? success() : failure(MQRC_UNKNOWN_REMOTE_Q_MGR);
+}
+
+// A process or namelist: only its attributes could be meant.
+Outcome openDefinition(Connection &connection, const ObjectName &name, OpenObject &object)
+{
+    if ((object.options & ~attributeOptions) != 0) return failure(MQRC_OPTION_NOT_VALID_FOR_TYPE);
+    if (!isLocal(connection, name.queueManager)) return failure(MQRC_OPTION_NOT_VALID_FOR_TYPE);
+    const objects::FoundObject found = connection.catalog.object(name.type, name.name);
+    object.name = name.name;
+    return found.outcome;
 }
 
 Outcome openByType(Connection &connection, const ObjectName &name, OpenObject &object)
@@ -85,12 +108,9 @@ Outcome openByType(Connection &connection, const ObjectName &name, OpenObject &o
         return openQueue(connection, name, object);
     case MQOT_Q_MGR:
         return openQueueManager(connection, name, object);
-    // Types of which there are no objects: only inquiry could be meant.
     case MQOT_PROCESS:
     case MQOT_NAMELIST:
-        if ((object.options & (inputOptions | MQOO_BROWSE | MQOO_OUTPUT | MQOO_SET)) != 0)
-            return failure(MQRC_OPTION_NOT_VALID_FOR_TYPE);
-        return failure(MQRC_UNKNOWN_OBJECT_NAME);
+        return openDefinition(connection, name, object);
     case MQOT_TOPIC:
         return failure(MQRC_FUNCTION_NOT_SUPPORTED);
     default:
@@ -100,20 +120,9 @@ Outcome openByType(Connection &connection, const ObjectName &name, OpenObject &o
 
 } // namespace
 
-objects::FoundQueue resolveQueue(Connection &connection, const ObjectName &name)
-{
-    if (!isLocal(connection, name.queueManager)) return {failure(MQRC_UNKNOWN_REMOTE_Q_MGR), {}};
-    return connection.catalog.queue(name.name);
-}
-
 objects::FoundQueue resolveForPut(Connection &connection, const ObjectName &name)
 {
-    if (name.type == MQOT_Q) {
-        objects::FoundQueue found = resolveQueue(connection, name);
-        if (!found.outcome.failed() && found.hold.queue->type != MQQT_LOCAL)
-            found = {failure(MQRC_FUNCTION_NOT_SUPPORTED), {}};
-        return found;
-    }
+    if (name.type == MQOT_Q) return connection.catalog.queue(name.name, name.queueManager);
     return {failure(name.type == MQOT_TOPIC ? MQRC_FUNCTION_NOT_SUPPORTED : MQRC_OBJECT_TYPE_ERROR), {}};
 }
 

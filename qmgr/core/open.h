@@ -17,12 +17,11 @@ struct ObjectName {
     std::string_view queueManager;
 };
 
-// Finds the local queue. MQRC_UNKNOWN_OBJECT_NAME, MQRC_UNKNOWN_REMOTE_Q_MGR.
-objects::FoundQueue resolveQueue(Connection &connection, const ObjectName &name);
-// The same for MQPUT1. MQRC_OBJECT_TYPE_ERROR where messages cannot be put.
+// The queue that messages for this name are put on. Beside the reasons of name resolution: MQRC_OBJECT_TYPE_ERROR where
+// messages cannot be put.
 objects::FoundQueue resolveForPut(Connection &connection, const ObjectName &name);
 
-// Opens the object with options (MQOO_, checked) and leaves its handle in `hobj`. Beside the reasons of resolveQueue:
+// Opens the object with options (MQOO_, checked) and leaves its handle in `hobj`. Beside the reasons of name resolution:
 // MQRC_OBJECT_TYPE_ERROR, MQRC_OPTION_NOT_VALID_FOR_TYPE, MQRC_OBJECT_IN_USE, MQRC_HANDLE_NOT_AVAILABLE,
 // MQRC_Q_MGR_QUIESCING.
 Outcome openObject(Connection &connection, const ObjectName &name, MQLONG options, MQHOBJ &hobj);

@@ -4,6 +4,7 @@
 #include "qmgr/core/private_unit.h"
 #include "qmgr/core/put_steps.h"
 #include "qmgr/core/reports.h"
+#include "qmgr/core/transmission.h"
 #include "qmgr/store/seams.h"
 
 namespace mqrig::qmgr::core {
@@ -56,6 +57,30 @@ Outcome putInUnitOfWork(Connection &connection, const objects::QueueDefinition &
     return putInUnit(connection, unit, queue, message);
 }
 
+// A message with its descriptor complete.
+Outcome place(Connection &connection, const objects::QueueDefinition &queue, const PutRequest &request,
+              store::NewMessage &message)
+{
+    if (const Outcome fits = checkLength(connection, queue, message.body.size()); fits.failed()) return fits;
+    const MQMD &md = message.header.md;
+    message.header.expiryDeadline = expiryDeadline(md, message.header.putTime);
+    message.key = connection.store->newKey(queue.id, rankOf(queue, md.Priority));
+    if (request.unit != nullptr) return putInUnit(connection, *request.unit, queue, message);
+    return request.has(MQPMO_SYNCPOINT) ? putInUnitOfWork(connection, queue, message)
+                                        : putOutsideUnitOfWork(connection, queue, message);
+}
+
+Outcome placeOnTransmissionQueue(Connection &connection, const objects::QueueDefinition &queue,
+                                 const PutRequest &request, store::NewMessage &message)
+{
+    if (queue.remote) {
+        TransmissionMessage onItsWay(connection, queue, message);
+        return place(connection, queue, request, onItsWay.message());
+    }
+    const Outcome whole = checkOwnHeader(message);
+    return whole.failed() ? whole : place(connection, queue, request, message);
+}
+
 } // namespace
 
 Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue, const PutRequest &request,
@@ -79,15 +104,11 @@ Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue
         if (placed.failed()) return placed;
         if (completed.ok()) completed = placed;
     }
-    if (const Outcome fits = checkLength(connection, queue, message.body.size()); fits.failed()) return fits;
     message.header.putTime = store::currentTime();
     if (const Outcome context = completeContext(connection, request, message.header.putTime, md); context.failed())
         return context;
-
-    message.header.expiryDeadline = expiryDeadline(md, message.header.putTime);
-    message.key = store.newKey(queue.id, rankOf(queue, md.Priority));
-    const Outcome put = request.has(MQPMO_SYNCPOINT) ? putInUnitOfWork(connection, queue, message)
-                                                     : putOutsideUnitOfWork(connection, queue, message);
+    const Outcome put = queue.usage == MQUS_TRANSMISSION ? placeOnTransmissionQueue(connection, queue, request, message)
+                                                         : place(connection, queue, request, message);
     if (put.failed()) return put;
     if (!alone && request.logicalOrder != nullptr) (*request.logicalOrder)->put = behind;
     return completed;

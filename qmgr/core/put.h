@@ -1,4 +1,4 @@
-// MQPUT and MQPUT1 on a local queue.
+// MQPUT and MQPUT1.
 #pragma once
 
 #include <cstddef>
@@ -19,15 +19,17 @@ struct PutRequest {
     MQLONG openOptions = MQOO_OUTPUT; // MQOO_ bits of the handle; MQPUT1: those that its options ask for
     MQHOBJ contextHandle = MQHO_NONE; // MQPMO.Context
     std::unique_ptr<LogicalOrder> *logicalOrder = nullptr; // of the handle; MQPUT1 has none
+    UnitOfWork *unit = nullptr;       // that the message joins; none: as MQPMO_SYNCPOINT says
 
     bool has(MQLONG anyOf) const { return (options & anyOf) != 0; }
 };
 
 // Puts the message: `message.header.md` is the program's descriptor in version 2 and becomes that of the message,
-// `message.body` is the program's buffer. Warnings: MQRC_PRIORITY_EXCEEDS_MAXIMUM, and those of placeInGroup
-// (groups.h), whose failures come too. Failures: MQRC_PUT_INHIBITED, MQRC_Q_DELETED, MQRC_Q_FULL,
-// MQRC_MSG_TOO_BIG_FOR_Q, MQRC_MSG_TOO_BIG_FOR_Q_MGR, MQRC_SYNCPOINT_LIMIT_REACHED, MQRC_Q_MGR_QUIESCING, those of
-// descriptor and context, and those of the store.
+// `message.body` is the program's buffer. For a queue elsewhere, a message made of it (transmission.h) goes on the
+// transmission queue. Warnings: MQRC_PRIORITY_EXCEEDS_MAXIMUM, and those of placeInGroup (groups.h), whose failures come
+// too. Failures: MQRC_PUT_INHIBITED, MQRC_Q_DELETED, MQRC_Q_FULL, MQRC_MSG_TOO_BIG_FOR_Q, MQRC_MSG_TOO_BIG_FOR_Q_MGR,
+// MQRC_PERSISTENT_NOT_ALLOWED, MQRC_SYNCPOINT_LIMIT_REACHED, MQRC_Q_MGR_QUIESCING, MQRC_XQH_ERROR, those of descriptor
+// and context, and those of the store.
 Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue, const PutRequest &request,
                    store::NewMessage &message);
 

@@ -3,7 +3,10 @@
 #include <cstring>
 
 #include "qmgr/core/put.h"
+#include "qmgr/core/put_steps.h"
 #include "qmgr/core/reports.h"
+#include "qmgr/core/transmission.h"
+#include "qmgr/objects/object_name.h"
 
 namespace mqrig::qmgr::core {
 namespace {
@@ -55,6 +58,39 @@ Outcome checkDescriptor(const MQMD &md)
     return success();
 }
 
+// The MQI keeps some bits for later and wants them refused unless the message goes elsewhere.
+Outcome checkReservedBits(const objects::QueueDefinition &queue, const MQMD &md)
+{
+    if (queue.remote) return success();
+    if ((md.Report & reportsOnlyElsewhere) != 0) return failure(MQRC_REPORT_OPTIONS_ERROR);
+    if ((md.MsgFlags & flagsOnlyElsewhere) != 0) return failure(MQRC_MSG_FLAGS_ERROR);
+    return success();
+}
+
+template <std::size_t N>
+void setName(MQCHAR (&field)[N], std::string_view name)
+{
+    objects::fillField(field, N, name);
+}
+
+// Where answers go when the program names a queue only: a remote queue of that name here says where, as a reply-to
+// queue alias; else the queue is one of this queue manager.
+void completeReplyTo(Connection &connection, MQMD &md)
+{
+    const objects::FoundQueue found = connection.catalog.definition(objects::fieldText(md.ReplyToQ));
+    if (!found.outcome.failed() && found.hold.queue->type == MQQT_REMOTE) {
+        const objects::ObjectDefinition &alias = found.hold.queue->object;
+        const std::string_view queueManager = alias.text(MQCA_REMOTE_Q_MGR_NAME);
+        const std::string_view queue = alias.text(MQCA_REMOTE_Q_NAME);
+        if (!queue.empty()) setName(md.ReplyToQ, queue);
+        if (!queueManager.empty()) {
+            setName(md.ReplyToQMgr, queueManager);
+            return;
+        }
+    }
+    std::copy(connection.queueManagerName.begin(), connection.queueManagerName.end(), md.ReplyToQMgr);
+}
+
 bool isNone(const MQBYTE24 &id)
 {
     return std::all_of(std::begin(id), std::end(id), [](MQBYTE byte) { return byte == 0; });
@@ -94,6 +130,7 @@ Outcome completeDescriptor(Connection &connection, const objects::QueueDefinitio
                            MQMD &md)
 {
     if (const Outcome checked = checkDescriptor(md); checked.failed()) return checked;
+    if (const Outcome bits = checkReservedBits(queue, md); bits.failed()) return bits;
 
     Outcome outcome;
     const objects::QueueManagerDefinition &queueManager = connection.queueManager();
@@ -101,14 +138,14 @@ Outcome completeDescriptor(Connection &connection, const objects::QueueDefinitio
     // The message keeps the number; it stands among those of the highest priority.
     if (md.Priority > queueManager.maxPriority) outcome = warning(MQRC_PRIORITY_EXCEEDS_MAXIMUM);
     if (md.Persistence == MQPER_PERSISTENCE_AS_Q_DEF) md.Persistence = queue.defPersistence;
+    if (const Outcome may = checkPersistence(queue, md); may.failed()) return may;
     if (md.CodedCharSetId == MQCCSI_Q_MGR || md.CodedCharSetId == MQCCSI_INHERIT || md.CodedCharSetId == MQCCSI_APPL)
         md.CodedCharSetId = queueManager.codedCharSetId;
 
     padField(md.Format);
     padField(md.ReplyToQ);
     padField(md.ReplyToQMgr);
-    if (!isBlank(md.ReplyToQ) && isBlank(md.ReplyToQMgr))
-        std::copy(connection.queueManagerName.begin(), connection.queueManagerName.end(), md.ReplyToQMgr);
+    if (!isBlank(md.ReplyToQ) && isBlank(md.ReplyToQMgr)) completeReplyTo(connection, md);
 
     md.BackoutCount = 0;
     if (request.has(MQPMO_NEW_MSG_ID) || isNone(md.MsgId)) connection.newIdentifier(md.MsgId);

@@ -19,6 +19,14 @@ std::uint8_t rankOf(const objects::QueueDefinition &queue, MQLONG priority);
 // MQRC_MSG_TOO_BIG_FOR_Q, MQRC_MSG_TOO_BIG_FOR_Q_MGR.
 Outcome checkLength(Connection &connection, const objects::QueueDefinition &queue, std::size_t length);
 
+// MQRC_PERSISTENT_NOT_ALLOWED: a temporary queue does not outlive its creator, so nothing on it can be promised to.
+inline Outcome checkPersistence(const objects::QueueDefinition &queue, const MQMD &md)
+{
+    const bool refused =
+        md.Persistence == MQPER_PERSISTENT && queue.definitionType == MQQDT_TEMPORARY_DYNAMIC;
+    return refused ? failure(MQRC_PERSISTENT_NOT_ALLOWED) : success();
+}
+
 // Microseconds since 1970; 0 for a message that never expires.
 std::int64_t expiryDeadline(const MQMD &md, std::int64_t putTime);
 

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "qmgr/core/put_steps.h"
+#include "qmgr/core/transmission.h"
 #include "qmgr/objects/object_name.h"
 #include "qmgr/store/seams.h"
 
@@ -16,6 +17,20 @@ constexpr MQMD defaultDescriptor = {MQMD_DEFAULT};
 bool isNone(const MQBYTE24 &id)
 {
     return std::all_of(std::begin(id), std::end(id), [](MQBYTE byte) { return byte == 0; });
+}
+
+// A message with its descriptor complete.
+Outcome book(Connection &connection, UnitOfWork &unit, const objects::QueueDefinition &queue,
+             store::NewMessage &message)
+{
+    const MQMD &md = message.header.md;
+    if (const Outcome may = checkPersistence(queue, md); may.failed()) return may;
+    if (const Outcome fits = checkLength(connection, queue, message.body.size() - message.header.coreLength);
+        fits.failed())
+        return fits;
+    message.header.expiryDeadline = expiryDeadline(md, message.header.putTime);
+    message.key = connection.store->newKey(queue.id, rankOf(queue, md.Priority));
+    return bookPut(connection, unit, queue, message);
 }
 
 } // namespace
@@ -47,19 +62,14 @@ Outcome putByQueueManager(Connection &connection, UnitOfWork &unit, const object
 {
     const objects::QueueDefinition &queue = *hold.queue;
     if (queue.inhibitPut == MQQA_PUT_INHIBITED) return failure(MQRC_PUT_INHIBITED);
-    if (const Outcome fits = checkLength(connection, queue, message.body.size() - message.header.coreLength);
-        fits.failed())
-        return fits;
     MQMD &md = message.header.md;
     if (md.Priority == MQPRI_PRIORITY_AS_Q_DEF) md.Priority = queue.defPriority;
     if (md.Persistence == MQPER_PERSISTENCE_AS_Q_DEF) md.Persistence = queue.defPersistence;
-    if (md.Persistence == MQPER_PERSISTENT && queue.definitionType == MQQDT_TEMPORARY_DYNAMIC)
-        return failure(MQRC_PERSISTENT_NOT_ALLOWED);
     if (isNone(md.MsgId)) connection.newIdentifier(md.MsgId);
     message.header.putTime = store::currentTime();
-    message.header.expiryDeadline = expiryDeadline(md, message.header.putTime);
-    message.key = connection.store->newKey(queue.id, rankOf(queue, md.Priority));
-    return bookPut(connection, unit, queue, message);
+    if (!queue.remote) return book(connection, unit, queue, message);
+    TransmissionMessage onItsWay(connection, queue, message);
+    return book(connection, unit, queue, onItsWay.message());
 }
 
 } // namespace mqrig::qmgr::core

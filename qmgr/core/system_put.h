@@ -28,7 +28,7 @@ MQMD queueManagerDescriptor(Connection &connection, const char *format);
 // Origin of a message that the queue manager puts: MQAT_QMGR, its name, now.
 void setQueueManagerOrigin(Connection &connection, MQMD &md);
 
-// Puts on a local queue. Completes `message`: key, put time, deadline, MsgId where there is none, priority and
+// Puts on a queue. Completes `message`: key, put time, deadline, MsgId where there is none, priority and
 // persistence. Failures, which leave the unit as it was: MQRC_PUT_INHIBITED, MQRC_PERSISTENT_NOT_ALLOWED, MQRC_Q_FULL,
 // MQRC_MSG_TOO_BIG_FOR_Q, MQRC_MSG_TOO_BIG_FOR_Q_MGR, MQRC_Q_DELETED, and those of the store.
 Outcome putByQueueManager(Connection &connection, UnitOfWork &unit, const objects::QueueHold &hold,

@@ -6,6 +6,36 @@
 #include "qmgr/objects/object_name.h"
 
 namespace mqrig::qmgr::objects {
+namespace {
+
+// From this many on, what is out of date is dropped before more is kept: a program that answers on ever new dynamic
+// queues must not remember them all.
+constexpr std::size_t manyQueues = 256;
+
+// What a handle's user is told when the names that led to its queue do not lead to one any more.
+Outcome lost(MQLONG reason)
+{
+    switch (reason) {
+    case MQRC_UNKNOWN_OBJECT_NAME:
+    case MQRC_UNKNOWN_ALIAS_BASE_Q:
+    case MQRC_UNKNOWN_XMIT_Q:
+    case MQRC_UNKNOWN_DEF_XMIT_Q:
+    case MQRC_UNKNOWN_REMOTE_Q_MGR:
+        return failure(MQRC_Q_DELETED);
+    case MQRC_OBJECT_DAMAGED:
+        return failure(MQRC_OBJECT_DAMAGED);
+    default:
+        return failure(MQRC_OBJECT_CHANGED);
+    }
+}
+
+bool leadsToTheSame(const QueueDefinition &before, const QueueDefinition &now)
+{
+    return before.id == now.id && before.remote == now.remote && before.remoteQueue == now.remoteQueue &&
+           before.remoteQueueManager == now.remoteQueueManager;
+}
+
+} // namespace
 
 const std::shared_ptr<const QueueManagerDefinition> &Catalog::queueManager()
 {
@@ -24,7 +54,22 @@ const std::shared_ptr<const QueueManagerDefinition> &Catalog::queueManager()
     return queueManager_;
 }
 
-FoundQueue Catalog::queue(std::string_view name)
+FoundQueue Catalog::queue(std::string_view name, std::string_view queueManager)
+{
+    if (!isHere(queueManager)) return resolve(name, queueManager);
+    FoundQueue found = definition(name);
+    if (found.outcome.failed() || found.hold.queue->type == MQQT_LOCAL) return found;
+
+    const std::uint64_t version = found.hold.version;
+    const auto known = reached_.find(name);
+    if (known != reached_.end() && known->second.version == version) return {success(), known->second};
+    found = resolve(name, {});
+    if (found.outcome.failed()) return found;
+    // The way was looked at after this version was read: a change made meanwhile is seen at the next call.
+    return keep(reached_, name, {found.hold.queue, version});
+}
+
+FoundQueue Catalog::definition(std::string_view name)
 {
     const std::uint64_t version = attachment_.definitionVersion();
     const auto known = queues_.find(name);
@@ -38,25 +83,48 @@ FoundQueue Catalog::queue(std::string_view name)
     const auto stored = attachment_.findDefinition(MQOT_Q, name);
     if (!stored) return forget(MQRC_UNKNOWN_OBJECT_NAME);
 
-    // What has not changed keeps its place in memory: holders of the old version go on sharing it.
     auto object = ObjectDefinition::decode(stored->bytes);
     if (!object) return forget(MQRC_OBJECT_DAMAGED);
-    QueueHold hold;
-    if (known != queues_.end() && known->second.queue->id == stored->queue && known->second.queue->object == *object)
-        hold.queue = known->second.queue;
-    else
-        hold.queue = std::make_shared<const QueueDefinition>(QueueDefinition::from(std::move(*object), stored->queue));
-    hold.version = version;
-    queues_.insert_or_assign(std::string(name), hold);
+    // What has not changed keeps its place in memory: holders of the old version go on sharing it.
+    if (known != queues_.end() && known->second.queue->id == stored->queue && known->second.queue->object == *object) {
+        known->second.version = version;
+        return {success(), known->second};
+    }
+    auto queue = std::make_shared<const QueueDefinition>(QueueDefinition::from(std::move(*object), stored->queue));
+    return keep(queues_, name, {std::move(queue), version});
+}
+
+FoundObject Catalog::object(MQLONG type, std::string_view name)
+{
+    if (!checkObjectName(name)) return {failure(MQRC_UNKNOWN_OBJECT_NAME), {}};
+    const auto stored = attachment_.findDefinition(type, name);
+    if (!stored) return {failure(MQRC_UNKNOWN_OBJECT_NAME), {}};
+    auto object = ObjectDefinition::decode(stored->bytes);
+    return {object ? success() : failure(MQRC_OBJECT_DAMAGED), std::move(object)};
+}
+
+FoundQueue Catalog::keep(Known &known, std::string_view name, QueueHold hold)
+{
+    if (known.size() >= manyQueues)
+        std::erase_if(known, [&](const auto &entry) { return entry.second.version != hold.version; });
+    known.insert_or_assign(std::string(name), hold);
     return {success(), std::move(hold)};
 }
 
 Outcome Catalog::reload(QueueHold &hold)
 {
-    FoundQueue now = queue(hold.queue->object.name());
-    if (now.outcome.failed())
-        return now.outcome.Reason == MQRC_UNKNOWN_OBJECT_NAME ? failure(MQRC_Q_DELETED) : now.outcome;
-    if (now.hold.queue->id != hold.queue->id) return failure(MQRC_Q_DELETED);
+    const QueueDefinition &before = *hold.queue;
+    const bool reached = before.id != before.objectId || before.remote;
+    FoundQueue now;
+    if (!reached)
+        now = definition(before.object.name());
+    else if (before.askedQueueManager.empty())
+        now = queue(before.object.name());
+    else
+        now = queue(fieldText(before.remoteQueue), before.askedQueueManager);
+    if (now.outcome.failed()) return lost(now.outcome.Reason);
+    if (now.hold.queue->objectId != before.objectId) return failure(MQRC_Q_DELETED);
+    if (!leadsToTheSame(before, *now.hold.queue)) return failure(MQRC_OBJECT_CHANGED);
     hold = std::move(now.hold);
     return success();
 }

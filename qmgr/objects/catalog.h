@@ -2,7 +2,7 @@
 //
 // How calls use it
 //   MQCONN         catalog.queueManager()
-//   MQOPEN, MQPUT1 catalog.queue(name); the handle keeps the QueueHold
+//   MQOPEN, MQPUT1 catalog.queue(name, queue manager); the handle keeps the QueueHold
 //   every call on a handle
 //                  catalog.refresh(hold): one load while nothing has changed, so that ALTER and MQSET of other
 //                  processes hold from the next call on
@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -36,6 +37,11 @@ struct FoundQueue {
     QueueHold hold;
 };
 
+struct FoundObject {
+    Outcome outcome;
+    std::optional<ObjectDefinition> object;
+};
+
 class Catalog {
 public:
     // The attachment outlives the catalog.
@@ -44,11 +50,20 @@ public:
     // The queue manager's attributes as they are now. Null only where its own definition is damaged.
     const std::shared_ptr<const QueueManagerDefinition> &queueManager();
 
-    // The queue of that name (without padding; an impossible name is an unknown one).
-    FoundQueue queue(std::string_view name);
+    // The queue whose messages are meant by the names (without padding; an impossible name is an unknown one): a local
+    // queue, seen under the name. An empty queue manager is this one. The reasons are those of name resolution
+    // (name_resolution.cpp); MQRC_Q_TYPE_ERROR: a model queue.
+    FoundQueue queue(std::string_view name, std::string_view queueManager = {});
 
-    // Brings a handle's queue up to date. MQRC_Q_DELETED where it is gone or another queue has its name now: the
-    // hold then keeps what it had.
+    // The queue that has this name here, as it is defined: not for messages unless it is a local queue.
+    // MQRC_UNKNOWN_OBJECT_NAME, MQRC_OBJECT_DAMAGED.
+    FoundQueue definition(std::string_view name);
+
+    // An object that is no queue (MQOT_). MQRC_UNKNOWN_OBJECT_NAME, MQRC_OBJECT_DAMAGED.
+    FoundObject object(MQLONG type, std::string_view name);
+
+    // Brings a handle's queue up to date; where that fails the hold keeps what it had. MQRC_Q_DELETED: it is gone, or
+    // another queue has its name now. MQRC_OBJECT_CHANGED: the name by which it was reached leads elsewhere now.
     Outcome refresh(QueueHold &hold)
     {
         if (unchanged(hold)) [[likely]]
@@ -58,10 +73,22 @@ public:
     bool unchanged(const QueueHold &hold) const { return hold.version == attachment_.definitionVersion(); }
 
 private:
+    using Known = std::map<std::string, QueueHold, std::less<>>;
+
     Outcome reload(QueueHold &hold);
+    static FoundQueue keep(Known &known, std::string_view name, QueueHold hold);
+
+    // Name resolution (name_resolution.cpp).
+    FoundQueue resolve(std::string_view name, std::string_view queueManager);
+    FoundQueue resolveAlias(const QueueDefinition &alias);
+    FoundQueue resolveRemote(const QueueDefinition &remote);
+    FoundQueue resolveElsewhere(std::string_view name, std::string_view queueManager);
+    FoundQueue transmissionQueue(std::string_view name, std::string_view queueManager);
+    bool isHere(std::string_view queueManager) const;
 
     store::Attachment &attachment_;
-    std::map<std::string, QueueHold, std::less<>> queues_;
+    Known queues_;  // as defined
+    Known reached_; // under names of this queue manager that lead to another queue
     std::shared_ptr<const QueueManagerDefinition> queueManager_;
     std::uint64_t queueManagerVersion_ = 0;
 };

@@ -8,6 +8,7 @@ QueueDefinition QueueDefinition::from(ObjectDefinition object, store::QueueId id
 {
     QueueDefinition queue;
     queue.id = id;
+    queue.objectId = id;
     queue.type = object.number(MQIA_Q_TYPE);
     queue.inhibitPut = object.number(MQIA_INHIBIT_PUT);
     queue.inhibitGet = object.number(MQIA_INHIBIT_GET);
