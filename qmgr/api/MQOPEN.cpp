@@ -35,8 +35,7 @@ void tell(const core::Connection &connection, const core::OpenObject &object, MQ
         return;
     }
     const objects::QueueDefinition &queue = *object.hold.queue;
-    const api::Told told =
-        (options & MQOO_RESOLVE_LOCAL_Q) != 0 ? api::Told::LocalQueue : api::Told::Destination;
+    const api::Told told = (options & MQOO_RESOLVE_LOCAL_Q) != 0 ? api::Told::LocalQueue : api::Told::Destination;
     api::storeOd(api::resolvedNames(connection, queue, told), api::countsOf(queue), MQOT_Q, od);
 }
 

@@ -21,8 +21,8 @@ struct ObjectName {
 // messages cannot be put.
 objects::FoundQueue resolveForPut(Connection &connection, const ObjectName &name);
 
-// Opens the object with options (MQOO_, checked) and leaves its handle in `hobj`. Beside the reasons of name resolution:
-// MQRC_OBJECT_TYPE_ERROR, MQRC_OPTION_NOT_VALID_FOR_TYPE, MQRC_OBJECT_IN_USE, MQRC_HANDLE_NOT_AVAILABLE,
+// Opens the object with options (MQOO_, checked) and leaves its handle in `hobj`. Beside the reasons of name
+// resolution: MQRC_OBJECT_TYPE_ERROR, MQRC_OPTION_NOT_VALID_FOR_TYPE, MQRC_OBJECT_IN_USE, MQRC_HANDLE_NOT_AVAILABLE,
 // MQRC_Q_MGR_QUIESCING.
 Outcome openObject(Connection &connection, const ObjectName &name, MQLONG options, MQHOBJ &hobj);
 

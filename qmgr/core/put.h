@@ -26,10 +26,10 @@ struct PutRequest {
 
 // Puts the message: `message.header.md` is the program's descriptor in version 2 and becomes that of the message,
 // `message.body` is the program's buffer. For a queue elsewhere, a message made of it (transmission.h) goes on the
-// transmission queue. Warnings: MQRC_PRIORITY_EXCEEDS_MAXIMUM, and those of placeInGroup (groups.h), whose failures come
-// too. Failures: MQRC_PUT_INHIBITED, MQRC_Q_DELETED, MQRC_Q_FULL, MQRC_MSG_TOO_BIG_FOR_Q, MQRC_MSG_TOO_BIG_FOR_Q_MGR,
-// MQRC_PERSISTENT_NOT_ALLOWED, MQRC_SYNCPOINT_LIMIT_REACHED, MQRC_Q_MGR_QUIESCING, MQRC_XQH_ERROR, those of descriptor
-// and context, and those of the store.
+// transmission queue. Warnings: MQRC_PRIORITY_EXCEEDS_MAXIMUM, and those of placeInGroup (groups.h), whose failures
+// come too. Failures: MQRC_PUT_INHIBITED, MQRC_Q_DELETED, MQRC_Q_FULL, MQRC_MSG_TOO_BIG_FOR_Q,
+// MQRC_MSG_TOO_BIG_FOR_Q_MGR, MQRC_PERSISTENT_NOT_ALLOWED, MQRC_SYNCPOINT_LIMIT_REACHED, MQRC_Q_MGR_QUIESCING,
+// MQRC_XQH_ERROR, those of descriptor and context, and those of the store.
 Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue, const PutRequest &request,
                    store::NewMessage &message);
 

@@ -22,8 +22,7 @@ Outcome checkLength(Connection &connection, const objects::QueueDefinition &queu
 // MQRC_PERSISTENT_NOT_ALLOWED: a temporary queue does not outlive its creator, so nothing on it can be promised to.
 inline Outcome checkPersistence(const objects::QueueDefinition &queue, const MQMD &md)
 {
-    const bool refused =
-        md.Persistence == MQPER_PERSISTENT && queue.definitionType == MQQDT_TEMPORARY_DYNAMIC;
+    const bool refused = md.Persistence == MQPER_PERSISTENT && queue.definitionType == MQQDT_TEMPORARY_DYNAMIC;
     return refused ? failure(MQRC_PERSISTENT_NOT_ALLOWED) : success();
 }
 

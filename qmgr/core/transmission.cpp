@@ -110,8 +110,8 @@ Outcome checkOwnHeader(const store::NewMessage &message)
     const std::size_t properties = message.header.coreLength;
     if (message.body.size() - properties < sizeof header) return failure(MQRC_XQH_ERROR);
     std::memcpy(&header, message.body.data() + properties, sizeof header);
-    const bool whole = std::memcmp(header.StrucId, MQXQH_STRUC_ID, sizeof header.StrucId) == 0 &&
-                       header.Version == MQXQH_VERSION_1;
+    const bool whole =
+        std::memcmp(header.StrucId, MQXQH_STRUC_ID, sizeof header.StrucId) == 0 && header.Version == MQXQH_VERSION_1;
     return whole ? success() : failure(MQRC_XQH_ERROR);
 }
 

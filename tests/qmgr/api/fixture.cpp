@@ -20,12 +20,12 @@ store::Definition stored(const objects::ObjectDefinition &object)
     return definition;
 }
 
-objects::ObjectDefinition localQueue(const std::string &name, Attributes attributes)
+void assign(objects::ObjectDefinition &object, Attributes attributes, Texts texts)
 {
-    objects::ObjectDefinition queue(objects::ObjectKind::LocalQueue, name);
     for (const auto &[selector, value] : attributes)
-        queue.set(selector, value);
-    return queue;
+        object.set(selector, value);
+    for (const auto &[selector, value] : texts)
+        object.set(selector, value);
 }
 
 // A connection of its own for each command, as a command has.
@@ -36,25 +36,17 @@ std::unique_ptr<store::Attachment> attachment(const std::filesystem::path &folde
     return std::move(attached.attachment);
 }
 
-template <class Change>
-void alter(const std::filesystem::path &folder, MQLONG type, const std::string &name, Change &&change)
+void alter(const std::filesystem::path &folder, MQLONG type, const std::string &name, Attributes attributes,
+           Texts texts)
 {
     const auto store = attachment(folder);
     auto definition = store->findDefinition(type, name);
     ASSERT_TRUE(definition) << name;
     auto object = objects::ObjectDefinition::decode(definition->bytes);
     ASSERT_TRUE(object) << name;
-    change(*object);
+    assign(*object, attributes, texts);
     definition->bytes = object->encode();
     ASSERT_EQ(store->alter(*definition), success());
-}
-
-void alterNumbers(const std::filesystem::path &folder, MQLONG type, const std::string &name, Attributes attributes)
-{
-    alter(folder, type, name, [&](objects::ObjectDefinition &object) {
-        for (const auto &[selector, value] : attributes)
-            object.set(selector, value);
-    });
 }
 
 void nameField(std::string_view name, MQCHAR48 &field)
@@ -94,26 +86,53 @@ void QueueManagerTest::createQueueManager(const std::string &name)
     ASSERT_EQ(created, success()) << created.Reason;
 }
 
-void QueueManagerTest::defineQueue(const std::string &name, Attributes attributes)
+void QueueManagerTest::define(objects::ObjectKind kind, const std::string &name, Texts texts, Attributes attributes)
 {
-    store::Definition definition = stored(localQueue(name, attributes));
+    objects::ObjectDefinition object(kind, name);
+    assign(object, attributes, texts);
+    store::Definition definition = stored(object);
     const Outcome defined = attachment(storeFolder_)->define(definition);
     ASSERT_EQ(defined, success()) << defined.Reason;
 }
 
-void QueueManagerTest::alterQueue(const std::string &name, Attributes attributes)
+void QueueManagerTest::defineQueue(const std::string &name, Attributes attributes)
 {
-    alterNumbers(storeFolder_, MQOT_Q, name, attributes);
+    define(objects::ObjectKind::LocalQueue, name, {}, attributes);
 }
 
-void QueueManagerTest::alterQueueManager(Attributes attributes)
+void QueueManagerTest::defineAlias(const std::string &name, std::string_view base, Attributes attributes)
 {
-    alterNumbers(storeFolder_, MQOT_Q_MGR, "QM1", attributes);
+    define(objects::ObjectKind::AliasQueue, name, {{MQCA_BASE_Q_NAME, base}}, attributes);
+}
+
+void QueueManagerTest::defineRemote(const std::string &name, std::string_view remoteName, std::string_view queueManager,
+                                    std::string_view transmissionQueue, Attributes attributes)
+{
+    define(objects::ObjectKind::RemoteQueue, name,
+           {{MQCA_REMOTE_Q_NAME, remoteName},
+            {MQCA_REMOTE_Q_MGR_NAME, queueManager},
+            {MQCA_XMIT_Q_NAME, transmissionQueue}},
+           attributes);
+}
+
+void QueueManagerTest::defineTransmissionQueue(const std::string &name, MQLONG distributionLists)
+{
+    defineQueue(name, {{MQIA_USAGE, MQUS_TRANSMISSION}, {MQIA_DIST_LISTS, distributionLists}});
+}
+
+void QueueManagerTest::alterQueue(const std::string &name, Attributes attributes, Texts texts)
+{
+    alter(storeFolder_, MQOT_Q, name, attributes, texts);
+}
+
+void QueueManagerTest::alterQueueManager(Attributes attributes, Texts texts)
+{
+    alter(storeFolder_, MQOT_Q_MGR, "QM1", attributes, texts);
 }
 
 void QueueManagerTest::alterText(MQLONG type, const std::string &name, MQLONG selector, std::string_view value)
 {
-    alter(storeFolder_, type, name, [&](objects::ObjectDefinition &object) { object.set(selector, value); });
+    alter(storeFolder_, type, name, {}, {{selector, value}});
 }
 
 void QueueManagerTest::deleteQueue(const std::string &name)

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "cmqc.h"
+#include "qmgr/objects/object_kind.h"
 
 namespace mqrig::qmgr::testing {
 
@@ -111,6 +112,7 @@ void setBytes(MQBYTE (&field)[N], std::string_view value)
 }
 
 using Attributes = std::initializer_list<std::pair<MQLONG, MQLONG>>;
+using Texts = std::initializer_list<std::pair<MQLONG, std::string_view>>;
 
 // QM1 is the default queue manager and has the queue Q1.
 class QueueManagerTest : public ::testing::Test {
@@ -123,8 +125,14 @@ public:
     // ---- Administration, as another program does it ----
     void createQueueManager(const std::string &name);
     void defineQueue(const std::string &name, Attributes attributes = {});
-    void alterQueue(const std::string &name, Attributes attributes);
-    void alterQueueManager(Attributes attributes);
+    void define(objects::ObjectKind kind, const std::string &name, Texts texts, Attributes attributes = {});
+    void defineAlias(const std::string &name, std::string_view base, Attributes attributes = {});
+    // XMITQ may be blank.
+    void defineRemote(const std::string &name, std::string_view remoteName, std::string_view queueManager,
+                      std::string_view transmissionQueue, Attributes attributes = {});
+    void defineTransmissionQueue(const std::string &name, MQLONG distributionLists = MQDL_NOT_SUPPORTED);
+    void alterQueue(const std::string &name, Attributes attributes, Texts texts = {});
+    void alterQueueManager(Attributes attributes, Texts texts = {});
     void alterText(MQLONG type, const std::string &name, MQLONG selector, std::string_view value);
     void setDeadLetterQueue(std::string_view name) { alterText(MQOT_Q_MGR, "QM1", MQCA_DEAD_LETTER_Q_NAME, name); }
     void deleteQueue(const std::string &name);
