@@ -25,10 +25,29 @@ MQLONG checkGetOptions(const MQGMO &gmo)
     const bool browses = (options & core::browseOptions) != 0;
     const bool wrong = api::severalOf(options, cursorOptions) || api::severalOf(options, syncpointOptions) ||
                        api::severalOf(options, propertyOptions) ||
-                       (browses && (options & (MQGMO_SYNCPOINT | MQGMO_SYNCPOINT_IF_PERSISTENT)) != 0);
+                       (browses && (options & (MQGMO_SYNCPOINT | MQGMO_SYNCPOINT_IF_PERSISTENT)) != 0) ||
+                       // The segments of a message would have to agree before they are looked at.
+                       ((options & MQGMO_COMPLETE_MSG) != 0 && (options & MQGMO_SYNCPOINT_IF_PERSISTENT) != 0);
     if (wrong) return MQRC_OPTIONS_ERROR;
     if ((options & MQGMO_WAIT) != 0 && gmo.WaitInterval < MQWI_UNLIMITED) return MQRC_WAIT_INTERVAL_ERROR;
     return gmo.MsgHandle == MQHM_NONE ? MQRC_NONE : MQRC_HMSG_ERROR;
+}
+
+// What logical order needs of the structures, and the fields that match options name.
+MQLONG checkOrder(const MQGMO &gmo, const MQMD &md, MQLONG mdVersion)
+{
+    if ((gmo.Options & MQGMO_LOGICAL_ORDER) != 0) {
+        if (gmo.Version < MQGMO_VERSION_2) return MQRC_WRONG_GMO_VERSION;
+        if (mdVersion < MQMD_VERSION_2) return MQRC_WRONG_MD_VERSION;
+    }
+    if ((gmo.MatchOptions & MQMO_MATCH_OFFSET) != 0) {
+        if ((gmo.Options & MQGMO_COMPLETE_MSG) != 0) return MQRC_MATCH_OPTIONS_ERROR;
+        if (md.Offset < 0 || md.Offset > core::highestOffset) return MQRC_OFFSET_ERROR;
+    }
+    if ((gmo.MatchOptions & MQMO_MATCH_MSG_SEQ_NUMBER) != 0 &&
+        (md.MsgSeqNumber < 1 || md.MsgSeqNumber > core::highestSequenceNumber))
+        return MQRC_MSG_SEQ_NUMBER_ERROR;
+    return MQRC_NONE;
 }
 
 MQLONG checkMatchOptions(const MQGMO &gmo, MQLONG mdVersion)
@@ -80,6 +99,7 @@ Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, M
         return failure(reason);
     MQMD md;
     api::loadMd(pMsgDesc, md);
+    if (const MQLONG reason = checkOrder(gmo, md, static_cast<const MQMD *>(pMsgDesc)->Version)) return failure(reason);
 
     const core::GetRequest request{gmo.Options,
                                    gmo.WaitInterval,

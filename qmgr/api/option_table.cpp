@@ -24,7 +24,7 @@ constexpr std::string_view oneBinding = "the queue manager runs inside the progr
 constexpr std::string_view noAccounting = "no accounting or activity records are written";
 constexpr std::string_view noAuthority = "the store belongs to one user: there is no other user to check";
 constexpr std::string_view zosOnly = "the MQI has it on z/OS only";
-constexpr std::string_view groupsLater = "groups and segments are not built yet";
+constexpr std::string_view segmentationLater = "segmentation by the queue manager is not built yet";
 constexpr std::string_view propertiesLater = "message properties are not built yet";
 constexpr std::string_view marksLater = "browse marks are not built yet";
 constexpr std::string_view locksLater = "browse locks are not built yet";
@@ -138,10 +138,10 @@ constexpr OptionRow getRows[] = {
     done("MQGMO_SYNCPOINT_IF_PERSISTENT", MQGMO_SYNCPOINT_IF_PERSISTENT),
     done("MQGMO_FAIL_IF_QUIESCING", MQGMO_FAIL_IF_QUIESCING),
     done("MQGMO_CONVERT", MQGMO_CONVERT),
-    refused("MQGMO_LOGICAL_ORDER", MQGMO_LOGICAL_ORDER, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
-    refused("MQGMO_COMPLETE_MSG", MQGMO_COMPLETE_MSG, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
-    refused("MQGMO_ALL_MSGS_AVAILABLE", MQGMO_ALL_MSGS_AVAILABLE, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
-    refused("MQGMO_ALL_SEGMENTS_AVAILABLE", MQGMO_ALL_SEGMENTS_AVAILABLE, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
+    done("MQGMO_LOGICAL_ORDER", MQGMO_LOGICAL_ORDER),
+    done("MQGMO_COMPLETE_MSG", MQGMO_COMPLETE_MSG),
+    done("MQGMO_ALL_MSGS_AVAILABLE", MQGMO_ALL_MSGS_AVAILABLE),
+    done("MQGMO_ALL_SEGMENTS_AVAILABLE", MQGMO_ALL_SEGMENTS_AVAILABLE),
     refused("MQGMO_MARK_BROWSE_HANDLE", MQGMO_MARK_BROWSE_HANDLE, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
     refused("MQGMO_MARK_BROWSE_CO_OP", MQGMO_MARK_BROWSE_CO_OP, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
     refused("MQGMO_UNMARK_BROWSE_CO_OP", MQGMO_UNMARK_BROWSE_CO_OP, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
@@ -189,7 +189,7 @@ constexpr OptionRow reportRows[] = {
 };
 
 constexpr OptionRow flagRows[] = {
-    refused("MQMF_SEGMENTATION_ALLOWED", MQMF_SEGMENTATION_ALLOWED, MQRC_FUNCTION_NOT_SUPPORTED, groupsLater),
+    refused("MQMF_SEGMENTATION_ALLOWED", MQMF_SEGMENTATION_ALLOWED, MQRC_FUNCTION_NOT_SUPPORTED, segmentationLater),
     done("MQMF_SEGMENT", MQMF_SEGMENT),
     done("MQMF_LAST_SEGMENT", MQMF_LAST_SEGMENT),
     done("MQMF_MSG_IN_GROUP", MQMF_MSG_IN_GROUP),

@@ -5,6 +5,7 @@
 
 #include "qmgr/core/command_server.h"
 #include "qmgr/core/expiry.h"
+#include "qmgr/core/ordered_get.h"
 
 namespace mqrig::qmgr::core {
 namespace {
@@ -81,8 +82,17 @@ void saveContext(OpenObject &object, const GetRequest &request, const Outcome &o
 Outcome getMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got)
 {
     if (const Outcome may = mayUseHandle(object, request); may.failed()) return may;
-    const Outcome outcome = lookUntilFound(connection, object, request, got);
+    if (const MQLONG reason = judgeBrowse(object, request)) return failure(reason);
+    Outcome outcome;
+    if (request.has(orderOptions)) {
+        GetRequest ordered = request;
+        outcome = prepareOrderedGet(connection, object, ordered);
+        if (!outcome.failed()) outcome = lookUntilFound(connection, object, ordered, got);
+    } else {
+        outcome = lookUntilFound(connection, object, request, got);
+    }
     if (outcome.failed()) return outcome;
+    outcome = notePosition(object, request, outcome, got);
     got.header.md.Expiry = remainingExpiry(got.header);
     if (object.allows(MQOO_SAVE_ALL_CONTEXT)) saveContext(object, request, outcome, got);
     return outcome;

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 #include "cmqc.h"
@@ -20,8 +21,15 @@ struct GetRequest {
     MQLONG waitInterval = 0;     // milliseconds or MQWI_UNLIMITED; with MQGMO_WAIT
     Selection selection;
     std::span<std::byte> buffer;
+    // Made of the options and the handle's position (ordered_get.h).
+    MQLONG needs = MQGMO_NONE;                 // MQGMO_ALL_MSGS_AVAILABLE or MQGMO_ALL_SEGMENTS_AVAILABLE for this look
+    std::optional<store::MessageKey> behind{}; // MQGMO_BROWSE_NEXT with logical order: where to go on
 
     bool has(MQLONG anyOf) const { return (options & anyOf) != 0; }
+    bool inUnitOfWork(bool persistent) const
+    {
+        return has(MQGMO_SYNCPOINT) || (has(MQGMO_SYNCPOINT_IF_PERSISTENT) && persistent);
+    }
 };
 
 inline constexpr MQLONG browseOptions = MQGMO_BROWSE_FIRST | MQGMO_BROWSE_NEXT | MQGMO_BROWSE_MSG_UNDER_CURSOR;
@@ -36,7 +44,7 @@ struct GotMessage {
 // Fills `got` and the buffer unless it fails. Warnings: MQRC_TRUNCATED_MSG_ACCEPTED and MQRC_TRUNCATED_MSG_FAILED (the
 // message stays where it is, the cursor too). Failures: MQRC_NOT_OPEN_FOR_*, MQRC_GET_INHIBITED, MQRC_Q_DELETED,
 // MQRC_NO_MSG_AVAILABLE, MQRC_NO_MSG_UNDER_CURSOR, MQRC_SYNCPOINT_LIMIT_REACHED, MQRC_Q_MGR_QUIESCING, and those of
-// the store.
+// the store. Of groups and segments: ordered_get.h.
 Outcome getMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got);
 
 // ---- The two ways of looking once, without waiting ----

@@ -1,5 +1,7 @@
 #include "qmgr/core/search.h"
 
+#include "qmgr/core/group_walk.h"
+
 namespace mqrig::qmgr::core {
 namespace {
 
@@ -10,6 +12,7 @@ void searchToken(store::Transaction &transaction, const Search &search, SearchRe
     if (!key || key->queue != search.queue || (search.behind && *key <= *search.behind)) return;
     const auto header = transaction.find(*key);
     if (!header || !search.selection->matches(*header)) return;
+    if (!Availability(transaction, search.needs, search.now).holds(*key, *header)) return;
     if (isExpired(*header, search.now)) {
         expired.add(*key, header->md);
         return;
@@ -19,15 +22,17 @@ void searchToken(store::Transaction &transaction, const Search &search, SearchRe
     result.header = *header;
 }
 
-void walk(store::MessageCursor &cursor, const Search &search, SearchResult &result, ExpiredMessages &expired)
+void walk(store::Transaction &transaction, store::MessageCursor &cursor, const Search &search, SearchResult &result,
+          ExpiredMessages &expired)
 {
+    Availability availability(transaction, search.needs, search.now);
     std::size_t looked = 0;
     std::optional<store::MessageKey> passed;
     for (bool there = search.behind ? cursor.seek(*search.behind) : cursor.first(); there; there = cursor.next()) {
         const store::MessageHeader &header = cursor.header();
         if (isExpired(header, search.now)) {
             expired.add(cursor.key(), header.md);
-        } else if (search.selection->matches(header)) {
+        } else if (search.selection->matches(header) && availability.holds(cursor.key(), header)) {
             result.end = SearchEnd::Found;
             result.key = cursor.key();
             result.header = header;
@@ -51,12 +56,16 @@ void search(store::Transaction &transaction, const Search &search, SearchResult 
     result.reached.reset();
     expired.clear();
     if (search.selection->byToken()) return searchToken(transaction, search, result, expired);
+    if (const auto place = search.selection->place()) {
+        store::MessageCursor cursor(transaction, search.queue, *place);
+        return walk(transaction, cursor, search, result, expired);
+    }
     if (const auto indexed = search.selection->indexed()) {
         store::MessageCursor cursor(transaction, search.queue, indexed->index, store::MessageId(*indexed->id));
-        return walk(cursor, search, result, expired);
+        return walk(transaction, cursor, search, result, expired);
     }
     store::MessageCursor cursor(transaction, search.queue);
-    walk(cursor, search, result, expired);
+    walk(transaction, cursor, search, result, expired);
 }
 
 } // namespace mqrig::qmgr::core

@@ -47,6 +47,7 @@ struct Search {
     std::optional<store::MessageKey> behind; // begin behind this place; empty: with the first message
     std::int64_t now = 0;                    // microseconds since 1970 UTC
     std::size_t most = 0;                    // messages to look at
+    MQLONG needs = MQGMO_NONE;               // MQGMO_ALL_MSGS_AVAILABLE or MQGMO_ALL_SEGMENTS_AVAILABLE
 };
 
 enum class SearchEnd {

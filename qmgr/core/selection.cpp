@@ -43,6 +43,34 @@ bool Selection::matches(const store::MessageHeader &header) const
     return (options_ & MQMO_MATCH_OFFSET) == 0 || md.Offset == offset_;
 }
 
+bool Selection::restrictToPlace(const MQMD &place, bool group)
+{
+    constexpr MQLONG ofPlace = MQMO_MATCH_MSG_SEQ_NUMBER | MQMO_MATCH_OFFSET;
+    if ((options_ & MQMO_MATCH_MSG_SEQ_NUMBER) != 0 && msgSeqNumber_ != place.MsgSeqNumber) return false;
+    if ((options_ & MQMO_MATCH_OFFSET) != 0 && offset_ != place.Offset) return false;
+    options_ |= ofPlace;
+    msgSeqNumber_ = place.MsgSeqNumber;
+    offset_ = place.Offset;
+    if (!group) return true;
+    if ((options_ & MQMO_MATCH_GROUP_ID) != 0 && !same(groupId_, place.GroupId)) return false;
+    options_ |= MQMO_MATCH_GROUP_ID;
+    std::copy_n(place.GroupId, sizeof groupId_, groupId_);
+    return true;
+}
+
+void Selection::restrictToBeginnings()
+{
+    options_ |= MQMO_MATCH_OFFSET;
+    offset_ = 0;
+}
+
+std::optional<store::GroupPlace> Selection::place() const
+{
+    constexpr MQLONG all = MQMO_MATCH_GROUP_ID | MQMO_MATCH_MSG_SEQ_NUMBER | MQMO_MATCH_OFFSET;
+    if ((options_ & all) != all) return std::nullopt;
+    return store::GroupPlace{store::MessageId(groupId_), msgSeqNumber_, offset_};
+}
+
 std::optional<Selection::Indexed> Selection::indexed() const
 {
     if ((options_ & MQMO_MATCH_MSG_ID) != 0) return Indexed{store::Index::MsgId, &msgId_};

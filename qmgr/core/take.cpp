@@ -10,8 +10,10 @@
 #include "qmgr/core/delivery.h"
 #include "qmgr/core/expiry.h"
 #include "qmgr/core/get.h"
+#include "qmgr/core/locked_gets.h"
 #include "qmgr/core/private_unit.h"
 #include "qmgr/core/reports.h"
+#include "qmgr/core/segments.h"
 #include "qmgr/store/seams.h"
 
 namespace mqrig::qmgr::core {
@@ -43,6 +45,8 @@ public:
     Look underCursor()
     {
         if (!object_.cursor) return {failure(MQRC_NO_MSG_UNDER_CURSOR)};
+        if (request_.has(MQGMO_COMPLETE_MSG))
+            if (const std::optional<Outcome> whole = wholeUnderCursor()) return {*whole};
         connection_.unit.roomForGet();
         Taken taken;
         const std::int64_t now = store::currentTime();
@@ -59,6 +63,7 @@ public:
 
     Look next()
     {
+        if (request_.needs != MQGMO_NONE) return nextAvailable();
         connection_.unit.roomForGet();
         std::optional<store::MessageKey> behind;
         for (;;) {
@@ -91,13 +96,63 @@ public:
     }
 
 private:
+    // What other messages decide about is looked for in a snapshot, however few there are, and taken if it is still
+    // there. That the others are, too, was true when the call was made: no more is promised.
+    Look nextAvailable()
+    {
+        for (;;) {
+            std::optional<store::MessageKey> behind;
+            if (const Look look = searchSnapshot(behind); look.outcome.failed()) return look;
+            got_.key = found_.key;
+            got_.header = found_.header;
+            const bool whole = request_.has(MQGMO_COMPLETE_MSG) && (found_.header.md.MsgFlags & MQMF_SEGMENT) != 0;
+            if (const std::optional<Outcome> outcome = whole ? takeSegments(connection_, request_, got_) : takeFound())
+                return {*outcome};
+        }
+    }
+
+    // Takes the message that `got_` names; nothing if it is gone.
+    std::optional<Outcome> takeFound()
+    {
+        connection_.unit.roomForGet();
+        Taken taken;
+        bool there = false;
+        const Outcome updated = store_.update(0, [&](store::WriteTransaction &transaction) {
+            taken = {};
+            const auto header = transaction.find(got_.key);
+            there = header.has_value();
+            return there ? take(transaction, taken) : success();
+        });
+        if (updated.failed()) return updated;
+        if (!there) return std::nullopt;
+        return finish(taken);
+    }
+
+    // MQGMO_COMPLETE_MSG on the message under the cursor; nothing if that is no segment.
+    std::optional<Outcome> wholeUnderCursor()
+    {
+        std::optional<store::MessageHeader> header;
+        const Outcome read = store_.read([&](store::ReadTransaction &transaction) {
+            header = transaction.find(*object_.cursor);
+            return success();
+        });
+        if (read.failed()) return read;
+        if (!header || (header->md.MsgFlags & MQMF_SEGMENT) == 0) return std::nullopt;
+        if (header->md.Offset != 0) return failure(MQRC_INVALID_MSG_UNDER_CURSOR);
+        got_.key = *object_.cursor;
+        got_.header = *header;
+        const std::optional<Outcome> outcome = takeSegments(connection_, request_, got_);
+        return outcome ? *outcome : failure(MQRC_NO_MSG_UNDER_CURSOR);
+    }
+
     // Moves `behind` up to the next message that is wanted.
     Look searchSnapshot(std::optional<store::MessageKey> &behind)
     {
         for (;;) {
             bool held = false;
             const Outcome looked = store_.read([&](store::ReadTransaction &transaction) {
-                search(transaction, {queue_, &request_.selection, behind, store::currentTime(), anyNumber}, found_,
+                search(transaction,
+                       {queue_, &request_.selection, behind, store::currentTime(), anyNumber, request_.needs}, found_,
                        expired_);
                 held = transaction.queue(queue_).held != 0;
                 return success();
@@ -110,12 +165,6 @@ private:
         }
     }
 
-    bool inUnitOfWork() const
-    {
-        return request_.has(MQGMO_SYNCPOINT) ||
-               (request_.has(MQGMO_SYNCPOINT_IF_PERSISTENT) && store::isPersistent(got_.header));
-    }
-
     // Inside the transaction: `got_` names the message.
     Outcome take(store::WriteTransaction &transaction, Taken &taken)
     {
@@ -125,7 +174,7 @@ private:
             copyDelivery(request_, stored, got_);
             return success();
         }
-        const bool unit = inUnitOfWork();
+        const bool unit = request_.inUnitOfWork(store::isPersistent(got_.header));
         if (unit && connection_.unit.size() >= maxUncommitted_) return failure(MQRC_SYNCPOINT_LIMIT_REACHED);
 
         taken.copyLater = stored.size() >= largeBody;
@@ -145,7 +194,8 @@ private:
             const Outcome hardened = store_.harden(taken.ticket);
             return hardened.failed() ? hardened : taken.outcome;
         }
-        Lock lock(*this);
+        const store::TakenMessage message{got_.key, store::isPersistent(got_.header)};
+        LockedGets lock(store_, {&message, 1});
         if (taken.copyLater) {
             const Outcome copied = store_.read([&](store::ReadTransaction &transaction) {
                 copyDelivery(request_, transaction.body(got_.key), got_);
@@ -154,38 +204,14 @@ private:
             if (copied.failed()) return copied;
         }
         PrivateUnit own(store_);
-        UnitOfWork &unit = inUnitOfWork() ? connection_.unit : *own;
+        UnitOfWork &unit = request_.inUnitOfWork(message.persistent) ? connection_.unit : *own;
         unit.roomForGet();
         if (const Outcome reported = reportDelivery(connection_, unit, got_.key, got_.header); reported.failed())
             return reported;
-        unit.addGet({got_.key, store::isPersistent(got_.header)});
-        lock.belongsToUnit();
+        unit.addGet(message);
+        lock.belongToUnit();
         const Outcome committed = own.commit();
         return committed.failed() ? committed : taken.outcome;
-    }
-
-    // The message that the transaction locked: free again unless a unit of work takes it.
-    class Lock {
-    public:
-        explicit Lock(Taker &taker) : taker_(&taker) {}
-        ~Lock()
-        {
-            if (taker_ != nullptr) taker_->giveBack();
-        }
-        Lock(const Lock &) = delete;
-        Lock &operator=(const Lock &) = delete;
-        void belongsToUnit() { taker_ = nullptr; }
-
-    private:
-        Taker *taker_;
-    };
-
-    void giveBack()
-    {
-        (void)store_.update(0, [&](store::WriteTransaction &transaction) {
-            transaction.unlock(got_.key);
-            return success();
-        });
     }
 
     Connection &connection_;

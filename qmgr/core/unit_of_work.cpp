@@ -69,9 +69,10 @@ void UnitOfWork::takeBackPuts(store::Attachment &store, std::size_t kept)
         dropLastPut();
 }
 
-void UnitOfWork::roomForGet()
+void UnitOfWork::roomForGet(std::size_t number)
 {
-    if (gets_.size() == gets_.capacity()) gets_.reserve(std::max<std::size_t>(16, gets_.capacity() * 2));
+    const std::size_t wanted = gets_.size() + number;
+    if (wanted > gets_.capacity()) gets_.reserve(std::max<std::size_t>({16, gets_.capacity() * 2, wanted}));
 }
 
 void UnitOfWork::clear()

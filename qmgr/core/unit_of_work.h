@@ -54,7 +54,7 @@ public:
     // Takes back the puts behind the first `kept` ones, with their places on their queues.
     void takeBackPuts(store::Attachment &store, std::size_t kept);
 
-    void roomForGet();
+    void roomForGet(std::size_t number = 1);
     void addGet(const store::TakenMessage &message) { gets_.push_back(message); }
 
     // For Attachment::commit and backOut; valid until the unit changes.

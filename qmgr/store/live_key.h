@@ -8,6 +8,7 @@
 //   'D' type name                     -> object definition: queue id, bytes
 //   'H' queue order sequence          -> Hold: the message is there but not visible, and who has it
 //   'I' queue index id order sequence -> nothing; for every id that is not all zero
+//   'I' queue 4 GroupId MsgSeqNumber Offset order sequence -> nothing; the same for the place in a group
 //   'M' queue                         -> QueueStatus: on the page of the queue's first messages, which a get changes anyway
 //   'M' queue order sequence          -> MessageHeader, then the body unless it is large
 //   'S' slot queue                    -> Booking: what the connection has of the queue
@@ -56,6 +57,23 @@ public:
     static LiveKey indexed(const MessageKey &key, Index index, const MQBYTE *id)
     {
         return idOf(key.queue, index, id).place(key);
+    }
+
+    static LiveKey groupPlace(QueueId queue, const GroupPlace &place)
+    {
+        LiveKey key = idOf(queue, Index::GroupPlace, place.groupId.data());
+        if (place.msgSeqNumber) key.u32(static_cast<std::uint32_t>(*place.msgSeqNumber));
+        if (place.offset) key.u32(static_cast<std::uint32_t>(*place.offset));
+        return key;
+    }
+
+    // Behind all keys that begin with this one.
+    LiveKey end() const
+    {
+        LiveKey behind = *this;
+        std::fill(behind.bytes_.begin() + size_, behind.bytes_.end(), std::uint8_t{0xFF});
+        behind.size_ = behind.bytes_.size();
+        return behind;
     }
 
     LiveKey place(const MessageKey &key) const { return LiveKey(*this).u8(key.order).u64(key.sequence); }

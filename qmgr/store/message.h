@@ -27,7 +27,14 @@ struct MessageKey {
 };
 
 // The ids that messages can be found by.
-enum class Index : std::uint8_t { MsgId = 1, CorrelId = 2, GroupId = 3 };
+enum class Index : std::uint8_t { MsgId = 1, CorrelId = 2, GroupId = 3, GroupPlace = 4 };
+
+// Messages of a group in logical order: all of them, those with one MsgSeqNumber, or those that have the Offset too.
+struct GroupPlace {
+    MessageId groupId;
+    std::optional<MQLONG> msgSeqNumber;
+    std::optional<MQLONG> offset; // only beside msgSeqNumber
+};
 
 // The message token of MQGMO names the message by its key. A token that no message of ours can have gives nothing.
 [[nodiscard]] MessageToken tokenOfKey(const MessageKey &key);

@@ -31,6 +31,12 @@ MessageCursor::MessageCursor(Transaction &transaction, QueueId queue, Index inde
     start(queue);
 }
 
+MessageCursor::MessageCursor(Transaction &transaction, QueueId queue, const GroupPlace &place)
+    : transaction_(transaction), prefix_(LiveKey::groupPlace(queue, place)), byIndex_(true)
+{
+    start(queue);
+}
+
 MessageCursor::~MessageCursor()
 {
     if (walk_ != nullptr) mdb_cursor_close(walk_);
@@ -65,6 +71,26 @@ bool MessageCursor::next()
     Transaction::Value value;
     const int code = move(walk_, MDB_NEXT, name, value);
     return settle(code, name, value);
+}
+
+bool MessageCursor::last()
+{
+    if (walk_ == nullptr || transaction_.outcome_.failed()) return false;
+    const LiveKey end = prefix_.end();
+    Transaction::Value name{end.data(), end.size()};
+    Transaction::Value value;
+    int code = move(walk_, MDB_SET_RANGE, name, value);
+    for (code = move(walk_, code == MDB_NOTFOUND ? MDB_LAST : MDB_PREV, name, value); code == MDB_SUCCESS;
+         code = move(walk_, MDB_PREV, name, value)) {
+        if (!prefix_.isPrefixOf(name.data, name.size)) return false;
+        key_ = messageOf(name.data, name.size);
+        if (holds_ != nullptr && isHeld()) continue;
+        headerRead_ = false;
+        value_ = {};
+        return true;
+    }
+    transaction_.sticks(code);
+    return false;
 }
 
 bool MessageCursor::go(const LiveKey &from, bool behind)

@@ -198,7 +198,8 @@ public:
     // the clean-up of a dead connection gives them back. The caller decides from queue() whether the open may be.
     void addOpens(QueueId queue, const OpenCounts &change);
 
-    // Replaces the header of a message. MsgId, CorrelId, GroupId, persistence and bodyLength must stay as they are.
+    // Replaces the header of a message. MsgId, CorrelId, GroupId, MsgSeqNumber, Offset, persistence and bodyLength must
+    // stay as they are.
     void changeHeader(const MessageKey &key, const MessageHeader &header);
 
 protected:
@@ -232,12 +233,14 @@ protected:
     ConnectionSlot *connection_ = nullptr; // of that slot
 };
 
-// Walks visible messages of one queue in delivery order: all of them, or those with one id. Lives inside a
-// transaction; in a WriteTransaction a change to the queue ends the walk (make a new cursor).
+// Walks visible messages of one queue in delivery order: all of them, or those with one id; or those of a group in
+// logical order. Lives inside a transaction; in a WriteTransaction a change to the queue ends the walk (make a new
+// cursor).
 class MessageCursor {
 public:
     MessageCursor(Transaction &transaction, QueueId queue);
     MessageCursor(Transaction &transaction, QueueId queue, Index index, MessageId id);
+    MessageCursor(Transaction &transaction, QueueId queue, const GroupPlace &place);
     ~MessageCursor();
     MessageCursor(const MessageCursor &) = delete;
     MessageCursor &operator=(const MessageCursor &) = delete;
@@ -247,6 +250,8 @@ public:
     bool first();
     bool next();
     bool seek(const MessageKey &behind);
+    // Goes to the last one instead. Only for walks over an index.
+    bool last();
 
     // Of the message the walk stands on.
     [[nodiscard]] const MessageKey &key() const { return key_; }

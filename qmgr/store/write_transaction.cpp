@@ -22,7 +22,9 @@ void forEachIndex(const MessageKey &key, const MQMD &md, Act &&act)
 {
     if (!isNoId(md.MsgId)) act(LiveKey::indexed(key, Index::MsgId, md.MsgId));
     if (!isNoId(md.CorrelId)) act(LiveKey::indexed(key, Index::CorrelId, md.CorrelId));
-    if (!isNoId(md.GroupId)) act(LiveKey::indexed(key, Index::GroupId, md.GroupId));
+    if (isNoId(md.GroupId)) return;
+    act(LiveKey::indexed(key, Index::GroupId, md.GroupId));
+    act(LiveKey::groupPlace(key.queue, {MessageId(md.GroupId), md.MsgSeqNumber, md.Offset}).place(key));
 }
 
 // The stored bytes of a record with its header changed. Read out before anything is written: the page moves.

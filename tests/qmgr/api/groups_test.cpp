@@ -1,4 +1,4 @@
-#include "fixture.h"
+#include "groups_fixture.h"
 
 namespace mqrig::qmgr::testing {
 namespace {
@@ -6,42 +6,7 @@ namespace {
 constexpr MQLONG inOrder = MQPMO_LOGICAL_ORDER | MQPMO_NO_SYNCPOINT;
 const std::string noGroup(24, '\0');
 
-MQMD withFlags(MQLONG flags)
-{
-    MQMD md = version2Md();
-    md.MsgFlags = flags;
-    return md;
-}
-
-// The fields of a group as the queue has them.
-struct Place {
-    std::string groupId;
-    MQLONG msgSeqNumber;
-    MQLONG offset;
-    MQLONG flags;
-    MQLONG originalLength = MQOL_UNDEFINED;
-
-    bool operator==(const Place &) const = default;
-};
-std::ostream &operator<<(std::ostream &out, const Place &place)
-{
-    return out << ::testing::PrintToString(place.groupId) << " seq " << place.msgSeqNumber << " offset " << place.offset
-               << " flags " << place.flags << " length " << place.originalLength;
-}
-Place placeOf(const MQMD &md)
-{
-    return {bytes(md.GroupId), md.MsgSeqNumber, md.Offset, md.MsgFlags, md.OriginalLength};
-}
-
-class Groups : public OpenQueueTest {
-public:
-    Codes putWith(MQLONG flags, MQLONG options, std::string_view body = "x")
-    {
-        return put(hconn, q1, body, withFlags(flags), pmoWith(options));
-    }
-    Codes putInOrder(MQLONG flags, std::string_view body = "x") { return putWith(flags, inOrder, body); }
-    Got next() { return get(hconn, q1, version2Md(), gmoWith(MQGMO_NO_SYNCPOINT, MQGMO_VERSION_2)); }
-};
+using Groups = GroupTest;
 
 // ---- MQPUT with logical order ----
 

@@ -96,6 +96,50 @@ TEST_F(Messages, AreFoundByTheirIdsInDeliveryOrder)
     EXPECT_EQ(found(Index::MsgId, "m2"), (Texts{}));
 }
 
+TEST_F(Messages, OfAGroupAreFoundInLogicalOrder)
+{
+    const auto a = connect();
+    MQBYTE group[24] = {'g'};
+    const auto putAt = [&](const char *text, MQLONG msgSeqNumber, MQLONG offset) {
+        NewMessage message{a->newKey(q1_, 0), headerOf({.groupId = "g"}), bytesOf(text)};
+        message.header.md.MsgSeqNumber = msgSeqNumber;
+        message.header.md.Offset = offset;
+        ASSERT_EQ(a->update(1,
+                            [&](WriteTransaction &transaction) {
+                                transaction.put(message);
+                                return success();
+                            }),
+                  success());
+    };
+    putAt("third", 300, 0);
+    putAt("second", 2, 256);
+    putAt("first", 2, 1);
+    ASSERT_EQ(put(*a, q1_, "of none"), success());
+    ASSERT_EQ(put(*a, q1_, "of another", {.groupId = "h"}), success());
+
+    const auto found = [&](const GroupPlace &place) {
+        Texts texts;
+        EXPECT_EQ(a->read([&](ReadTransaction &transaction) {
+            MessageCursor cursor(transaction, q1_, place);
+            for (bool on = cursor.first(); on; on = cursor.next())
+                texts.push_back(textOf(cursor.body()));
+            if (cursor.last()) texts.push_back("last " + textOf(cursor.body()));
+            return success();
+        }),
+                  success());
+        return texts;
+    };
+    EXPECT_EQ(found({MessageId(group), {}, {}}), (Texts{"first", "second", "third", "last third"}));
+    EXPECT_EQ(found({MessageId(group), 2, {}}), (Texts{"first", "second", "last second"}));
+    EXPECT_EQ(found({MessageId(group), 2, 256}), (Texts{"second", "last second"}));
+    EXPECT_EQ(found({MessageId(group), 1, {}}), (Texts{}));
+    UnitOfWork unit(*a);
+    ASSERT_EQ(unit.get(q1_), "third");
+    EXPECT_EQ(found({MessageId(group), {}, {}}), (Texts{"first", "second", "last second"}));
+    EXPECT_EQ(unit.commit(), success());
+    EXPECT_EQ(found({MessageId(group), 300, {}}), (Texts{}));
+}
+
 TEST_F(Messages, AreBrowsedOnFromAKeyThatIsGone)
 {
     const auto a = connect();

@@ -1,0 +1,243 @@
+#include "groups_fixture.h"
+
+namespace mqrig::qmgr::testing {
+namespace {
+
+constexpr MQLONG complete = MQGMO_COMPLETE_MSG | MQGMO_NO_SYNCPOINT;
+
+class Segments : public GroupTest {
+public:
+    // "abcdef" in three segments, the last one first.
+    void putThree(std::string_view group, MQLONG persistence = MQPER_NOT_PERSISTENT)
+    {
+        const auto piece = [&](MQLONG flags, MQLONG offset) {
+            return Piece{group, 1, flags, offset, MQPRI_PRIORITY_AS_Q_DEF, persistence};
+        };
+        putPiece(piece(MQMF_LAST_SEGMENT, 4), "ef");
+        putPiece(piece(MQMF_SEGMENT, 0), "ab");
+        putPiece(piece(MQMF_SEGMENT, 2), "cd");
+    }
+};
+
+TEST_F(Segments, CompleteMessageIsPutTogether)
+{
+    putThree("S");
+    const Got got = next(complete);
+    EXPECT_EQ(got.codes, ok);
+    EXPECT_EQ(got.body, "abcdef");
+    EXPECT_EQ(got.dataLength, 6);
+    EXPECT_EQ(got.md.Offset, 0);
+    EXPECT_EQ(got.md.MsgFlags, MQMF_SEGMENT | MQMF_LAST_SEGMENT);
+    EXPECT_EQ(got.gmo.SegmentStatus, MQSS_LAST_SEGMENT);
+    EXPECT_EQ(depth("Q1"), 0);
+}
+
+TEST_F(Segments, WithoutItSegmentsComeOneByOne)
+{
+    putThree("S");
+    EXPECT_EQ(all(MQGMO_NO_SYNCPOINT), (Bodies{"ef", "ab", "cd"}));
+}
+
+TEST_F(Segments, MessagesWithoutSegmentsComeAsTheyAre)
+{
+    put(hconn, q1, "single");
+    putPiece({"Y", 1, MQMF_LAST_MSG_IN_GROUP}, "grouped");
+    putThree("S");
+    EXPECT_EQ(all(complete), (Bodies{"single", "grouped", "abcdef"}));
+}
+
+TEST_F(Segments, IncompleteMessageStays)
+{
+    putPiece({"S", 1, MQMF_SEGMENT}, "ab");
+    putPiece({"S", 1, MQMF_LAST_SEGMENT, 4}, "ef");
+    put(hconn, q1, "single");
+    EXPECT_EQ(all(complete), (Bodies{"single"}));
+    EXPECT_EQ(depth("Q1"), 2);
+}
+
+TEST_F(Segments, EmptyLastSegmentEndsTheMessage)
+{
+    putPiece({"S", 1, MQMF_SEGMENT}, "ab");
+    putPiece({"S", 1, MQMF_LAST_SEGMENT, 2}, "");
+    EXPECT_EQ(next(complete).body, "ab");
+}
+
+TEST_F(Segments, LogicalMessagesOfAGroupArePutTogetherInOrder)
+{
+    constexpr MQLONG inGroup = MQMF_MSG_IN_GROUP;
+    putPiece({"Y", 2, MQMF_LAST_MSG_IN_GROUP}, "f");
+    putPiece({"Y", 1, inGroup | MQMF_LAST_SEGMENT, 4}, "e");
+    putPiece({"Y", 1, inGroup | MQMF_SEGMENT, 2}, "cd");
+    putPiece({"Y", 1, inGroup | MQMF_SEGMENT, 0}, "ab");
+    constexpr MQLONG options = complete | MQGMO_LOGICAL_ORDER | MQGMO_ALL_MSGS_AVAILABLE;
+    const Got first = next(options);
+    EXPECT_EQ(first.body, "abcde");
+    EXPECT_EQ(first.gmo.GroupStatus, MQGS_MSG_IN_GROUP);
+    EXPECT_EQ(first.gmo.SegmentStatus, MQSS_LAST_SEGMENT);
+    const Got second = next(options);
+    EXPECT_EQ(second.body, "f");
+    EXPECT_EQ(second.gmo.GroupStatus, MQGS_LAST_MSG_IN_GROUP);
+    EXPECT_EQ(close(hconn, q1), ok);
+}
+
+TEST_F(Segments, BrowseReturnsCompleteMessages)
+{
+    putThree("S");
+    putThree("T");
+    EXPECT_EQ(browsed(MQGMO_COMPLETE_MSG), (Bodies{"abcdef", "abcdef"}));
+    EXPECT_EQ(browsed(MQGMO_COMPLETE_MSG | MQGMO_LOGICAL_ORDER), (Bodies{"abcdef", "abcdef"}));
+    EXPECT_EQ(depth("Q1"), 6);
+    EXPECT_EQ(next(complete | MQGMO_MSG_UNDER_CURSOR).body, "abcdef");
+    EXPECT_EQ(depth("Q1"), 3);
+}
+
+TEST_F(Segments, MiddleOfAMessageUnderTheCursorIs2246)
+{
+    putThree("S");
+    ASSERT_EQ(next(MQGMO_BROWSE_FIRST).body, "ef");
+    EXPECT_EQ(next(complete | MQGMO_MSG_UNDER_CURSOR).codes, failed(MQRC_INVALID_MSG_UNDER_CURSOR));
+    EXPECT_EQ(next(MQGMO_COMPLETE_MSG | MQGMO_BROWSE_MSG_UNDER_CURSOR).codes, failed(MQRC_INVALID_MSG_UNDER_CURSOR));
+    ASSERT_EQ(next(MQGMO_BROWSE_NEXT).body, "ab");
+    EXPECT_EQ(next(MQGMO_COMPLETE_MSG | MQGMO_BROWSE_MSG_UNDER_CURSOR).body, "abcdef");
+}
+
+TEST_F(Segments, IncompleteMessageUnderTheCursorIs2034)
+{
+    putPiece({"S", 1, MQMF_SEGMENT}, "ab");
+    ASSERT_EQ(next(MQGMO_BROWSE_FIRST).body, "ab");
+    EXPECT_EQ(next(complete | MQGMO_MSG_UNDER_CURSOR).codes, failed(MQRC_NO_MSG_UNDER_CURSOR));
+    EXPECT_EQ(next(MQGMO_COMPLETE_MSG | MQGMO_BROWSE_MSG_UNDER_CURSOR).codes, failed(MQRC_NO_MSG_UNDER_CURSOR));
+}
+
+TEST_F(Segments, CompleteMessageJoinsTheUnitOfWork)
+{
+    putThree("S", MQPER_PERSISTENT);
+    EXPECT_EQ(next(MQGMO_COMPLETE_MSG | MQGMO_SYNCPOINT).body, "abcdef");
+    EXPECT_EQ(depth("Q1"), 0);
+    ASSERT_EQ(backOut(hconn), ok);
+    EXPECT_EQ(depth("Q1"), 3);
+    const Got again = next(MQGMO_COMPLETE_MSG | MQGMO_SYNCPOINT);
+    EXPECT_EQ(again.body, "abcdef");
+    EXPECT_EQ(again.md.BackoutCount, 1);
+    ASSERT_EQ(commit(hconn), ok);
+    restart();
+}
+
+TEST_F(Segments, PersistentMessageIsGoneForGood)
+{
+    putThree("S", MQPER_PERSISTENT);
+    EXPECT_EQ(next(complete).body, "abcdef");
+    restart();
+    EXPECT_EQ(depth("Q1"), 0);
+}
+
+TEST_F(Segments, PersistentMessageBesideAUnitOfWorkIs2255)
+{
+    putThree("S", MQPER_PERSISTENT);
+    ASSERT_EQ(put(hconn, q1, "pending", {MQMD_DEFAULT}, pmoWith(MQPMO_SYNCPOINT)), ok);
+    EXPECT_EQ(next(complete).codes, failed(MQRC_UOW_NOT_AVAILABLE));
+    EXPECT_EQ(depth("Q1"), 4);
+    ASSERT_EQ(commit(hconn), ok);
+    EXPECT_EQ(next(complete).body, "abcdef");
+}
+
+TEST_F(Segments, NonPersistentMessageNeedsNoUnitOfWork)
+{
+    putThree("S");
+    ASSERT_EQ(put(hconn, q1, "pending", {MQMD_DEFAULT}, pmoWith(MQPMO_SYNCPOINT)), ok);
+    EXPECT_EQ(next(complete).body, "abcdef");
+}
+
+TEST_F(Segments, UnitOfWorkWithoutRoomForAllSegmentsIs2024)
+{
+    alterQueueManager({{MQIA_MAX_UNCOMMITTED_MSGS, 2}});
+    putThree("S");
+    EXPECT_EQ(next(MQGMO_COMPLETE_MSG | MQGMO_SYNCPOINT).codes, failed(MQRC_SYNCPOINT_LIMIT_REACHED));
+    EXPECT_EQ(depth("Q1"), 3);
+}
+
+TEST_F(Segments, SmallBufferTruncatesTheWholeMessage)
+{
+    putThree("S");
+    MQGMO gmo = gmoWith(complete, MQGMO_VERSION_2);
+    gmo.MatchOptions = MQMO_NONE;
+    Got got = get(hconn, q1, version2Md(), gmo, 5);
+    EXPECT_EQ(got.codes, warned(MQRC_TRUNCATED_MSG_FAILED));
+    EXPECT_EQ(got.dataLength, 6);
+    EXPECT_EQ(depth("Q1"), 3);
+    gmo.Options |= MQGMO_ACCEPT_TRUNCATED_MSG;
+    got = get(hconn, q1, version2Md(), gmo, 5);
+    EXPECT_EQ(got.codes, warned(MQRC_TRUNCATED_MSG_ACCEPTED));
+    EXPECT_EQ(got.body, "abcde");
+    EXPECT_EQ(depth("Q1"), 0);
+}
+
+TEST_F(Segments, SegmentsInDifferentCharacterSetsComeInParts)
+{
+    MQMD md = mdOf({"S", 1, MQMF_SEGMENT});
+    md.CodedCharSetId = 1208;
+    put(hconn, q1, "ab", md);
+    md.Offset = 2;
+    put(hconn, q1, "cd", md);
+    md.Offset = 4;
+    md.CodedCharSetId = 500;
+    md.MsgFlags = MQMF_LAST_SEGMENT;
+    put(hconn, q1, "ef", md);
+
+    const Got got = next(complete | MQGMO_LOGICAL_ORDER);
+    EXPECT_EQ(got.codes, warned(MQRC_INCONSISTENT_CCSIDS));
+    EXPECT_EQ(got.body, "abcd");
+    EXPECT_EQ(got.gmo.SegmentStatus, MQSS_SEGMENT);
+    EXPECT_EQ(next(complete | MQGMO_LOGICAL_ORDER).codes, failed(MQRC_NO_MSG_AVAILABLE));
+    EXPECT_EQ(next(MQGMO_LOGICAL_ORDER).body, "ef");
+}
+
+TEST_F(Segments, SegmentsInDifferentEncodingsComeInParts)
+{
+    MQMD md = mdOf({"S", 1, MQMF_SEGMENT});
+    put(hconn, q1, "ab", md);
+    md.Offset = 2;
+    md.Encoding = 273;
+    md.MsgFlags = MQMF_LAST_SEGMENT;
+    put(hconn, q1, "cd", md);
+    const Got got = next(complete);
+    EXPECT_EQ(got.codes, warned(MQRC_INCONSISTENT_ENCODINGS));
+    EXPECT_EQ(got.body, "ab");
+    EXPECT_EQ(all(MQGMO_NO_SYNCPOINT), (Bodies{"cd"}));
+}
+
+TEST_F(Segments, ReportsAboutSegmentsArePutTogetherByTheirKind)
+{
+    const auto report = [&](MQLONG feedback, MQLONG offset, MQLONG flags, std::string_view data) {
+        MQMD md = mdOf({"S", 1, flags, offset});
+        md.MsgType = MQMT_REPORT;
+        md.Feedback = feedback;
+        md.OriginalLength = 4;
+        EXPECT_EQ(put(hconn, q1, data, md), ok);
+    };
+    report(MQFB_COA, 0, MQMF_SEGMENT, "abcd");
+    report(MQFB_COD, 0, MQMF_SEGMENT, "ABCD");
+    report(MQFB_COD, 4, MQMF_LAST_SEGMENT, "EF");
+    report(MQFB_COA, 4, MQMF_LAST_SEGMENT, "ef");
+    const std::string missing(2, '\0');
+    EXPECT_EQ(all(complete), (Bodies{"abcdef" + missing, "ABCDEF" + missing}));
+}
+
+TEST_F(Segments, LargeSegmentsArePutTogether)
+{
+    const std::string half(2000000, 'x');
+    putPiece({"S", 1, MQMF_SEGMENT}, half);
+    putPiece({"S", 1, MQMF_LAST_SEGMENT, 2000000}, half);
+    MQGMO gmo = gmoWith(complete, MQGMO_VERSION_2);
+    gmo.MatchOptions = MQMO_NONE;
+    EXPECT_EQ(get(hconn, q1, version2Md(), gmo, 4000000).body, half + half);
+}
+
+TEST_F(Segments, OptionsThatCannotGoWithCompleteMessages)
+{
+    EXPECT_EQ(next(MQGMO_COMPLETE_MSG | MQGMO_SYNCPOINT_IF_PERSISTENT).codes, failed(MQRC_OPTIONS_ERROR));
+    EXPECT_EQ(next(complete, MQMO_MATCH_OFFSET).codes, failed(MQRC_MATCH_OPTIONS_ERROR));
+}
+
+} // namespace
+} // namespace mqrig::qmgr::testing
