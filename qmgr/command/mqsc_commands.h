@@ -31,6 +31,8 @@ CommandAnswer alterObject(const MqscCommand &command);
 CommandAnswer deleteObject(const MqscCommand &command);
 CommandAnswer clearLocalQueue(const MqscCommand &command);
 CommandAnswer displayObjects(const MqscCommand &command);
+CommandAnswer displayQueueStatus(const MqscCommand &command);
+CommandAnswer displayConnections(const MqscCommand &command);
 CommandAnswer alterQmgr(const MqscCommand &command);
 CommandAnswer displayQmgr(const MqscCommand &command);
 CommandAnswer pingQmgr(const MqscCommand &command);

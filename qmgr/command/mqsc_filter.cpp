@@ -15,7 +15,7 @@ struct Operator {
 constexpr Operator operators[] = {
     {"LT", Comparison::Less},     {"GT", Comparison::Greater},       {"EQ", Comparison::Equal},
     {"NE", Comparison::NotEqual}, {"LE", Comparison::LessOrEqual},   {"GE", Comparison::GreaterOrEqual},
-    {"LK", Comparison::Like},     {"NK", Comparison::NotLike},       {"CT", Comparison::Contains},
+    {"LK", Comparison::Like},     {"NL", Comparison::NotLike},       {"CT", Comparison::Contains},
     {"EX", Comparison::Excludes}, {"CTG", Comparison::ContainsLike}, {"EXG", Comparison::ExcludesLike},
 };
 
@@ -76,8 +76,11 @@ bool isForLists(Comparison comparison)
 bool Filter::passes(const InquiredObject &object) const
 {
     const objects::Attribute *attribute = objects::findKeyword(object.definition.kind(), keyword).attribute;
-    if (attribute == nullptr) return false;
-    const objects::AttributeValue actual = object.value(*attribute);
+    return attribute != nullptr && holdsFor(*attribute, object.value(*attribute));
+}
+
+bool Filter::holdsFor(const objects::Attribute &attribute, const objects::AttributeValue &actual) const
+{
     if (isForLists(comparison)) {
         const bool generic = comparison == Comparison::ContainsLike || comparison == Comparison::ExcludesLike;
         const bool wanted = comparison == Comparison::Contains || comparison == Comparison::ContainsLike;
@@ -85,11 +88,11 @@ bool Filter::passes(const InquiredObject &object) const
     }
     if (isForTexts(comparison))
         return objects::matchesGeneric(value.text, actual.text) == (comparison == Comparison::Like);
-    if (attribute->isText()) return holds(comparison, actual.text.compare(value.text));
+    if (attribute.isText()) return holds(comparison, actual.text.compare(value.text));
     return holds(comparison, actual.number < value.number ? -1 : actual.number > value.number ? 1 : 0);
 }
 
-ReadFilter readFilter(const MqscParameter &where, objects::ObjectKinds kinds)
+ReadFilter readFilter(const MqscParameter &where, std::span<const objects::Attribute> rows, objects::ObjectKinds kinds)
 {
     ReadFilter read;
     const auto fail = [&](std::size_t offset, std::string_view reason) {
@@ -102,18 +105,19 @@ ReadFilter readFilter(const MqscParameter &where, objects::ObjectKinds kinds)
     const MqscValue &word = where.values[1];
     const MqscValue &value = where.values[2];
 
-    const objects::Attribute *attribute = objects::findKeyword(kinds, name.text).attribute;
+    const objects::Attribute *attribute = objects::findKeyword(rows, kinds, name.text).attribute;
     if (attribute == nullptr) return fail(name.offset, "no attribute that WHERE could compare");
     read.filter.keyword = attribute->keyword;
     const Operator *found = findOperator(word.text);
-    if (found == nullptr) return fail(word.offset, "the operator is one of LT, GT, EQ, NE, LE, GE, LK, NK");
+    if (found == nullptr)
+        return fail(word.offset, "the operator is one of LT, GT, EQ, NE, LE, GE, LK, NL, CT, EX, CTG, EXG");
     read.filter.comparison = found->comparison;
 
     const bool list = attribute->value == objects::ValueKind::NameList;
     if (isForLists(found->comparison) != list)
         return fail(word.offset, list ? "lists are compared by CT, EX, CTG, EXG" : "CT, EX, CTG, EXG compare lists");
     if (isForTexts(found->comparison)) {
-        if (!attribute->isText()) return fail(word.offset, "LK and NK compare texts");
+        if (!attribute->isText()) return fail(word.offset, "LK and NL compare texts");
         read.filter.value.text = value.text;
     } else {
         objects::ParsedValue parsed = objects::parseValue(*attribute, value.text);

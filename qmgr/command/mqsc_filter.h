@@ -1,10 +1,11 @@
 // DISPLAY's WHERE(attribute operator value): which objects are shown.
 //
-// Operators: LT GT EQ NE LE GE on every attribute but lists, LK and NK (like, not like: a value that may end with '*')
+// Operators: LT GT EQ NE LE GE on every attribute but lists, LK and NL (like, not like: a value that may end with '*')
 // on texts, CT and EX (contains, excludes a name) and CTG and EXG (a name like that) on lists.
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -36,6 +37,7 @@ struct Filter {
     objects::AttributeValue value;
 
     bool passes(const InquiredObject &object) const;
+    bool holdsFor(const objects::Attribute &attribute, const objects::AttributeValue &actual) const;
 };
 
 struct ReadFilter {
@@ -44,6 +46,7 @@ struct ReadFilter {
     std::size_t offset = 0;  // of the fault, in the command
     std::string_view reason; // of the fault
 };
-ReadFilter readFilter(const MqscParameter &where, objects::ObjectKinds kinds);
+// `rows`: the attributes that may be compared, of these kinds of object.
+ReadFilter readFilter(const MqscParameter &where, std::span<const objects::Attribute> rows, objects::ObjectKinds kinds);
 
 } // namespace mqrig::qmgr::command

@@ -28,21 +28,15 @@ struct ObjectWord {
 };
 
 constexpr ObjectWord objectWords[] = {
-    {"NAMELIST", "NAMELIST", kinds(ObjectKind::Namelist)},
-    {"NL", "NAMELIST", kinds(ObjectKind::Namelist)},
-    {"PRO", "PROCESS", kinds(ObjectKind::Process)},
-    {"PROCESS", "PROCESS", kinds(ObjectKind::Process)},
-    {"Q", "QUEUE", objects::allQueues},
-    {"QA", "QALIAS", kinds(ObjectKind::AliasQueue)},
-    {"QALIAS", "QALIAS", kinds(ObjectKind::AliasQueue)},
-    {"QL", "QLOCAL", kinds(ObjectKind::LocalQueue)},
-    {"QLOCAL", "QLOCAL", kinds(ObjectKind::LocalQueue)},
-    {"QM", "QMODEL", kinds(ObjectKind::ModelQueue)},
-    {"QMGR", "QMGR", kinds(ObjectKind::QueueManager)},
-    {"QMODEL", "QMODEL", kinds(ObjectKind::ModelQueue)},
-    {"QR", "QREMOTE", kinds(ObjectKind::RemoteQueue)},
-    {"QREMOTE", "QREMOTE", kinds(ObjectKind::RemoteQueue)},
-    {"QUEUE", "QUEUE", objects::allQueues},
+    {"CONN", "CONN", kinds(ObjectKind::QueueManager)},      {"NAMELIST", "NAMELIST", kinds(ObjectKind::Namelist)},
+    {"NL", "NAMELIST", kinds(ObjectKind::Namelist)},        {"PRO", "PROCESS", kinds(ObjectKind::Process)},
+    {"PROCESS", "PROCESS", kinds(ObjectKind::Process)},     {"Q", "QUEUE", objects::allQueues},
+    {"QA", "QALIAS", kinds(ObjectKind::AliasQueue)},        {"QALIAS", "QALIAS", kinds(ObjectKind::AliasQueue)},
+    {"QL", "QLOCAL", kinds(ObjectKind::LocalQueue)},        {"QLOCAL", "QLOCAL", kinds(ObjectKind::LocalQueue)},
+    {"QM", "QMODEL", kinds(ObjectKind::ModelQueue)},        {"QMGR", "QMGR", kinds(ObjectKind::QueueManager)},
+    {"QMODEL", "QMODEL", kinds(ObjectKind::ModelQueue)},    {"QR", "QREMOTE", kinds(ObjectKind::RemoteQueue)},
+    {"QREMOTE", "QREMOTE", kinds(ObjectKind::RemoteQueue)}, {"QS", "QSTATUS", kinds(ObjectKind::LocalQueue)},
+    {"QSTATUS", "QSTATUS", kinds(ObjectKind::LocalQueue)},  {"QUEUE", "QUEUE", objects::allQueues},
 };
 
 struct Row {
@@ -73,6 +67,7 @@ constexpr Row table[] = {
     {"DELETE", "QLOCAL", deleteObject, MQCMD_DELETE_Q},
     {"DELETE", "QMODEL", deleteObject, MQCMD_DELETE_Q},
     {"DELETE", "QREMOTE", deleteObject, MQCMD_DELETE_Q},
+    {"DISPLAY", "CONN", displayConnections, MQCMD_INQUIRE_CONNECTION},
     {"DISPLAY", "NAMELIST", displayObjects, MQCMD_INQUIRE_NAMELIST},
     {"DISPLAY", "PROCESS", displayObjects, MQCMD_INQUIRE_PROCESS},
     {"DISPLAY", "QALIAS", displayObjects, MQCMD_INQUIRE_Q},
@@ -80,6 +75,7 @@ constexpr Row table[] = {
     {"DISPLAY", "QMGR", displayQmgr, MQCMD_INQUIRE_Q_MGR},
     {"DISPLAY", "QMODEL", displayObjects, MQCMD_INQUIRE_Q},
     {"DISPLAY", "QREMOTE", displayObjects, MQCMD_INQUIRE_Q},
+    {"DISPLAY", "QSTATUS", displayQueueStatus, MQCMD_INQUIRE_Q_STATUS},
     {"DISPLAY", "QUEUE", displayObjects, MQCMD_INQUIRE_Q},
     {"PING", "QMGR", pingQmgr, MQCMD_PING_Q_MGR},
 };

@@ -22,20 +22,6 @@ bool isCharacterSelector(MQLONG selector)
     return selector >= MQCA_FIRST && selector <= MQCA_LAST;
 }
 
-// An attribute that queues of another type have answers a placeholder.
-bool isOfOtherQueues(ObjectKind kind, MQLONG selector)
-{
-    if (!objects::contains(objects::allQueues, kind)) return false;
-    return std::ranges::any_of(objects::attributes(), [selector](const Attribute &attribute) {
-        return attribute.selector == selector && (attribute.kinds & objects::allQueues) != 0;
-    });
-}
-
-bool isKnown(ObjectKind kind, MQLONG selector)
-{
-    return objects::findSelector(kind, selector) != nullptr || isOfOtherQueues(kind, selector);
-}
-
 // Fills the caller's two arrays in the order of the selectors and remembers what did not go as asked.
 class Answer {
 public:
@@ -117,7 +103,8 @@ Outcome answer(Connection &connection, const ObjectDefinition &object, store::Qu
                const InquireRequest &request)
 {
     for (const MQLONG selector : request.selectors)
-        if (!isKnown(object.kind(), selector)) return failure(MQRC_SELECTOR_ERROR);
+        if (objects::standing(object.kind(), selector) == objects::SelectorStanding::Unknown)
+            return failure(MQRC_SELECTOR_ERROR);
 
     store::QueueStatus status;
     if (asksForCounters(object.kind(), request)) {
@@ -141,6 +128,7 @@ Outcome inquire(Connection &connection, OpenObject &object, const InquireRequest
     if (object.type == MQOT_Q_MGR) return answer(connection, connection.queueManager().object, 0, request);
     if (object.type != MQOT_Q) {
         const objects::FoundObject found = connection.catalog.object(object.type, object.name);
+        if (found.outcome.Reason == MQRC_UNKNOWN_OBJECT_NAME) return failure(MQRC_OBJECT_CHANGED);
         return found.outcome.failed() ? found.outcome : answer(connection, *found.object, 0, request);
     }
     if (const Outcome there = connection.catalog.refresh(object.hold); there.failed()) return there;

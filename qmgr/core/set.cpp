@@ -102,7 +102,7 @@ Outcome set(Connection &connection, OpenObject &object, const SetRequest &reques
     const Assignments assignments(opened.kind(), request);
     if (assignments.outcome().failed()) return assignments.outcome();
 
-    const store::QueueId id = object.hold.queue->id;
+    const store::QueueId id = object.hold.queue->objectId;
     const auto change = [&](ObjectDefinition &queue, store::QueueId itsId) {
         if (itsId != id) return failure(MQRC_Q_DELETED);
         assignments.apply(queue);

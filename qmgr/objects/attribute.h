@@ -80,17 +80,22 @@ struct KeywordMatch {
     const Attribute *attribute = nullptr;
     MQLONG flagValue = 0;
 };
-KeywordMatch findKeyword(ObjectKinds kinds, std::string_view keyword); // the first of several kinds that has it
+KeywordMatch findKeyword(std::span<const Attribute> among, ObjectKinds kinds, std::string_view keyword);
+// The first of several kinds that has it.
+inline KeywordMatch findKeyword(ObjectKinds kinds, std::string_view keyword)
+{
+    return findKeyword(attributes(), kinds, keyword);
+}
 inline KeywordMatch findKeyword(ObjectKind kind, std::string_view keyword)
 {
     return findKeyword(kinds(kind), keyword);
 }
 
-// What MQINQ has to tell apart for a selector that the opened object does not have.
+// What MQINQ has to tell apart for a selector.
 enum class SelectorStanding : std::uint8_t {
-    Unknown,   // no selector of the MQI, or of no object here: MQRC_SELECTOR_ERROR
-    OtherKind, // another kind of object has it (of queues: MQRC_SELECTOR_NOT_FOR_TYPE and a placeholder value)
-    OfObject,  // this kind of object has it
+    Unknown,       // no attribute of such an object: MQRC_SELECTOR_ERROR
+    OfOtherQueues, // the object is a queue, and queues of another type have it: MQRC_SELECTOR_NOT_FOR_TYPE
+    OfObject,      // this kind of object has it
 };
 SelectorStanding standing(ObjectKind kind, MQLONG selector);
 

@@ -449,11 +449,11 @@ const Attribute *findSelector(ObjectKind kind, MQLONG selector)
     return row == noRow ? nullptr : &plainTable[row];
 }
 
-KeywordMatch findKeyword(ObjectKinds kinds, std::string_view keyword)
+KeywordMatch findKeyword(std::span<const Attribute> among, ObjectKinds kinds, std::string_view keyword)
 {
     for (const KeywordSynonym &synonym : synonyms)
         if (sameKeyword(synonym.typed, keyword)) keyword = synonym.keyword;
-    for (const Attribute &attribute : plainTable) {
+    for (const Attribute &attribute : among) {
         if ((attribute.kinds & kinds) == 0) continue;
         if (attribute.value == ValueKind::Flag) {
             for (const Word &word : attribute.words)
@@ -468,8 +468,10 @@ KeywordMatch findKeyword(ObjectKinds kinds, std::string_view keyword)
 SelectorStanding standing(ObjectKind kind, MQLONG selector)
 {
     if (findSelector(kind, selector) != nullptr) return SelectorStanding::OfObject;
-    for (const ObjectKind other : everyKind)
-        if (findSelector(other, selector) != nullptr) return SelectorStanding::OtherKind;
+    if (contains(allQueues, kind))
+        for (const ObjectKind other : everyKind)
+            if (contains(allQueues, other) && findSelector(other, selector) != nullptr)
+                return SelectorStanding::OfOtherQueues;
     return SelectorStanding::Unknown;
 }
 

@@ -85,6 +85,11 @@ const std::string &Attachment::queueManagerName() const
     return store_->name();
 }
 
+std::vector<ConnectionInfo> Attachment::connections() const
+{
+    return store_->connections();
+}
+
 std::uint64_t Attachment::uniqueNumber() const
 {
     return store_->control().sequence.fetch_add(1, std::memory_order_relaxed);

@@ -50,6 +50,12 @@ constexpr Deadline unlimitedWait = Deadline::max();
 
 class Attachment;
 
+// A connection to the queue manager, of any process.
+struct ConnectionInfo {
+    std::uint64_t number = 0; // its Attachment::connectionNumber
+    std::int32_t pid = 0;
+};
+
 struct Attached {
     Outcome outcome;
     std::unique_ptr<Attachment> attachment; // null when the outcome failed
@@ -88,6 +94,8 @@ public:
     [[nodiscard]] std::uint32_t slot() const { return slot_; }
     // Number of this connection: never used again while the queue manager runs. For connection ids.
     [[nodiscard]] std::uint64_t connectionNumber() const { return connectionNumber_; }
+    // Every connection whose process lives, in the order in which they were made, this one too.
+    [[nodiscard]] std::vector<ConnectionInfo> connections() const;
     // Unlike any value given before by this queue manager, restarts included. For message ids. [any]
     [[nodiscard]] std::uint64_t uniqueNumber() const;
 

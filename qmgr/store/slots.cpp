@@ -7,6 +7,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "qmgr/store/process.h"
 #include "qmgr/store/seams.h"
 #include "qmgr/store/store.h"
@@ -34,6 +36,19 @@ bool Store::anyConnection()
         if (slot.state == SlotState::Taken && isAlive(slot, number, *slotLocks_)) return true;
     }
     return false;
+}
+
+std::vector<ConnectionInfo> Store::connections()
+{
+    std::vector<ConnectionInfo> alive;
+    ControlBlock &block = control();
+    for (std::uint32_t number = 0; number < block.slotLimit; ++number) {
+        const ConnectionSlot &slot = block.slots[number];
+        const ConnectionInfo connection{.number = slot.connection, .pid = slot.pid};
+        if (slot.state == SlotState::Taken && isAlive(slot, number, *slotLocks_)) alive.push_back(connection);
+    }
+    std::ranges::sort(alive, {}, &ConnectionInfo::number);
+    return alive;
 }
 
 Store::SlotTaken Store::takeSlot()

@@ -95,6 +95,7 @@ public:
     void freeSlot(std::uint32_t slot);
     bool releaseDead();
     [[nodiscard]] bool anyConnection();
+    [[nodiscard]] std::vector<ConnectionInfo> connections();
 
     // ---- Units of work (commit.cpp) ----
     Outcome commit(std::uint32_t slot, const Unit &unit);

@@ -20,10 +20,14 @@ TEST_F(Mqsc, UnquotedNamesAreFoldedAndQuotedOnesKept)
 
 TEST_F(Mqsc, EverySynonymIsUnderstood)
 {
-    for (const char *command :
-         {"DEF QL(A)", "DEFINE QLOCAL(B)", "ALT QL(A) MAXDEPTH(1)", "ALTER QLOCAL(A)", "DIS QL(A)", "DISPLAY QLOCAL(A)",
-          "DIS Q(A)", "DISPLAY QUEUE(A)", "CLEAR QL(A)", "CLEAR QLOCAL(A)", "DELETE QL(A)", "DELETE QLOCAL(B)",
-          "DIS QMGR", "ALT QMGR", "PING QMGR"})
+    for (const char *command : {"DEF QL(A)",       "DEFINE QLOCAL(B)", "ALT QL(A) MAXDEPTH(1)",
+                                "ALTER QLOCAL(A)", "DIS QL(A)",        "DISPLAY QLOCAL(A)",
+                                "DIS Q(A)",        "DISPLAY QUEUE(A)", "CLEAR QL(A)",
+                                "CLEAR QLOCAL(A)", "DELETE QL(A)",     "DELETE QLOCAL(B)",
+                                "DIS QMGR",        "ALT QMGR",         "PING QMGR",
+                                "DIS QSTATUS(*)",  "DIS QS(*)",        "DIS CONN(*)",
+                                "DIS NL(*)",       "DIS PRO(*)",       "DIS QA(*)",
+                                "DIS QR(*)",       "DIS QM(*)"})
         EXPECT_EQ(run(command).result, CommandResult::Done) << command << '\n' << answer(command);
 }
 
@@ -138,8 +142,8 @@ TEST_F(Mqsc, DisplayShowsWhatIsAskedFor)
 {
     ASSERT_EQ(run("DEF QL(A.1) MAXDEPTH(5)").result, CommandResult::Done);
     ASSERT_EQ(run("DEF QL(A.2) MAXDEPTH(6)").result, CommandResult::Done);
-    EXPECT_EQ(answer("DIS QL(A.1)"), "AMQ8409I: Queue details:\n"
-                                     "   QUEUE(A.1)                              TYPE(QLOCAL)\n");
+    EXPECT_EQ(answer("DIS QL(A.1*)"), "AMQ8409I: Queue details:\n"
+                                      "   QUEUE(A.1)                              TYPE(QLOCAL)\n");
     EXPECT_EQ(answer("DIS QL(A.*) CURDEPTH MAXDEPTH NOSHARE"),
               "AMQ8409I: Queue details:\n"
               "   QUEUE(A.1)                              TYPE(QLOCAL)\n"
@@ -155,6 +159,12 @@ TEST_F(Mqsc, DisplayShowsWhatIsAskedFor)
     EXPECT_EQ(run("DIS QL(A.*) WHERE(MAXDEPTH GT 6)").result, CommandResult::Failed);
     EXPECT_EQ(run("DIS QL(A.*) WHERE(MAXDEPTH)").result, CommandResult::SyntaxError);
     EXPECT_EQ(run("DIS QL(A*B)").result, CommandResult::SyntaxError);
+}
+
+TEST_F(Mqsc, EverythingIsShownOfAnObjectThatIsNamedAlone)
+{
+    EXPECT_EQ(answer("DIS QL(SYSTEM.DEFAULT.LOCAL.QUEUE)"), answer("DIS QL(SYSTEM.DEFAULT.LOCAL.QUEUE) ALL"));
+    EXPECT_NE(answer("DIS QL(SYSTEM.DEFAULT.LOCAL.QUEUE)"), answer("DIS QL(SYSTEM.DEFAULT.LOCAL.QUEUE*)"));
 }
 
 TEST_F(Mqsc, DisplayAllShowsEveryAttributeOnce)

@@ -69,11 +69,24 @@ TEST(AttributeTable, UnknownSelectorsAndKeywordsAreNotFound)
     EXPECT_EQ(findKeyword(ObjectKind::LocalQueue, "MAXHANDS").attribute, nullptr);
 }
 
-TEST(AttributeTable, StandingTellsOtherKindsFromUnknownSelectors)
+TEST(AttributeTable, StandingTellsAttributesOfOtherQueuesFromUnknownSelectors)
 {
     EXPECT_EQ(standing(ObjectKind::LocalQueue, MQIA_MAX_Q_DEPTH), SelectorStanding::OfObject);
-    EXPECT_EQ(standing(ObjectKind::LocalQueue, MQIA_MAX_HANDLES), SelectorStanding::OtherKind);
+    EXPECT_EQ(standing(ObjectKind::AliasQueue, MQIA_MAX_Q_DEPTH), SelectorStanding::OfOtherQueues);
+    EXPECT_EQ(standing(ObjectKind::LocalQueue, MQCA_REMOTE_Q_NAME), SelectorStanding::OfOtherQueues);
+    EXPECT_EQ(standing(ObjectKind::LocalQueue, MQIA_MAX_HANDLES), SelectorStanding::Unknown);
+    EXPECT_EQ(standing(ObjectKind::Process, MQIA_MAX_Q_DEPTH), SelectorStanding::Unknown);
+    EXPECT_EQ(standing(ObjectKind::LocalQueue, MQCA_NAMES), SelectorStanding::Unknown);
     EXPECT_EQ(standing(ObjectKind::LocalQueue, 1999), SelectorStanding::Unknown);
+}
+
+TEST(AttributeTable, NoObjectHasAttributesOfOtherPlatforms)
+{
+    // EXPRYINT, DNSGROUP, NLTYPE, ADOPTNEWMCA and such are of z/OS.
+    for (const Attribute &row : attributes())
+        for (const MQLONG selector : {MQIA_EXPIRY_INTERVAL, MQCA_DNS_GROUP, MQIA_NAMELIST_TYPE,
+                                      MQIA_ADOPTNEWMCA_INTERVAL, MQCA_STORAGE_CLASS, MQIA_INDEX_TYPE})
+            EXPECT_NE(row.selector, selector) << row.keyword;
 }
 
 TEST(AttributeTable, LengthsAreThoseOfTheMqiFields)
