@@ -14,9 +14,31 @@ using namespace mqrig::qmgr;
 namespace {
 
 constexpr MQLONG cursorOptions = core::browseOptions | MQGMO_MSG_UNDER_CURSOR;
+constexpr MQLONG unmarkOptions = MQGMO_UNMARK_BROWSE_CO_OP | MQGMO_UNMARK_BROWSE_HANDLE;
+constexpr MQLONG markOptions =
+    MQGMO_MARK_BROWSE_HANDLE | MQGMO_MARK_BROWSE_CO_OP | MQGMO_UNMARKED_BROWSE_MSG | unmarkOptions;
+// Options that want more than one message, or keep one for the handle: a mark is for one that anybody may have.
+constexpr MQLONG notWithMarks =
+    MQGMO_LOCK | MQGMO_LOGICAL_ORDER | MQGMO_COMPLETE_MSG | MQGMO_ALL_MSGS_AVAILABLE | MQGMO_ALL_SEGMENTS_AVAILABLE;
 constexpr MQLONG syncpointOptions = MQGMO_SYNCPOINT | MQGMO_SYNCPOINT_IF_PERSISTENT | MQGMO_NO_SYNCPOINT;
 constexpr MQLONG propertyOptions =
     MQGMO_PROPERTIES_FORCE_MQRFH2 | MQGMO_NO_PROPERTIES | MQGMO_PROPERTIES_IN_HANDLE | MQGMO_PROPERTIES_COMPATIBILITY;
+
+bool has(MQLONG options, MQLONG all)
+{
+    return (options & all) == all;
+}
+
+// Locks and marks are for browsing, and no mark is set and taken away at once.
+bool isWrongBrowse(MQLONG options)
+{
+    if ((options & (MQGMO_LOCK | markOptions)) == 0) return false;
+    if ((options & core::browseOptions) == 0) return true;
+    if ((options & markOptions) == 0) return false;
+    return (options & notWithMarks) != 0 || has(options, MQGMO_MARK_BROWSE_CO_OP | MQGMO_UNMARK_BROWSE_CO_OP) ||
+           has(options, MQGMO_MARK_BROWSE_HANDLE | MQGMO_UNMARK_BROWSE_HANDLE) ||
+           ((options & MQGMO_UNMARKED_BROWSE_MSG) != 0 && (options & unmarkOptions) != 0);
+}
 
 MQLONG checkGetOptions(const MQGMO &gmo)
 {
@@ -24,7 +46,7 @@ MQLONG checkGetOptions(const MQGMO &gmo)
     if (const MQLONG reason = api::checkOptions(api::OptionField::Get, options)) return reason;
     const bool browses = (options & core::browseOptions) != 0;
     const bool wrong = api::severalOf(options, cursorOptions) || api::severalOf(options, syncpointOptions) ||
-                       api::severalOf(options, propertyOptions) ||
+                       api::severalOf(options, propertyOptions) || isWrongBrowse(options) ||
                        (browses && (options & (MQGMO_SYNCPOINT | MQGMO_SYNCPOINT_IF_PERSISTENT)) != 0) ||
                        // The segments of a message would have to agree before they are looked at.
                        ((options & MQGMO_COMPLETE_MSG) != 0 && (options & MQGMO_SYNCPOINT_IF_PERSISTENT) != 0);
@@ -80,6 +102,13 @@ Outcome convertGot(const MQMD &wanted, MQLONG options, MQLONG queueManagerCcsid,
     return conversion.reason == MQRC_NONE ? success() : warning(conversion.reason);
 }
 
+// No message is returned: nothing but the options is looked at.
+Outcome unlock(core::Connection &connection, core::OpenObject &object, MQLONG options)
+{
+    if ((options & ~(MQGMO_UNLOCK | MQGMO_NO_SYNCPOINT)) != 0) return failure(MQRC_OPTIONS_ERROR);
+    return core::unlockMessage(connection, object);
+}
+
 Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, MQLONG bufferLength, PMQVOID pBuffer,
             PMQLONG pDataLength)
 {
@@ -87,8 +116,11 @@ Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, M
     if (use.outcome().failed()) return use.outcome();
     core::OpenObject *object = use->handles.find(Hobj);
     if (object == nullptr) return failure(MQRC_HOBJ_ERROR);
+    const MQLONG wrongGmo = api::checkGmo(pGetMsgOpts);
+    if (wrongGmo == MQRC_NONE && (static_cast<const MQGMO *>(pGetMsgOpts)->Options & MQGMO_UNLOCK) != 0)
+        return unlock(*use, *object, static_cast<const MQGMO *>(pGetMsgOpts)->Options);
     if (const MQLONG reason = api::checkMd(pMsgDesc)) return failure(reason);
-    if (const MQLONG reason = api::checkGmo(pGetMsgOpts)) return failure(reason);
+    if (wrongGmo != MQRC_NONE) return failure(wrongGmo);
     if (bufferLength < 0) return failure(MQRC_BUFFER_LENGTH_ERROR);
     if (pBuffer == nullptr && bufferLength > 0) return failure(MQRC_BUFFER_ERROR);
     if (pDataLength == nullptr) return failure(MQRC_DATA_LENGTH_ERROR);

@@ -21,6 +21,7 @@ MQLONG checkOpenOptions(MQLONG options)
     const bool wrong = (options & purposes) == 0 || api::severalOf(options, inputOptions) ||
                        api::severalOf(options, MQOO_BIND_ON_OPEN | MQOO_BIND_NOT_FIXED | MQOO_BIND_ON_GROUP) ||
                        api::severalOf(options, MQOO_READ_AHEAD | MQOO_NO_READ_AHEAD) ||
+                       ((options & MQOO_CO_OP) != 0 && (options & MQOO_BROWSE) == 0) ||
                        ((options & MQOO_SAVE_ALL_CONTEXT) != 0 && (options & inputOptions) == 0) ||
                        ((options & outputContexts) != 0 && (options & MQOO_OUTPUT) == 0);
     return wrong ? MQRC_OPTIONS_ERROR : MQRC_NONE;

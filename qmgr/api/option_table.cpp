@@ -26,8 +26,6 @@ constexpr std::string_view noAuthority = "the store belongs to one user: there i
 constexpr std::string_view zosOnly = "the MQI has it on z/OS only";
 constexpr std::string_view segmentationLater = "segmentation by the queue manager is not built yet";
 constexpr std::string_view propertiesLater = "message properties are not built yet";
-constexpr std::string_view marksLater = "browse marks are not built yet";
-constexpr std::string_view locksLater = "browse locks are not built yet";
 constexpr std::string_view topicsOnly = "it is for topics";
 constexpr std::string_view dynamicOnly = "it is for dynamic queues";
 constexpr std::string_view subscriptionOnly = "it is for subscriptions";
@@ -79,7 +77,7 @@ constexpr OptionRow openRows[] = {
     noEffect("MQOO_BIND_ON_OPEN", MQOO_BIND_ON_OPEN, noClusters),
     noEffect("MQOO_BIND_NOT_FIXED", MQOO_BIND_NOT_FIXED, noClusters),
     refused("MQOO_RESOLVE_NAMES", MQOO_RESOLVE_NAMES, MQRC_OPTIONS_ERROR, "it is for an object-oriented wrapper"),
-    refused("MQOO_CO_OP", MQOO_CO_OP, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
+    done("MQOO_CO_OP", MQOO_CO_OP),
     done("MQOO_RESOLVE_LOCAL_Q", MQOO_RESOLVE_LOCAL_Q),
     noEffect("MQOO_NO_READ_AHEAD", MQOO_NO_READ_AHEAD, noChannels),
     noEffect("MQOO_READ_AHEAD", MQOO_READ_AHEAD, noChannels),
@@ -132,8 +130,8 @@ constexpr OptionRow getRows[] = {
     done("MQGMO_ACCEPT_TRUNCATED_MSG", MQGMO_ACCEPT_TRUNCATED_MSG),
     refused("MQGMO_MARK_SKIP_BACKOUT", MQGMO_MARK_SKIP_BACKOUT, MQRC_OPTIONS_ERROR, zosOnly),
     done("MQGMO_MSG_UNDER_CURSOR", MQGMO_MSG_UNDER_CURSOR),
-    refused("MQGMO_LOCK", MQGMO_LOCK, MQRC_FUNCTION_NOT_SUPPORTED, locksLater),
-    refused("MQGMO_UNLOCK", MQGMO_UNLOCK, MQRC_FUNCTION_NOT_SUPPORTED, locksLater),
+    done("MQGMO_LOCK", MQGMO_LOCK),
+    done("MQGMO_UNLOCK", MQGMO_UNLOCK),
     done("MQGMO_BROWSE_MSG_UNDER_CURSOR", MQGMO_BROWSE_MSG_UNDER_CURSOR),
     done("MQGMO_SYNCPOINT_IF_PERSISTENT", MQGMO_SYNCPOINT_IF_PERSISTENT),
     done("MQGMO_FAIL_IF_QUIESCING", MQGMO_FAIL_IF_QUIESCING),
@@ -142,11 +140,11 @@ constexpr OptionRow getRows[] = {
     done("MQGMO_COMPLETE_MSG", MQGMO_COMPLETE_MSG),
     done("MQGMO_ALL_MSGS_AVAILABLE", MQGMO_ALL_MSGS_AVAILABLE),
     done("MQGMO_ALL_SEGMENTS_AVAILABLE", MQGMO_ALL_SEGMENTS_AVAILABLE),
-    refused("MQGMO_MARK_BROWSE_HANDLE", MQGMO_MARK_BROWSE_HANDLE, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
-    refused("MQGMO_MARK_BROWSE_CO_OP", MQGMO_MARK_BROWSE_CO_OP, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
-    refused("MQGMO_UNMARK_BROWSE_CO_OP", MQGMO_UNMARK_BROWSE_CO_OP, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
-    refused("MQGMO_UNMARK_BROWSE_HANDLE", MQGMO_UNMARK_BROWSE_HANDLE, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
-    refused("MQGMO_UNMARKED_BROWSE_MSG", MQGMO_UNMARKED_BROWSE_MSG, MQRC_FUNCTION_NOT_SUPPORTED, marksLater),
+    done("MQGMO_MARK_BROWSE_HANDLE", MQGMO_MARK_BROWSE_HANDLE),
+    done("MQGMO_MARK_BROWSE_CO_OP", MQGMO_MARK_BROWSE_CO_OP),
+    done("MQGMO_UNMARK_BROWSE_CO_OP", MQGMO_UNMARK_BROWSE_CO_OP),
+    done("MQGMO_UNMARK_BROWSE_HANDLE", MQGMO_UNMARK_BROWSE_HANDLE),
+    done("MQGMO_UNMARKED_BROWSE_MSG", MQGMO_UNMARKED_BROWSE_MSG),
     noEffect("MQGMO_PROPERTIES_FORCE_MQRFH2", MQGMO_PROPERTIES_FORCE_MQRFH2, propertiesStay),
     refused("MQGMO_NO_PROPERTIES", MQGMO_NO_PROPERTIES, MQRC_FUNCTION_NOT_SUPPORTED, propertiesLater),
     refused("MQGMO_PROPERTIES_IN_HANDLE", MQGMO_PROPERTIES_IN_HANDLE, MQRC_FUNCTION_NOT_SUPPORTED, propertiesLater),

@@ -13,10 +13,10 @@ Outcome closeObject(Connection &connection, MQHOBJ hobj)
     const store::OpenCounts &opens = object->opens;
     if (opens.input == 0 && opens.output == 0 && opens.browse == 0) return unfinished;
     const objects::QueueDefinition &queue = *object->hold.queue;
-    const store::OpenCounts back{-opens.input, -opens.exclusive, -opens.output, -opens.browse};
     const Outcome counted = connection.store->update(0, [&](store::WriteTransaction &transaction) {
-        transaction.addOpens(queue.id, back);
-        if (queue.objectId != queue.id) transaction.addOpens(queue.objectId, back);
+        if (object->locked) transaction.unlockBrowsed(*object->locked);
+        transaction.addOpens(queue.id, -opens);
+        if (queue.objectId != queue.id) transaction.addOpens(queue.objectId, -opens);
         return success();
     });
     return counted.failed() ? counted : unfinished;

@@ -25,6 +25,8 @@ Outcome mayUseHandle(const OpenObject &object, const GetRequest &request)
     const bool browses = request.has(browseOptions);
     if ((browses || request.has(MQGMO_MSG_UNDER_CURSOR)) && !object.allows(MQOO_BROWSE))
         return failure(MQRC_NOT_OPEN_FOR_BROWSE);
+    if (request.has(MQGMO_MARK_BROWSE_CO_OP | MQGMO_UNMARK_BROWSE_CO_OP) && !object.allows(MQOO_CO_OP))
+        return failure(MQRC_OPTIONS_ERROR);
     if (!browses && !object.allows(MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE)) return failure(MQRC_NOT_OPEN_FOR_INPUT);
     return success();
 }
@@ -61,7 +63,9 @@ Outcome lookUntilFound(Connection &connection, OpenObject &object, const GetRequ
         if (look.held && connection.store->releaseDead()) continue;
         if (!waits || lastLook) return look.outcome;
         if (!deadline) deadline = deadlineOf(request);
-        const store::Deadline until = endOfSleep(connection, *deadline);
+        store::Deadline until = endOfSleep(connection, *deadline);
+        if (look.again)
+            until = std::min(until, std::chrono::steady_clock::now() + std::chrono::microseconds(*look.again));
         if (!connection.store->waitForMessage(queue, observed, until) && until == *deadline) return look.outcome;
         if (const Outcome alive = connection.store->check(); alive.failed()) return alive;
     }

@@ -53,8 +53,12 @@ Outcome getMessage(Connection &connection, OpenObject &object, const GetRequest 
 struct Look {
     Outcome outcome;
     bool held = false;
+    std::optional<std::int64_t> again = std::nullopt; // microseconds after which a mark is over that was in the way
 };
 Look takeMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got);
 Look browseMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got);
+
+// MQGMO_UNLOCK: ends the lock of the handle's last browse. Warning MQRC_NO_MSG_LOCKED.
+Outcome unlockMessage(Connection &connection, OpenObject &object);
 
 } // namespace mqrig::qmgr::core

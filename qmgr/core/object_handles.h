@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cmqc.h"
+#include "qmgr/core/browse_marks.h"
 #include "qmgr/core/context.h"
 #include "qmgr/core/logical_order.h"
 #include "qmgr/objects/catalog.h"
@@ -26,6 +27,10 @@ struct OpenObject {
 
     // Where browsing stands: the last message that a browse returned. It may be gone since.
     std::optional<store::MessageKey> cursor;
+    // The message that its last browse locked (MQGMO_LOCK), for this handle only.
+    std::optional<store::MessageKey> locked;
+    // What this handle has marked (MQGMO_MARK_BROWSE_HANDLE).
+    HandleMarks marks;
     // With MQOO_SAVE_ALL_CONTEXT: of the message that the last successful MQGET removed; none if that was a browse.
     std::optional<MessageContext> savedContext;
     // Made with the first message in a group, the first segment or the first call with logical order.

@@ -34,6 +34,7 @@ store::OpenCounts countsOf(MQLONG options)
     opens.input = (options & (MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE)) != 0 ? 1 : 0;
     opens.output = (options & MQOO_OUTPUT) != 0 ? 1 : 0;
     opens.browse = (options & MQOO_BROWSE) != 0 ? 1 : 0;
+    opens.together = (options & MQOO_CO_OP) != 0 ? 1 : 0;
     return opens;
 }
 
@@ -45,6 +46,8 @@ bool inTheWay(const store::OpenCounts &others, const store::OpenCounts &wanted)
 // Counts the handle, unless another one's exclusive use forbids it.
 Outcome countOpen(store::Attachment &store, const objects::QueueDefinition &queue, const store::OpenCounts &wanted)
 {
+    // The marks of programs that have browsed together and were killed end before this handle joins them.
+    if (wanted.together != 0) static_cast<void>(store.releaseDead());
     for (;;) {
         const Outcome outcome = store.update(0, [&](store::WriteTransaction &transaction) {
             if (inTheWay(transaction.queue(queue.id).opens, wanted)) return failure(MQRC_OBJECT_IN_USE);

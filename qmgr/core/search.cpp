@@ -5,13 +5,20 @@
 namespace mqrig::qmgr::core {
 namespace {
 
+bool isWanted(store::Transaction &transaction, const Search &search, const store::MessageKey &key,
+              const store::MessageHeader &header)
+{
+    return search.selection->matches(header) &&
+           (search.marks == nullptr || !search.marks->isMarked(transaction, key, header));
+}
+
 // The one message that a token names.
 void searchToken(store::Transaction &transaction, const Search &search, SearchResult &result, ExpiredMessages &expired)
 {
     const auto key = search.selection->tokenKey();
     if (!key || key->queue != search.queue || (search.behind && *key <= *search.behind)) return;
     const auto header = transaction.find(*key);
-    if (!header || !search.selection->matches(*header)) return;
+    if (!header || !isWanted(transaction, search, *key, *header)) return;
     if (!Availability(transaction, search.needs, search.now).holds(*key, *header)) return;
     if (isExpired(*header, search.now)) {
         expired.add(*key, header->md);
@@ -32,7 +39,7 @@ void walk(store::Transaction &transaction, store::MessageCursor &cursor, const S
         const store::MessageHeader &header = cursor.header();
         if (isExpired(header, search.now)) {
             expired.add(cursor.key(), header.md);
-        } else if (search.selection->matches(header) && availability.holds(cursor.key(), header)) {
+        } else if (isWanted(transaction, search, cursor.key(), header) && availability.holds(cursor.key(), header)) {
             result.end = SearchEnd::Found;
             result.key = cursor.key();
             result.header = header;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "qmgr/core/browse_marks.h"
 #include "qmgr/core/reports.h"
 #include "qmgr/core/selection.h"
 #include "qmgr/store/message.h"
@@ -48,6 +49,7 @@ struct Search {
     std::int64_t now = 0;                    // microseconds since 1970 UTC
     std::size_t most = 0;                    // messages to look at
     MQLONG needs = MQGMO_NONE;               // MQGMO_ALL_MSGS_AVAILABLE or MQGMO_ALL_SEGMENTS_AVAILABLE
+    const MarkFilter *marks = nullptr;       // whose marked messages are passed over, if any are
 };
 
 enum class SearchEnd {

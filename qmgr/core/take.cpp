@@ -28,6 +28,7 @@ constexpr std::size_t largeBody = 65536;
 // What the transaction did with the message that it found; made anew whenever it runs again.
 struct Taken {
     Outcome outcome = failure(MQRC_NO_MSG_AVAILABLE);
+    bool gone = false;   // from the queue
     bool locked = false; // for the unit of work, or until the large body is copied
     bool copyLater = false;
     store::Ticket ticket = 0;
@@ -35,7 +36,7 @@ struct Taken {
 
 class Taker {
 public:
-    Taker(Connection &connection, const OpenObject &object, const GetRequest &request, GotMessage &got)
+    Taker(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got)
         : connection_(connection), store_(*connection.store), object_(object), request_(request), got_(got),
           queue_(object.hold.queue->id),
           maxUncommitted_(static_cast<std::size_t>(connection.queueManager().maxUncommittedMsgs))
@@ -52,6 +53,7 @@ public:
         const std::int64_t now = store::currentTime();
         const Outcome updated = store_.update(0, [&](store::WriteTransaction &transaction) {
             taken = {};
+            showLocked(transaction);
             const auto header = transaction.find(*object_.cursor);
             if (!header || isExpired(*header, now)) return failure(MQRC_NO_MSG_UNDER_CURSOR);
             got_.key = *object_.cursor;
@@ -71,6 +73,7 @@ public:
             Taken taken;
             const Outcome updated = store_.update(0, [&](store::WriteTransaction &transaction) {
                 taken = {};
+                showLocked(transaction);
                 search(transaction, {queue_, &request_.selection, behind, store::currentTime(), shortSearch}, found_,
                        expired_);
                 if (found_.end == SearchEnd::NotFound) held = transaction.queue(queue_).held != 0;
@@ -96,6 +99,22 @@ public:
     }
 
 private:
+    // The message that a browse of this handle has locked is there for its gets too.
+    void showLocked(store::Transaction &transaction) const
+    {
+        if (object_.locked) [[unlikely]]
+            transaction.showLocked(*object_.locked, store_.slot());
+    }
+
+    // The segments of the message that `got` names are got together, as anybody gets them: without the browse lock of
+    // this handle on the first of them.
+    std::optional<Outcome> takeWhole()
+    {
+        if (object_.locked == got_.key)
+            if (const Outcome unlocked = unlockMessage(connection_, object_); unlocked.failed()) return unlocked;
+        return takeSegments(connection_, request_, got_);
+    }
+
     // What other messages decide about is looked for in a snapshot, however few there are, and taken if it is still
     // there. That the others are, too, was true when the call was made: no more is promised.
     Look nextAvailable()
@@ -106,8 +125,7 @@ private:
             got_.key = found_.key;
             got_.header = found_.header;
             const bool whole = request_.has(MQGMO_COMPLETE_MSG) && (found_.header.md.MsgFlags & MQMF_SEGMENT) != 0;
-            if (const std::optional<Outcome> outcome = whole ? takeSegments(connection_, request_, got_) : takeFound())
-                return {*outcome};
+            if (const std::optional<Outcome> outcome = whole ? takeWhole() : takeFound()) return {*outcome};
         }
     }
 
@@ -119,6 +137,7 @@ private:
         bool there = false;
         const Outcome updated = store_.update(0, [&](store::WriteTransaction &transaction) {
             taken = {};
+            showLocked(transaction);
             const auto header = transaction.find(got_.key);
             there = header.has_value();
             return there ? take(transaction, taken) : success();
@@ -133,6 +152,7 @@ private:
     {
         std::optional<store::MessageHeader> header;
         const Outcome read = store_.read([&](store::ReadTransaction &transaction) {
+            showLocked(transaction);
             header = transaction.find(*object_.cursor);
             return success();
         });
@@ -141,7 +161,7 @@ private:
         if (header->md.Offset != 0) return failure(MQRC_INVALID_MSG_UNDER_CURSOR);
         got_.key = *object_.cursor;
         got_.header = *header;
-        const std::optional<Outcome> outcome = takeSegments(connection_, request_, got_);
+        const std::optional<Outcome> outcome = takeWhole();
         return outcome ? *outcome : failure(MQRC_NO_MSG_UNDER_CURSOR);
     }
 
@@ -151,6 +171,7 @@ private:
         for (;;) {
             bool held = false;
             const Outcome looked = store_.read([&](store::ReadTransaction &transaction) {
+                showLocked(transaction);
                 search(transaction,
                        {queue_, &request_.selection, behind, store::currentTime(), anyNumber, request_.needs}, found_,
                        expired_);
@@ -180,6 +201,7 @@ private:
         taken.copyLater = stored.size() >= largeBody;
         if (!taken.copyLater) copyDelivery(request_, stored, got_);
         taken.locked = unit || taken.copyLater || wantsDeliveryReport(got_.header.md);
+        taken.gone = true;
         if (taken.locked)
             transaction.lock(got_.key);
         else
@@ -190,6 +212,7 @@ private:
     // After the transaction: the large body, the report, the place in the unit of work, the log.
     Outcome finish(const Taken &taken)
     {
+        if (taken.gone && object_.locked == got_.key) object_.locked.reset();
         if (!taken.locked) {
             const Outcome hardened = store_.harden(taken.ticket);
             return hardened.failed() ? hardened : taken.outcome;
@@ -216,7 +239,7 @@ private:
 
     Connection &connection_;
     store::Attachment &store_;
-    const OpenObject &object_;
+    OpenObject &object_;
     const GetRequest &request_;
     GotMessage &got_;
     store::QueueId queue_;

@@ -170,8 +170,8 @@ Outcome Store::sweep(const Definition &definition)
     });
     const QueueId queue = definition.queue;
     if (queue == 0) return outcome;
-    for (const LiveKey &records :
-         {LiveKey::bodiesOf(queue), LiveKey::indexesOf(queue), LiveKey::holdsOf(queue), LiveKey::messagesOf(queue)}) {
+    for (const LiveKey &records : {LiveKey::bodiesOf(queue), LiveKey::marksOf(queue), LiveKey::indexesOf(queue),
+                                   LiveKey::holdsOf(queue), LiveKey::messagesOf(queue)}) {
         bool more = true;
         while (more && !outcome.failed()) {
             outcome = update(0, 0, [&](WriteTransaction &transaction) {

@@ -5,6 +5,7 @@
 //
 // clang-format off
 //   'B' queue order sequence          -> body of a large message
+//   'C' queue order sequence          -> BrowseMark of a message that co-operating browsers have marked
 //   'D' type name                     -> object definition: queue id, bytes
 //   'H' queue order sequence          -> Hold: the message is there but not visible, and who has it
 //   'I' queue index id order sequence -> nothing; for every id that is not all zero
@@ -33,6 +34,8 @@ public:
     static LiveKey message(const MessageKey &key) { return LiveKey('M').ofMessage(key); }
     static LiveKey body(const MessageKey &key) { return LiveKey('B').ofMessage(key); }
     static LiveKey hold(const MessageKey &key) { return LiveKey('H').ofMessage(key); }
+    static LiveKey mark(const MessageKey &key) { return LiveKey('C').ofMessage(key); }
+    static LiveKey marksOf(QueueId queue) { return LiveKey('C').u32(queue); }
     static LiveKey messagesOf(QueueId queue) { return LiveKey('M').u32(queue); }
     static LiveKey holdsOf(QueueId queue) { return LiveKey('H').u32(queue); }
     static LiveKey bodiesOf(QueueId queue) { return LiveKey('B').u32(queue); }

@@ -22,12 +22,18 @@ enum class HoldKind : std::uint32_t {
     Got = 1,      // by the unit of work of a connection: falls with the slot
     Prepared = 2, // got by a prepared unit: only the log decides
     Hidden = 3,   // put by a prepared unit: only the log decides
+    Browsed = 4,  // locked by a browse, in no unit of work: falls with the slot
 };
 
 struct Hold {
     HoldKind kind;
     std::uint32_t slot;
-    Ticket ticket; // 0 for Got
+    Ticket ticket; // 0 for Got and Browsed
+};
+
+// That a message is marked for the handles that browse its queue together.
+struct BrowseMark {
+    std::int64_t since; // microseconds since 1970 UTC
 };
 
 // What a connection has booked on a queue, to be given back should it die.

@@ -115,7 +115,7 @@ bool MessageCursor::settle(int code, Transaction::Value name, Transaction::Value
         }
         if (!prefix_.isPrefixOf(name.data, name.size)) return false;
         key_ = messageOf(name.data, name.size);
-        if (holds_ != nullptr && isHeld()) continue;
+        if (holds_ != nullptr && isHeld() && !transaction_.isShown(key_)) continue;
         headerRead_ = false;
         value_ = byIndex_ ? Transaction::Value{} : value;
         return true;

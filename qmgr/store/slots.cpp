@@ -136,27 +136,29 @@ void Store::cleanUp(std::uint32_t number)
     const bool mayHold = control().slots[number].holds != 0;
     const Outcome cleaned = update(0, number, [&](WriteTransaction &transaction) {
         std::vector<MessageKey> gots;
+        std::vector<MessageKey> browsed;
         if (mayHold) {
             transaction.forEach(LiveKey::holds(), [&](const MDB_val &key, const MDB_val &value) {
                 const auto hold = recordIn<Hold>(value);
-                if (hold && hold->kind == HoldKind::Got && hold->slot == number) gots.push_back(messageOf(key));
+                if (!hold || hold->slot != number) return;
+                if (hold->kind == HoldKind::Got) gots.push_back(messageOf(key));
+                if (hold->kind == HoldKind::Browsed) browsed.push_back(messageOf(key));
             });
         }
         std::vector<std::pair<QueueId, Booking>> booked;
         transaction.forEach(LiveKey::bookingsOf(number), [&](const MDB_val &key, const MDB_val &value) {
             booked.emplace_back(numberAtEnd<QueueId>(key), recordIn<Booking>(value).value_or(Booking{}));
         });
-        if (gots.empty() && booked.empty()) return failure(MQRC_NONE); // nothing to commit
+        if (gots.empty() && browsed.empty() && booked.empty()) return failure(MQRC_NONE); // nothing to commit
         for (const MessageKey &key : gots)
             transaction.returnToQueue(key);
+        for (const MessageKey &key : browsed)
+            transaction.releaseBrowsed(key);
         for (const auto &[queue, booking] : booked) {
             QueueStatus &status = transaction.counters(queue);
             status.depth -= booking.puts;
             status.uncommitted -= booking.puts;
-            status.opens.input -= booking.opens.input;
-            status.opens.exclusive -= booking.opens.exclusive;
-            status.opens.output -= booking.opens.output;
-            status.opens.browse -= booking.opens.browse;
+            transaction.addToOpens(queue, -booking.opens);
             transaction.erase(LiveKey::booking(number, queue));
             transaction.wakeGetters(queue);
         }

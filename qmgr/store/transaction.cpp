@@ -73,8 +73,22 @@ TransactionScratch::QueueEntry &TransactionScratch::entryOf(Transaction &transac
 std::optional<MessageHeader> Transaction::find(const MessageKey &key)
 {
     auto header = findHeld(key);
-    if (header && isHeld(key)) return std::nullopt;
+    if (header && isHeld(key) && !isShown(key)) return std::nullopt;
     return header;
+}
+
+void Transaction::showLocked(const MessageKey &key, std::uint32_t slot)
+{
+    const auto hold = holdOf(key);
+    if (hold && hold->kind == HoldKind::Browsed && hold->slot == slot) shown_ = key;
+}
+
+std::optional<std::int64_t> Transaction::markOf(const MessageKey &key)
+{
+    if (queue(key.queue).marked == 0) return std::nullopt;
+    const auto mark = recordIn<BrowseMark>(get(LiveKey::mark(key)));
+    if (!mark) return std::nullopt;
+    return mark->since;
 }
 
 std::optional<MessageHeader> Transaction::findHeld(const MessageKey &key)

@@ -48,13 +48,21 @@ struct OpenCounts {
     std::int32_t exclusive = 0;
     std::int32_t output = 0;
     std::int32_t browse = 0;
+    std::int32_t together = 0; // within `browse`: MQOO_CO_OP
 };
+
+constexpr OpenCounts operator-(const OpenCounts &counts)
+{
+    return {-counts.input, -counts.exclusive, -counts.output, -counts.browse, -counts.together};
+}
 
 // The live counters of one queue.
 struct QueueStatus {
     std::uint32_t depth = 0;       // MQ's CURDEPTH: counts uncommitted puts, no longer messages got under syncpoint
-    std::uint32_t held = 0;        // messages there but not visible: got and not committed, or on their way to the log
+    std::uint32_t held = 0;        // messages there but not visible: got and not committed, on their way to the log, or
+                                   // locked by a browse
     std::uint32_t uncommitted = 0; // booked puts whose unit is not committed; with `held` MQ's UNCOM
+    std::uint32_t marked = 0;      // messages marked for the handles that browse together
     std::uint32_t deleted = 0;     // 1 once the queue is being deleted: nothing can be done with it any more
     OpenCounts opens;
 
@@ -111,6 +119,13 @@ public:
     // The header of a message whether visible or not, e.g. one this connection has locked.
     [[nodiscard]] std::optional<MessageHeader> findHeld(const MessageKey &key);
 
+    // Lets the holder of a browse lock see the message that it has locked, for the rest of the transaction, as if it
+    // were visible. `slot`: of the holder's connection.
+    void showLocked(const MessageKey &key, std::uint32_t slot);
+
+    // Since when the message is marked for the handles that browse together (microseconds since 1970 UTC), if it is.
+    [[nodiscard]] std::optional<std::int64_t> markOf(const MessageKey &key);
+
     // The error that stuck, else success.
     [[nodiscard]] Outcome outcome() const { return outcome_; }
 
@@ -136,6 +151,7 @@ protected:
     void forFirst(const LiveKey &prefix, Visit &&visit);
     [[nodiscard]] std::optional<Hold> holdOf(const MessageKey &key);
     [[nodiscard]] bool isHeld(const MessageKey &key);
+    [[nodiscard]] bool isShown(const MessageKey &key) const { return shown_ && *shown_ == key; }
     // Remembers LMDB's error code; MDB_NOTFOUND is none. True if there was no error.
     bool sticks(int code);
 
@@ -144,7 +160,8 @@ protected:
     TransactionScratch *scratch_ = nullptr; // of the thread; null in a ReadTransaction
     std::uint32_t records_ = 0;
     Outcome outcome_;
-    bool outgrown_ = false; // the error is that the map is full: grow it and run the body again
+    std::optional<MessageKey> shown_; // locked by a browse of whoever made this transaction
+    bool outgrown_ = false;           // the error is that the map is full: grow it and run the body again
 };
 
 class ReadTransaction : public Transaction {
@@ -192,6 +209,20 @@ public:
     // A trigger message of the queue is made now.
     void noteTrigger(QueueId queue);
 
+    // ---- Browsing ----
+
+    // Hides a visible message from all but the handle that browses it. In no unit of work: the depth stays, and no end
+    // of the lock raises a backout count. Ends with take, lock or discard of the message, unlockBrowsed, or the
+    // connection.
+    void lockBrowsed(const MessageKey &key);
+    // Nothing if the connection has no such lock (any more).
+    void unlockBrowsed(const MessageKey &key);
+
+    // Marks a message for the handles that browse its queue together. Ends with clearMark, when the message is taken or
+    // locked by a get, or with the last of these handles.
+    void setMark(const MessageKey &key, std::int64_t since);
+    void clearMark(const MessageKey &key);
+
     // ---- Handles and headers ----
 
     // Adds to (or with negative numbers takes from) the open counts of the queue, booked on this connection, so that
@@ -218,6 +249,12 @@ protected:
     void setHold(const MessageKey &key, const Hold &hold);
     void changeHold(const MessageKey &key, const Hold &hold); // of a message that is held
     void clearHold(const MessageKey &key);
+    // A get of the message: browse lock and mark end.
+    void endBrowsing(const MessageKey &key);
+    void clearMarks(QueueId queue);
+    void releaseBrowsed(const MessageKey &key);
+    // Takes a connection's open handles out of the queue's counts.
+    void addToOpens(QueueId queue, const OpenCounts &change);
     void erase(const LiveKey &key);
     void store(const LiveKey &key, const void *data, std::size_t size);
     // Erases up to `atMost` records that begin with `prefix`; whether there may be more.

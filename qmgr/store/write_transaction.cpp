@@ -27,6 +27,15 @@ void forEachIndex(const MessageKey &key, const MQMD &md, Act &&act)
     act(LiveKey::groupPlace(key.queue, {MessageId(md.GroupId), md.MsgSeqNumber, md.Offset}).place(key));
 }
 
+void add(OpenCounts &counts, const OpenCounts &change)
+{
+    counts.input += change.input;
+    counts.exclusive += change.exclusive;
+    counts.output += change.output;
+    counts.browse += change.browse;
+    counts.together += change.together;
+}
+
 // The stored bytes of a record with its header changed. Read out before anything is written: the page moves.
 struct SmallRecord {
     std::array<std::byte, sizeof(MessageHeader) + inlineBody> bytes;
@@ -245,6 +254,7 @@ Ticket WriteTransaction::take(const MessageKey &key)
 {
     const auto header = find(key);
     if (!header) return 0;
+    endBrowsing(key);
     counters(key.queue).countGet();
     if (!isPersistent(*header)) {
         eraseMessage(key);
@@ -259,6 +269,7 @@ void WriteTransaction::discard(const MessageKey &key)
 {
     const auto header = find(key);
     if (!header) return;
+    endBrowsing(key);
     counters(key.queue).depth -= 1;
     eraseMessage(key);
     if (isPersistent(*header)) addStep(UnitKind::Note, StepKind::Forget, key, true, 0);
@@ -286,6 +297,7 @@ void WriteTransaction::unbookPut(QueueId queue)
 void WriteTransaction::lock(const MessageKey &key)
 {
     if (!find(key)) return;
+    endBrowsing(key);
     connection_->holds.fetch_add(1);
     setHold(key, {.kind = HoldKind::Got, .slot = slot_, .ticket = 0});
     counters(key.queue).countGet();
@@ -315,18 +327,70 @@ void WriteTransaction::noteTrigger(QueueId queue)
     counters(queue).triggerTime = currentTime();
 }
 
+void WriteTransaction::lockBrowsed(const MessageKey &key)
+{
+    if (!find(key)) return;
+    connection_->holds.fetch_add(1);
+    setHold(key, {.kind = HoldKind::Browsed, .slot = slot_, .ticket = 0});
+}
+
+void WriteTransaction::unlockBrowsed(const MessageKey &key)
+{
+    const auto hold = holdOf(key);
+    if (hold && hold->kind == HoldKind::Browsed && hold->slot == slot_) releaseBrowsed(key);
+}
+
+void WriteTransaction::releaseBrowsed(const MessageKey &key)
+{
+    clearHold(key);
+    wakeGetters(key.queue);
+    if (isShown(key)) shown_.reset();
+}
+
+void WriteTransaction::setMark(const MessageKey &key, std::int64_t since)
+{
+    if (!markOf(key)) counters(key.queue).marked += 1;
+    const BrowseMark mark{since};
+    store(LiveKey::mark(key), &mark, sizeof mark);
+}
+
+void WriteTransaction::clearMark(const MessageKey &key)
+{
+    if (!markOf(key)) return;
+    erase(LiveKey::mark(key));
+    counters(key.queue).marked -= 1;
+    wakeGetters(key.queue);
+}
+
+void WriteTransaction::clearMarks(QueueId queue)
+{
+    while (eraseSome(LiveKey::marksOf(queue), 2000))
+        continue;
+    counters(queue).marked = 0;
+}
+
+void WriteTransaction::endBrowsing(const MessageKey &key)
+{
+    if (isShown(key)) {
+        clearHold(key);
+        shown_.reset();
+    }
+    if (counters(key.queue).marked != 0) clearMark(key);
+}
+
 void WriteTransaction::addOpens(QueueId queue, const OpenCounts &change)
 {
     const bool opening = change.input > 0 || change.output > 0 || change.browse > 0;
     if (opening && !mustExist(queue)) return;
-    const auto add = [&change](OpenCounts &counts) {
-        counts.input += change.input;
-        counts.exclusive += change.exclusive;
-        counts.output += change.output;
-        counts.browse += change.browse;
-    };
-    add(counters(queue).opens);
-    add(booking(queue).opens);
+    addToOpens(queue, change);
+    add(booking(queue).opens, change);
+}
+
+void WriteTransaction::addToOpens(QueueId queue, const OpenCounts &change)
+{
+    QueueStatus &status = counters(queue);
+    add(status.opens, change);
+    if (change.together < 0 && status.opens.together == 0 && status.marked != 0) clearMarks(queue);
 }
 
 void WriteTransaction::changeHeader(const MessageKey &key, const MessageHeader &header)

@@ -5,6 +5,7 @@
 //   put:TEXT           put outside a unit of work      puts:N:TEXT      put TEXT0 to TEXT(N-1)
 //   unitput:TEXT       put under syncpoint             persistent:TEXT  put a persistent message
 //   get  unitget       get, no wait                    getwait:MS       get with a wait
+//   openwith:N         open Q1 with these options      getwith:N        get with these options
 //   drain:MS           get with that wait until there is nothing more
 //   commit  backout
 //   say:TEXT           a line on standard output       hear             waits for a line on standard input
@@ -99,6 +100,10 @@ void step(std::string_view what, const std::string &text)
         get(MQGMO_SYNCPOINT, 0);
     } else if (what == "getwait") {
         get(MQGMO_NO_SYNCPOINT | MQGMO_WAIT, std::atoi(text.c_str()));
+    } else if (what == "openwith") {
+        open(std::atoi(text.c_str()));
+    } else if (what == "getwith") {
+        get(std::atoi(text.c_str()), 0);
     } else if (what == "drain") {
         while (get(MQGMO_NO_SYNCPOINT | MQGMO_WAIT, std::atoi(text.c_str()))) {
         }

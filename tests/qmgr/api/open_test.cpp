@@ -116,9 +116,10 @@ TEST_F(Open, UnknownOptionBitIs2046)
     EXPECT_EQ(codesFor(MQOO_OUTPUT | MQOO_RESOLVE_NAMES), failed(MQRC_OPTIONS_ERROR));
 }
 
-TEST_F(Open, CooperativeBrowsingIs2298)
+TEST_F(Open, CooperationIsForBrowsing)
 {
-    EXPECT_EQ(codesFor(MQOO_BROWSE | MQOO_CO_OP), failed(MQRC_FUNCTION_NOT_SUPPORTED));
+    EXPECT_EQ(codesFor(MQOO_BROWSE | MQOO_CO_OP), ok);
+    EXPECT_EQ(codesFor(MQOO_INPUT_SHARED | MQOO_CO_OP), failed(MQRC_OPTIONS_ERROR));
 }
 
 TEST_F(Open, OptionsWithoutEffectAreAccepted)

@@ -269,5 +269,65 @@ TEST_F(Fork, TheEndOfTheChildLeavesTheParentsUnitOfWork)
     EXPECT_EQ(get(hconn, q1).body, "1");
 }
 
+// ---- Browsing ----
+
+std::string with(const char *step, MQLONG options)
+{
+    return std::string(step) + ":" + std::to_string(options);
+}
+
+TEST_F(Processes, MessageLockedByABrowseComesBackWhenItsProcessIsKilled)
+{
+    const MQHCONN hconn = connect();
+    const MQHOBJ q1 = open(hconn, "Q1", MQOO_INPUT_SHARED | MQOO_OUTPUT);
+    put(hconn, q1, "locked", persistentMd());
+    Program other({"connect", "open", with("getwith", MQGMO_BROWSE_FIRST | MQGMO_LOCK), "say:here", "hear"});
+    EXPECT_EQ(other.line(), "got locked");
+    EXPECT_EQ(other.line(), "here");
+    EXPECT_EQ(get(hconn, q1).codes, failed(MQRC_NO_MSG_AVAILABLE));
+    other.kill();
+    const Got got = get(hconn, q1);
+    EXPECT_EQ(got.body, "locked");
+    EXPECT_EQ(got.md.BackoutCount, 0);
+}
+
+TEST_F(Processes, SleepingGetterMeetsTheMessageOfAKilledBrowser)
+{
+    const MQHCONN hconn = connect();
+    const MQHOBJ q1 = open(hconn, "Q1", MQOO_INPUT_SHARED | MQOO_OUTPUT);
+    put(hconn, q1, "locked");
+    Program other({"connect", "open", with("getwith", MQGMO_BROWSE_FIRST | MQGMO_LOCK), "say:here", "hear"});
+    EXPECT_EQ(other.line(), "got locked");
+    EXPECT_EQ(other.line(), "here");
+    std::thread killer([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        other.kill();
+    });
+    MQGMO gmo = gmoWith(MQGMO_WAIT);
+    gmo.WaitInterval = 10000;
+    EXPECT_EQ(get(hconn, q1, version2Md(), gmo).body, "locked");
+    killer.join();
+}
+
+TEST_F(Processes, BrowseTogetherAndSeeEachMessageOnce)
+{
+    const MQHCONN hconn = connect();
+    const MQHOBJ q1 = open(hconn, "Q1", MQOO_OUTPUT);
+    for (const char *body : {"1", "2", "3"})
+        put(hconn, q1, body);
+    const std::string together = with("openwith", MQOO_BROWSE | MQOO_CO_OP);
+    const std::string browse = with("getwith", MQGMO_BROWSE_CO_OP);
+    Program first({"connect", together, browse, "hear", browse});
+    EXPECT_EQ(first.line(), "got 1");
+    Program second({"connect", together, browse, "say:done", "hear"});
+    EXPECT_EQ(second.line(), "got 2");
+    EXPECT_EQ(second.line(), "done");
+    second.kill(); // its mark stays as long as others browse together
+    first.tell();
+    EXPECT_EQ(first.rest(), Lines{"got 3"});
+    // Nobody browses together any more: the marks are gone.
+    EXPECT_EQ(run({"connect", together, browse}), Lines{"got 1"});
+}
+
 } // namespace
 } // namespace mqrig::qmgr::testing
