@@ -131,6 +131,8 @@ Outcome replaceObject(Attachment &attachment, const Definition &definition)
         if (made.outcome.failed()) return made.outcome;
         for (const MQLONG kept : {MQCA_CREATION_DATE, MQCA_CREATION_TIME})
             made.object.set(kept, existing.text(kept));
+        if (existing.kind() == ObjectKind::LocalQueue)
+            made.object.set(MQIA_DEFINITION_TYPE, existing.number(MQIA_DEFINITION_TYPE));
         made.object.stampAltered();
         const Outcome may = mayChange(attachment, queue, existing, made.object, definition.force);
         if (!may.failed()) existing = std::move(made.object);

@@ -158,6 +158,28 @@ TEST_F(Set, WhatCannotBeSetIs2067)
         EXPECT_EQ(set(q1, {selector}, {1}, std::string(256, ' ')), failed(MQRC_SELECTOR_ERROR)) << selector;
 }
 
+TEST_F(Set, AliasIsSetForItself)
+{
+    defineAlias("A1", "Q1");
+    const MQHOBJ alias = open(hconn, "A1", MQOO_SET | MQOO_OUTPUT);
+    EXPECT_EQ(set(alias, {MQIA_INHIBIT_PUT}, {MQQA_PUT_INHIBITED}), ok);
+    EXPECT_EQ(put(hconn, alias, "x"), failed(MQRC_PUT_INHIBITED));
+    EXPECT_EQ(put(hconn, q1, "x"), ok);
+    EXPECT_EQ(number(MQIA_INHIBIT_PUT), MQQA_PUT_ALLOWED);
+    for (const MQLONG selector : {MQIA_TRIGGER_CONTROL, MQIA_TRIGGER_DEPTH, MQIA_DIST_LISTS})
+        EXPECT_EQ(set(alias, {selector}, {1}), failed(MQRC_SELECTOR_ERROR)) << selector;
+}
+
+TEST_F(Set, OnlyPutsToARemoteQueueCanBeInhibited)
+{
+    defineTransmissionQueue("QM2");
+    defineRemote("R1", "THERE", "QM2", "");
+    const MQHOBJ remote = open(hconn, "R1", MQOO_SET | MQOO_OUTPUT);
+    EXPECT_EQ(set(remote, {MQIA_INHIBIT_GET}, {MQQA_GET_INHIBITED}), failed(MQRC_SELECTOR_ERROR));
+    EXPECT_EQ(set(remote, {MQIA_INHIBIT_PUT}, {MQQA_PUT_INHIBITED}), ok);
+    EXPECT_EQ(put(hconn, remote, "x"), failed(MQRC_PUT_INHIBITED));
+}
+
 TEST_F(Set, WrongValuesHaveTheReasonsOfTheirAttributes)
 {
     const auto reasonOf = [&](MQLONG selector, MQLONG value) { return set(q1, {selector}, {value}); };

@@ -72,6 +72,22 @@ TEST_F(ObjectCommands, ExistingQueueIsReplacedOnlyWhenAskedAndKeepsItsMessages)
     EXPECT_EQ(statusOf("Q1").depth, 1U);
 }
 
+TEST_F(ObjectCommands, DynamicQueueStaysDynamicWhenReplacedAndOneLikeItIsNot)
+{
+    objects::ObjectDefinition dynamic(objects::ObjectKind::LocalQueue, "D1");
+    dynamic.set(MQIA_DEFINITION_TYPE, MQQDT_PERMANENT_DYNAMIC);
+    store::Definition stored{.type = MQOT_Q, .name = "D1", .queue = 0, .bytes = dynamic.encode()};
+    ASSERT_TRUE(attachment_->define(stored).ok());
+    Definition replacing = named("D1");
+    replacing.replace = Replace::Yes;
+    ASSERT_TRUE(defineObject(*attachment_, replacing).ok());
+    EXPECT_EQ(numberOf("D1", MQIA_DEFINITION_TYPE), MQQDT_PERMANENT_DYNAMIC);
+    Definition like = named("Q1");
+    like.like = "D1";
+    ASSERT_TRUE(defineObject(*attachment_, like).ok());
+    EXPECT_EQ(numberOf("Q1", MQIA_DEFINITION_TYPE), MQQDT_PREDEFINED);
+}
+
 TEST_F(ObjectCommands, OpenQueueIsNotDeleted)
 {
     ASSERT_TRUE(defineObject(*attachment_, named("Q1")).ok());
