@@ -16,7 +16,9 @@ Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, M
     core::OpenObject *object = use->handles.find(Hobj);
     if (object == nullptr) return failure(MQRC_HOBJ_ERROR);
     api::PutCall call{};
-    if (const MQLONG reason = api::loadPut(pMsgDesc, pPutMsgOpts, bufferLength, pBuffer, call)) return failure(reason);
+    const MQLONG ccsid = use->queueManager().codedCharSetId;
+    if (const MQLONG reason = api::loadPut(pMsgDesc, pPutMsgOpts, bufferLength, pBuffer, ccsid, call))
+        return failure(reason);
     if ((call.pmo.Options & MQPMO_ALTERNATE_USER_AUTHORITY) != 0) return failure(MQRC_OPTIONS_ERROR);
     if ((call.pmo.Options & MQPMO_LOGICAL_ORDER) != 0 && static_cast<const MQMD *>(pMsgDesc)->Version < MQMD_VERSION_2)
         return failure(MQRC_WRONG_MD_VERSION);

@@ -20,7 +20,9 @@ Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgO
     if (use.outcome().failed()) return use.outcome();
     if (const MQLONG reason = api::checkOd(pObjDesc)) return failure(reason);
     api::PutCall call{};
-    if (const MQLONG reason = api::loadPut(pMsgDesc, pPutMsgOpts, bufferLength, pBuffer, call)) return failure(reason);
+    const MQLONG ccsid = use->queueManager().codedCharSetId;
+    if (const MQLONG reason = api::loadPut(pMsgDesc, pPutMsgOpts, bufferLength, pBuffer, ccsid, call))
+        return failure(reason);
     if ((call.pmo.Options & MQPMO_LOGICAL_ORDER) != 0) return failure(MQRC_OPTIONS_ERROR);
     const MQOD od = api::loadOd(pObjDesc);
     if (const MQLONG reason = api::checkObject(od, api::Selects::No)) return failure(reason);

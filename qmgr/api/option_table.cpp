@@ -24,7 +24,6 @@ constexpr std::string_view oneBinding = "the queue manager runs inside the progr
 constexpr std::string_view noAccounting = "no accounting or activity records are written";
 constexpr std::string_view noAuthority = "the store belongs to one user: there is no other user to check";
 constexpr std::string_view zosOnly = "the MQI has it on z/OS only";
-constexpr std::string_view segmentationLater = "segmentation by the queue manager is not built yet";
 constexpr std::string_view propertiesLater = "message properties are not built yet";
 constexpr std::string_view topicsOnly = "it is for topics";
 constexpr std::string_view dynamicOnly = "it is for dynamic queues";
@@ -187,7 +186,7 @@ constexpr OptionRow reportRows[] = {
 };
 
 constexpr OptionRow flagRows[] = {
-    refused("MQMF_SEGMENTATION_ALLOWED", MQMF_SEGMENTATION_ALLOWED, MQRC_FUNCTION_NOT_SUPPORTED, segmentationLater),
+    done("MQMF_SEGMENTATION_ALLOWED", MQMF_SEGMENTATION_ALLOWED),
     done("MQMF_SEGMENT", MQMF_SEGMENT),
     done("MQMF_LAST_SEGMENT", MQMF_LAST_SEGMENT),
     done("MQMF_MSG_IN_GROUP", MQMF_MSG_IN_GROUP),

@@ -1,10 +1,8 @@
 #include "qmgr/api/put_call.h"
 
-#include <cstring>
-
 #include "qmgr/api/option_table.h"
 #include "qmgr/api/structures.h"
-#include "qmgr/objects/object_name.h"
+#include "qmgr/core/md_extension.h"
 
 namespace mqrig::qmgr::api {
 namespace {
@@ -37,23 +35,10 @@ MQLONG checkRecordsAndHandles(const MQPMO &pmo)
     }
 }
 
-bool isFormat(const MQCHAR8 &format, const char *name)
-{
-    return objects::fieldText(format) == objects::fieldText(name, MQ_FORMAT_LENGTH);
-}
-
-MQLONG checkDescriptorBits(const MQMD &md, MQLONG givenVersion)
-{
-    if (const MQLONG reason = checkOptions(OptionField::Report, md.Report)) return reason;
-    if (const MQLONG reason = checkOptions(OptionField::Flags, md.MsgFlags)) return reason;
-    // In front of a version 1 descriptor's data the extension carries group and segment fields.
-    if (givenVersion == MQMD_VERSION_1 && isFormat(md.Format, MQFMT_MD_EXTENSION)) return MQRC_FUNCTION_NOT_SUPPORTED;
-    return MQRC_NONE;
-}
-
 } // namespace
 
-MQLONG loadPut(const void *msgDesc, const void *putMsgOpts, MQLONG bufferLength, const void *buffer, PutCall &call)
+MQLONG loadPut(const void *msgDesc, const void *putMsgOpts, MQLONG bufferLength, const void *buffer,
+               MQLONG queueManagerCcsid, PutCall &call)
 {
     if (const MQLONG reason = checkMd(msgDesc)) return reason;
     if (const MQLONG reason = checkPmo(putMsgOpts)) return reason;
@@ -64,9 +49,12 @@ MQLONG loadPut(const void *msgDesc, const void *putMsgOpts, MQLONG bufferLength,
     if (const MQLONG reason = checkPutOptions(call.pmo.Options)) return reason;
     if (const MQLONG reason = checkRecordsAndHandles(call.pmo)) return reason;
 
-    loadMd(msgDesc, call.message.header.md);
+    MQMD &md = call.message.header.md;
+    loadMd(msgDesc, md);
     call.message.body = {static_cast<const std::byte *>(buffer), static_cast<std::size_t>(bufferLength)};
-    return checkDescriptorBits(call.message.header.md, static_cast<const MQMD *>(msgDesc)->Version);
+    if (const MQLONG reason = core::takeExtension(queueManagerCcsid, md, call.message.body)) return reason;
+    if (const MQLONG reason = checkOptions(OptionField::Report, md.Report)) return reason;
+    return checkOptions(OptionField::Flags, md.MsgFlags);
 }
 
 } // namespace mqrig::qmgr::api

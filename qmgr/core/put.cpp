@@ -1,9 +1,12 @@
 #include "qmgr/core/put.h"
 
+#include <algorithm>
+
 #include "qmgr/core/groups.h"
 #include "qmgr/core/private_unit.h"
 #include "qmgr/core/put_steps.h"
 #include "qmgr/core/reports.h"
+#include "qmgr/core/segments.h"
 #include "qmgr/core/transmission.h"
 #include "qmgr/store/seams.h"
 
@@ -81,6 +84,64 @@ Outcome placeOnTransmissionQueue(Connection &connection, const objects::QueueDef
     return whole.failed() ? whole : place(connection, queue, request, message);
 }
 
+Outcome placeWhole(Connection &connection, const objects::QueueDefinition &queue, const PutRequest &request,
+                   store::NewMessage &message)
+{
+    return queue.usage == MQUS_TRANSMISSION ? placeOnTransmissionQueue(connection, queue, request, message)
+                                            : place(connection, queue, request, message);
+}
+
+// How long a body can be, with the headers that a message on its way elsewhere gets.
+std::size_t longestBody(Connection &connection, const objects::QueueDefinition &queue)
+{
+    const auto most = static_cast<std::size_t>(std::min(queue.maxMsgLength, connection.queueManager().maxMsgLength));
+    const std::size_t headers = queue.usage == MQUS_TRANSMISSION && queue.remote ? sizeof(MQXQH) + sizeof(MQMDE) : 0;
+    return most - std::min(most, headers);
+}
+
+// Takes back what was put since, unless all of it is to be kept.
+class AllOrNone {
+public:
+    AllOrNone(store::Attachment &store, UnitOfWork &unit) : store_(store), unit_(unit), kept_(unit.puts()) {}
+    ~AllOrNone()
+    {
+        if (!all_) unit_.takeBackPuts(store_, kept_);
+    }
+    AllOrNone(const AllOrNone &) = delete;
+    AllOrNone &operator=(const AllOrNone &) = delete;
+    void keep() { all_ = true; }
+
+private:
+    store::Attachment &store_;
+    UnitOfWork &unit_;
+    std::size_t kept_;
+    bool all_ = false;
+};
+
+// All segments of a message that is too long, in one unit of work.
+Outcome placeSegments(Connection &connection, const objects::QueueDefinition &queue, const PutRequest &request,
+                      store::NewMessage &message, std::size_t most)
+{
+    SegmentCutter cutter(connection, message, most);
+    if (!cutter.possible()) return placeWhole(connection, queue, request, message); // which says that it is too long
+    const bool own = request.unit == nullptr && !request.has(MQPMO_SYNCPOINT);
+    if (own && store::isPersistent(message.header) && (connection.begun || !connection.unit.empty()))
+        return failure(MQRC_UOW_NOT_AVAILABLE);
+
+    PrivateUnit privateUnit(*connection.store);
+    UnitOfWork &unit = own ? *privateUnit : request.unit != nullptr ? *request.unit : connection.unit;
+    PutRequest segmentRequest = request;
+    if (own) segmentRequest.unit = &unit;
+    AllOrNone segments(*connection.store, unit);
+    while (cutter.more()) {
+        store::NewMessage segment = cutter.next();
+        const Outcome placed = placeWhole(connection, queue, segmentRequest, segment);
+        if (placed.failed()) return placed;
+    }
+    segments.keep();
+    return own ? privateUnit.commit() : success();
+}
+
 } // namespace
 
 Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue, const PutRequest &request,
@@ -107,8 +168,11 @@ Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue
     message.header.putTime = store::currentTime();
     if (const Outcome context = completeContext(connection, request, message.header.putTime, md); context.failed())
         return context;
-    const Outcome put = queue.usage == MQUS_TRANSMISSION ? placeOnTransmissionQueue(connection, queue, request, message)
-                                                         : place(connection, queue, request, message);
+    std::size_t most = 0;
+    const bool tooLong = (md.MsgFlags & MQMF_SEGMENTATION_ALLOWED) != 0 &&
+                         message.body.size() - message.header.coreLength > (most = longestBody(connection, queue));
+    const Outcome put = tooLong ? placeSegments(connection, queue, request, message, most)
+                                : placeWhole(connection, queue, request, message);
     if (put.failed()) return put;
     if (!alone && request.logicalOrder != nullptr) (*request.logicalOrder)->put = behind;
     return completed;

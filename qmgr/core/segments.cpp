@@ -4,9 +4,12 @@
 #include <span>
 
 #include "qmgr/core/delivery.h"
+#include "qmgr/core/header_chain.h"
 
 namespace mqrig::qmgr::core {
 namespace {
+
+constexpr std::size_t segmentUnit = 16;
 
 // A message can be in one character set and encoding only.
 MQLONG judgeNext(const MQMD &first, const MQMD &next)
@@ -57,6 +60,37 @@ std::optional<LogicalMessage> assemble(store::Transaction &transaction, const Me
     md.OriginalLength = static_cast<MQLONG>(bodyOf(whole.header, whole.stored).size());
     if (whole.outcome.ok()) md.MsgFlags |= MQMF_LAST_SEGMENT;
     return whole;
+}
+
+SegmentCutter::SegmentCutter(Connection &connection, const store::NewMessage &message, std::size_t most)
+    : connection_(connection), message_(message), length_(bodyOf(message.header, message.body).size()),
+      // All but the last one are multiples of this, so that no character or number is cut into two.
+      size_(most / segmentUnit * segmentUnit)
+{
+    possible_ =
+        size_ >= segmentUnit && lengthOfHeaders(message.header.md, bodyOf(message.header, message.body)) <= size_;
+}
+
+store::NewMessage SegmentCutter::next()
+{
+    const std::size_t length = std::min(size_, length_ - offset_);
+    const std::size_t properties = message_.header.coreLength;
+    store::NewMessage segment = message_;
+    MQMD &md = segment.header.md;
+    if (offset_ == 0) {
+        segment.body = message_.body.first(properties + length);
+    } else {
+        segment.body = message_.body.subspan(properties + offset_, length);
+        segment.header.coreLength = 0;
+        connection_.newIdentifier(md.MsgId);
+    }
+    md.Offset += static_cast<MQLONG>(offset_);
+    md.OriginalLength = static_cast<MQLONG>(length);
+    offset_ += length;
+    // A segment that is cut has its flag already; the last piece of it is the last of all only if it was.
+    const bool last = !more() && ((md.MsgFlags & MQMF_SEGMENT) == 0 || (md.MsgFlags & MQMF_LAST_SEGMENT) != 0);
+    md.MsgFlags = (md.MsgFlags & ~MQMF_LAST_SEGMENT) | MQMF_SEGMENT | (last ? MQMF_LAST_SEGMENT : MQMF_NONE);
+    return segment;
 }
 
 } // namespace mqrig::qmgr::core

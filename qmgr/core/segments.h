@@ -32,4 +32,24 @@ std::optional<LogicalMessage> assemble(store::Transaction &transaction, const Me
 // it. Nothing if a segment is missing. Beside the reasons of any get: MQRC_UOW_NOT_AVAILABLE.
 std::optional<Outcome> takeSegments(Connection &connection, const GetRequest &request, GotMessage &got);
 
+// The segments that a message that is too long is cut into, one after the other.
+class SegmentCutter {
+public:
+    // `message`: complete but for its key, MQMF_SEGMENTATION_ALLOWED. `most`: bytes of body that a message may have.
+    SegmentCutter(Connection &connection, const store::NewMessage &message, std::size_t most);
+
+    // Whether it can be cut: no header of the MQI is cut into two.
+    bool possible() const { return possible_; }
+    bool more() const { return offset_ < length_; }
+    store::NewMessage next();
+
+private:
+    Connection &connection_;
+    const store::NewMessage &message_;
+    std::size_t length_;
+    std::size_t size_;
+    std::size_t offset_ = 0;
+    bool possible_;
+};
+
 } // namespace mqrig::qmgr::core

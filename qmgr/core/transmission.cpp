@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 
+#include "qmgr/core/groups.h"
+#include "qmgr/core/md_extension.h"
 #include "qmgr/core/system_put.h"
 #include "qmgr/objects/object_name.h"
 
@@ -12,33 +13,10 @@ namespace {
 
 static_assert(sizeof(MQMD1) == MQMD_LENGTH_1);
 
-constexpr MQMDE ordinaryExtension = {MQMDE_DEFAULT};
-
-// Whether version 1 of the descriptor says all that there is to say.
-bool fitsVersion1(const MQMD &md)
-{
-    return std::memcmp(md.GroupId, ordinaryExtension.GroupId, sizeof md.GroupId) == 0 && md.MsgSeqNumber == 1 &&
-           md.Offset == 0 && md.MsgFlags == MQMF_NONE && md.OriginalLength == MQOL_UNDEFINED;
-}
-
 template <class Field>
 void copyField(Field &to, const Field &from)
 {
     std::memcpy(to, from, sizeof to);
-}
-
-MQMDE extensionOf(const MQMD &md)
-{
-    MQMDE extension = ordinaryExtension;
-    extension.Encoding = md.Encoding;
-    extension.CodedCharSetId = md.CodedCharSetId;
-    copyField(extension.Format, md.Format);
-    copyField(extension.GroupId, md.GroupId);
-    extension.MsgSeqNumber = md.MsgSeqNumber;
-    extension.Offset = md.Offset;
-    extension.MsgFlags = md.MsgFlags;
-    extension.OriginalLength = md.OriginalLength;
-    return extension;
 }
 
 // The data that follows is a header of the queue manager's.
@@ -59,11 +37,8 @@ void makeSeparate(Connection &connection, MQMD &md)
     connection.newIdentifier(md.MsgId);
     md.BackoutCount = 0;
     setQueueManagerOrigin(connection, md);
-    copyField(md.GroupId, ordinaryExtension.GroupId);
-    md.MsgSeqNumber = 1;
-    md.Offset = 0;
+    makeSingle(md);
     md.MsgFlags = MQMF_NONE;
-    md.OriginalLength = MQOL_UNDEFINED;
 }
 
 std::byte *append(std::byte *at, const void *from, std::size_t length)

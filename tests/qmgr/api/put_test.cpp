@@ -314,15 +314,6 @@ TEST_F(Put, UnknownMessageFlagsAre2249)
     EXPECT_EQ(codesFor(md), failed(MQRC_MSG_FLAGS_ERROR));
 }
 
-TEST_F(Put, DescriptorExtensionBehindAVersion1DescriptorIs2298)
-{
-    MQMD md = {MQMD_DEFAULT};
-    std::memcpy(md.Format, MQFMT_MD_EXTENSION, 8);
-    EXPECT_EQ(codesFor(md), failed(MQRC_FUNCTION_NOT_SUPPORTED));
-    md.Version = MQMD_VERSION_2;
-    EXPECT_EQ(codesFor(md), ok);
-}
-
 TEST_F(Put, SingleMessageCarriesTheValuesOfNoGroup)
 {
     MQMD md = version2Md();

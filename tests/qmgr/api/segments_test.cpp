@@ -1,5 +1,7 @@
 #include "groups_fixture.h"
 
+#include <cstring>
+
 namespace mqrig::qmgr::testing {
 namespace {
 
@@ -237,6 +239,155 @@ TEST_F(Segments, OptionsThatCannotGoWithCompleteMessages)
 {
     EXPECT_EQ(next(MQGMO_COMPLETE_MSG | MQGMO_SYNCPOINT_IF_PERSISTENT).codes, failed(MQRC_OPTIONS_ERROR));
     EXPECT_EQ(next(complete, MQMO_MATCH_OFFSET).codes, failed(MQRC_MATCH_OPTIONS_ERROR));
+}
+
+// ---- Segmentation by the queue manager ----
+
+class Segmentation : public GroupTest {
+public:
+    // 50 bytes are allowed: segments of 48.
+    Segmentation() { alterQueue("Q1", {{MQIA_MAX_MSG_LENGTH, 50}}); }
+
+    static inline const std::string body = std::string(48, 'a') + std::string(48, 'b') + "rest";
+    static MQMD allowed(MQLONG flags = MQMF_NONE, MQLONG persistence = MQPER_NOT_PERSISTENT)
+    {
+        MQMD md = withFlags(MQMF_SEGMENTATION_ALLOWED | flags);
+        md.Persistence = persistence;
+        return md;
+    }
+};
+
+TEST_F(Segmentation, MessageThatFitsStaysWhole)
+{
+    ASSERT_EQ(put(hconn, q1, "short", allowed()), ok);
+    const Got got = next();
+    EXPECT_EQ(got.md.MsgFlags, MQMF_SEGMENTATION_ALLOWED);
+    EXPECT_NE(bytes(got.md.GroupId), std::string(24, '\0'));
+    EXPECT_EQ(got.gmo.Segmentation, MQSEG_ALLOWED);
+    EXPECT_EQ(got.gmo.SegmentStatus, MQSS_NOT_A_SEGMENT);
+}
+
+TEST_F(Segmentation, LongMessageIsCutIntoMultiplesOf16)
+{
+    MQMD md = allowed();
+    MQPMO pmo = {MQPMO_DEFAULT};
+    ASSERT_EQ(putInOut(hconn, q1, body, md, pmo), ok);
+    constexpr MQLONG segment = MQMF_SEGMENTATION_ALLOWED | MQMF_SEGMENT;
+    const std::string group = bytes(md.GroupId);
+    const Got first = next();
+    const Got second = next();
+    const Got third = next();
+    EXPECT_EQ(first.body + second.body + third.body, body);
+    EXPECT_EQ(placeOf(first.md), (Place{group, 1, 0, segment, 48}));
+    EXPECT_EQ(placeOf(second.md), (Place{group, 1, 48, segment, 48}));
+    EXPECT_EQ(placeOf(third.md), (Place{group, 1, 96, segment | MQMF_LAST_SEGMENT, 4}));
+    EXPECT_EQ(bytes(first.md.MsgId), bytes(md.MsgId));
+    EXPECT_NE(bytes(second.md.MsgId), bytes(first.md.MsgId));
+    EXPECT_EQ(md.MsgFlags, MQMF_SEGMENTATION_ALLOWED);
+}
+
+TEST_F(Segmentation, CompleteMessageIsWhatWasPut)
+{
+    ASSERT_EQ(put(hconn, q1, body, allowed(MQMF_NONE, MQPER_PERSISTENT)), ok);
+    EXPECT_EQ(depth("Q1"), 3);
+    EXPECT_EQ(next(complete).body, body);
+    EXPECT_EQ(depth("Q1"), 0);
+}
+
+TEST_F(Segmentation, PersistentSegmentsAreThereAfterARestart)
+{
+    ASSERT_EQ(put(hconn, q1, body, allowed(MQMF_NONE, MQPER_PERSISTENT)), ok);
+    restart();
+    const MQHCONN again = connect();
+    const MQHOBJ queue = open(again, "Q1", everything);
+    EXPECT_EQ(get(again, queue, complete).body, body);
+}
+
+TEST_F(Segmentation, SegmentOfTheProgramIsCutFurther)
+{
+    constexpr MQLONG inOrder = MQPMO_LOGICAL_ORDER | MQPMO_NO_SYNCPOINT;
+    ASSERT_EQ(put(hconn, q1, std::string(60, 'x'), allowed(MQMF_SEGMENT), pmoWith(inOrder)), ok);
+    ASSERT_EQ(put(hconn, q1, std::string(60, 'y'), allowed(MQMF_LAST_SEGMENT), pmoWith(inOrder)), ok);
+    std::string offsets;
+    for (int i = 0; i < 4; ++i) {
+        const Got got = next();
+        offsets += std::to_string(got.md.Offset) + got.gmo.SegmentStatus + ' ';
+    }
+    EXPECT_EQ(offsets, "0S 48S 60S 108L ");
+}
+
+TEST_F(Segmentation, LogicalMessageOfAGroupIsCut)
+{
+    constexpr MQLONG inOrder = MQPMO_LOGICAL_ORDER | MQPMO_NO_SYNCPOINT;
+    ASSERT_EQ(put(hconn, q1, body, allowed(MQMF_MSG_IN_GROUP), pmoWith(inOrder)), ok);
+    ASSERT_EQ(put(hconn, q1, "end", allowed(MQMF_LAST_MSG_IN_GROUP), pmoWith(inOrder)), ok);
+    EXPECT_EQ(all(complete | MQGMO_LOGICAL_ORDER | MQGMO_ALL_MSGS_AVAILABLE), (Bodies{body, "end"}));
+}
+
+TEST_F(Segmentation, SegmentsJoinTheUnitOfWork)
+{
+    ASSERT_EQ(put(hconn, q1, body, allowed(), pmoWith(MQPMO_SYNCPOINT)), ok);
+    EXPECT_EQ(next().codes, failed(MQRC_NO_MSG_AVAILABLE));
+    ASSERT_EQ(commit(hconn), ok);
+    EXPECT_EQ(next(complete).body, body);
+}
+
+TEST_F(Segmentation, QueueWithoutRoomForAllSegmentsTakesNone)
+{
+    alterQueue("Q1", {{MQIA_MAX_Q_DEPTH, 2}});
+    EXPECT_EQ(put(hconn, q1, body, allowed()), failed(MQRC_Q_FULL));
+    EXPECT_EQ(put(hconn, q1, body, allowed(), pmoWith(MQPMO_SYNCPOINT)), failed(MQRC_Q_FULL));
+    EXPECT_EQ(depth("Q1"), 0);
+    ASSERT_EQ(commit(hconn), ok);
+    EXPECT_EQ(all(MQGMO_NO_SYNCPOINT), Bodies{});
+}
+
+TEST_F(Segmentation, UnitOfWorkWithoutRoomForAllSegmentsIs2024)
+{
+    alterQueueManager({{MQIA_MAX_UNCOMMITTED_MSGS, 2}});
+    EXPECT_EQ(put(hconn, q1, body, allowed(), pmoWith(MQPMO_SYNCPOINT)), failed(MQRC_SYNCPOINT_LIMIT_REACHED));
+    EXPECT_EQ(depth("Q1"), 0);
+}
+
+TEST_F(Segmentation, PersistentMessageBesideAUnitOfWorkIs2255)
+{
+    ASSERT_EQ(put(hconn, q1, "pending", {MQMD_DEFAULT}, pmoWith(MQPMO_SYNCPOINT)), ok);
+    EXPECT_EQ(put(hconn, q1, body, allowed(MQMF_NONE, MQPER_PERSISTENT)), failed(MQRC_UOW_NOT_AVAILABLE));
+    EXPECT_EQ(put(hconn, q1, "short", allowed(MQMF_NONE, MQPER_PERSISTENT)), ok);
+    EXPECT_EQ(put(hconn, q1, body, allowed()), ok);
+    EXPECT_EQ(depth("Q1"), 5);
+}
+
+TEST_F(Segmentation, WithoutTheFlagLongMessagesAre2030)
+{
+    EXPECT_EQ(put(hconn, q1, body), failed(MQRC_MSG_TOO_BIG_FOR_Q));
+}
+
+TEST_F(Segmentation, LimitBelow16BytesIs2030)
+{
+    alterQueue("Q1", {{MQIA_MAX_MSG_LENGTH, 15}});
+    EXPECT_EQ(put(hconn, q1, body, allowed()), failed(MQRC_MSG_TOO_BIG_FOR_Q));
+}
+
+TEST_F(Segmentation, HeaderThatWouldBeCutIs2030)
+{
+    MQDLH header = {MQDLH_DEFAULT};
+    MQMD md = allowed();
+    std::memcpy(md.Format, MQFMT_DEAD_LETTER_HEADER, sizeof md.Format);
+    const std::string text(reinterpret_cast<const char *>(&header), sizeof header);
+    EXPECT_EQ(put(hconn, q1, text, md), failed(MQRC_MSG_TOO_BIG_FOR_Q));
+}
+
+TEST_F(Segmentation, EachSegmentIsReported)
+{
+    defineQueue("ANSWERS");
+    MQMD md = allowed();
+    md.Report = MQRO_COA | MQRO_COD;
+    setText(md.ReplyToQ, "ANSWERS");
+    ASSERT_EQ(put(hconn, q1, body, md), ok);
+    EXPECT_EQ(depth("ANSWERS"), 3);
+    EXPECT_EQ(next(complete).body, body);
+    EXPECT_EQ(depth("ANSWERS"), 6);
 }
 
 } // namespace

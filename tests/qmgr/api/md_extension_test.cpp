@@ -1,0 +1,144 @@
+#include "groups_fixture.h"
+
+#include <cstring>
+
+namespace mqrig::qmgr::testing {
+namespace {
+
+class Extension : public GroupTest {
+public:
+    static MQMDE extension()
+    {
+        MQMDE header = {MQMDE_DEFAULT};
+        std::memcpy(header.Format, MQFMT_STRING, sizeof header.Format);
+        header.CodedCharSetId = 1208;
+        setBytes(header.GroupId, "G");
+        header.MsgSeqNumber = 3;
+        header.MsgFlags = MQMF_MSG_IN_GROUP;
+        return header;
+    }
+    static std::string inFront(const MQMDE &header, std::string_view data)
+    {
+        return std::string(reinterpret_cast<const char *>(&header), sizeof header) + std::string(data);
+    }
+    static MQMD announcing(MQLONG version = MQMD_VERSION_1)
+    {
+        MQMD md = {MQMD_DEFAULT};
+        md.Version = version;
+        std::memcpy(md.Format, MQFMT_MD_EXTENSION, sizeof md.Format);
+        return md;
+    }
+    Codes codesFor(const MQMDE &header) { return put(hconn, q1, inFront(header, "data"), announcing()); }
+    // The message as it is stored, which a version-2 descriptor shows.
+    void expectData(std::string_view body)
+    {
+        const Got got = next();
+        EXPECT_EQ(got.body, body);
+        EXPECT_EQ(text(got.md.Format), "MQHMDE");
+        EXPECT_EQ(got.md.MsgSeqNumber, 1);
+    }
+};
+
+// ---- MQPUT ----
+
+TEST_F(Extension, GivesAVersion1DescriptorItsGroup)
+{
+    ASSERT_EQ(codesFor(extension()), ok);
+    const Got got = next();
+    EXPECT_EQ(got.body, "data");
+    EXPECT_EQ(text(got.md.Format), "MQSTR");
+    EXPECT_EQ(got.md.CodedCharSetId, 1208);
+    EXPECT_EQ(placeOf(got.md), (Place{"G" + std::string(23, '\0'), 3, 0, MQMF_MSG_IN_GROUP}));
+}
+
+TEST_F(Extension, IsHonoredBesideDefaultsOfVersion2)
+{
+    MQMD md = announcing(MQMD_VERSION_2);
+    MQPMO pmo = {MQPMO_DEFAULT};
+    ASSERT_EQ(putInOut(hconn, q1, inFront(extension(), "data"), md, pmo), ok);
+    EXPECT_EQ(md.MsgSeqNumber, 3);
+    EXPECT_EQ(next().body, "data");
+}
+
+TEST_F(Extension, BesideOtherValuesOfVersion2IsData)
+{
+    MQMD md = announcing(MQMD_VERSION_2);
+    md.MsgSeqNumber = 2;
+    const std::string body = inFront(extension(), "data");
+    ASSERT_EQ(put(hconn, q1, body, md), ok);
+    expectData(body);
+}
+
+TEST_F(Extension, InAnotherEncodingOrCharacterSetIsData)
+{
+    const std::string body = inFront(extension(), "data");
+    MQMD md = announcing();
+    md.Encoding = MQENC_INTEGER_NORMAL;
+    ASSERT_EQ(put(hconn, q1, body, md), ok);
+    expectData(body);
+    md = announcing();
+    md.CodedCharSetId = 500;
+    ASSERT_EQ(put(hconn, q1, body, md), ok);
+    expectData(body);
+}
+
+TEST_F(Extension, OfALaterVersionIsData)
+{
+    MQMDE header = extension();
+    header.Version = MQMDE_VERSION_2 + 1;
+    ASSERT_EQ(codesFor(header), ok);
+    expectData(inFront(header, "data"));
+}
+
+TEST_F(Extension, ThatIsDamagedIs2248)
+{
+    const auto damaged = [](auto &&change) {
+        MQMDE header = extension();
+        change(header);
+        return header;
+    };
+    EXPECT_EQ(codesFor(damaged([](MQMDE &header) { header.StrucId[0] = 'X'; })), failed(MQRC_MDE_ERROR));
+    EXPECT_EQ(codesFor(damaged([](MQMDE &header) { header.Version = 1; })), failed(MQRC_MDE_ERROR));
+    for (const MQLONG length : {0, 71, 73, -1})
+        EXPECT_EQ(codesFor(damaged([&](MQMDE &header) { header.StrucLength = length; })), failed(MQRC_MDE_ERROR));
+    for (const MQLONG ccsid : {MQCCSI_DEFAULT, MQCCSI_EMBEDDED, MQCCSI_APPL})
+        EXPECT_EQ(codesFor(damaged([&](MQMDE &header) { header.CodedCharSetId = ccsid; })), failed(MQRC_MDE_ERROR));
+    EXPECT_EQ(put(hconn, q1, "too short", announcing()), failed(MQRC_MDE_ERROR));
+    EXPECT_EQ(put(hconn, q1, "", announcing()), failed(MQRC_MDE_ERROR));
+    EXPECT_EQ(depth("Q1"), 0);
+}
+
+TEST_F(Extension, HasItsFieldsChecked)
+{
+    MQMDE header = extension();
+    header.MsgFlags = 0x800;
+    EXPECT_EQ(codesFor(header), failed(MQRC_MSG_FLAGS_ERROR));
+    header = extension();
+    header.MsgSeqNumber = 0;
+    EXPECT_EQ(codesFor(header), failed(MQRC_MSG_SEQ_NUMBER_ERROR));
+    header = extension();
+    header.MsgFlags = MQMF_SEGMENT;
+    header.Offset = -1;
+    EXPECT_EQ(codesFor(header), failed(MQRC_OFFSET_ERROR));
+}
+
+TEST_F(Extension, InheritsTheCharacterSet)
+{
+    MQMDE header = extension();
+    header.CodedCharSetId = MQCCSI_INHERIT;
+    ASSERT_EQ(codesFor(header), ok);
+    const MQLONG inherited = next().md.CodedCharSetId;
+    ASSERT_EQ(put(hconn, q1, "plain"), ok);
+    EXPECT_EQ(inherited, next().md.CodedCharSetId);
+}
+
+TEST_F(Extension, DoesNotCountForTheLengthOfTheMessage)
+{
+    alterQueue("Q1", {{MQIA_MAX_MSG_LENGTH, 4}});
+    ASSERT_EQ(codesFor(extension()), ok);
+    EXPECT_EQ(next().body, "data");
+    EXPECT_EQ(put(hconn, q1, inFront(extension(), "data."), announcing()), failed(MQRC_MSG_TOO_BIG_FOR_Q));
+}
+
+} // namespace
+} // namespace mqrig::qmgr::testing
