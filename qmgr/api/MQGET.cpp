@@ -6,7 +6,9 @@
 #include "qmgr/api/structures.h"
 #include "qmgr/convert/message.h"
 #include "qmgr/core/connections.h"
+#include "qmgr/core/delivery.h"
 #include "qmgr/core/get.h"
+#include "qmgr/core/message_handles.h"
 #include "qmgr/objects/object_name.h"
 
 using namespace mqrig::qmgr;
@@ -52,7 +54,8 @@ MQLONG checkGetOptions(const MQGMO &gmo)
                        ((options & MQGMO_COMPLETE_MSG) != 0 && (options & MQGMO_SYNCPOINT_IF_PERSISTENT) != 0);
     if (wrong) return MQRC_OPTIONS_ERROR;
     if ((options & MQGMO_WAIT) != 0 && gmo.WaitInterval < MQWI_UNLIMITED) return MQRC_WAIT_INTERVAL_ERROR;
-    return gmo.MsgHandle == MQHM_NONE ? MQRC_NONE : MQRC_HMSG_ERROR;
+    if ((options & MQGMO_PROPERTIES_IN_HANDLE) != 0 && gmo.MsgHandle == MQHM_NONE) return MQRC_HMSG_ERROR;
+    return MQRC_NONE;
 }
 
 // What logical order needs of the structures, and the fields that match options name.
@@ -109,6 +112,20 @@ Outcome unlock(core::Connection &connection, core::OpenObject &object, MQLONG op
     return core::unlockMessage(connection, object);
 }
 
+// The options that put properties elsewhere ignore the handle.
+bool usesHandle(const MQGMO &gmo)
+{
+    return gmo.MsgHandle != MQHM_NONE && (gmo.Options & (propertyOptions & ~MQGMO_PROPERTIES_IN_HANDLE)) == 0;
+}
+
+void fillHandle(core::GotMessage &got, core::MessageHandle &handle)
+{
+    handle.md = got.header.md;
+    if (!got.unpacked) return;
+    for (properties::Property &property : got.unpacked->properties)
+        handle.properties.add(std::move(property));
+}
+
 Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, MQLONG bufferLength, PMQVOID pBuffer,
             PMQLONG pDataLength)
 {
@@ -132,11 +149,18 @@ Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, M
     MQMD md;
     api::loadMd(pMsgDesc, md);
     if (const MQLONG reason = checkOrder(gmo, md, static_cast<const MQMD *>(pMsgDesc)->Version)) return failure(reason);
+    core::MessageHandleUse handle;
+    if (usesHandle(gmo)) [[unlikely]] {
+        handle = core::MessageHandleUse(Hconn, &*use, gmo.MsgHandle);
+        if (handle.outcome().failed()) return handle.outcome();
+        handle->clear();
+    }
 
     const core::GetRequest request{gmo.Options,
                                    gmo.WaitInterval,
                                    core::Selection(gmo.MatchOptions, md, gmo.MsgToken),
-                                   {static_cast<std::byte *>(pBuffer), static_cast<std::size_t>(bufferLength)}};
+                                   {static_cast<std::byte *>(pBuffer), static_cast<std::size_t>(bufferLength)},
+                                   static_cast<bool>(handle)};
     core::GotMessage got;
     Outcome outcome = core::getMessage(*use, *object, request, got);
     if (outcome.failed()) return outcome;
@@ -146,6 +170,8 @@ Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, M
             !converted.ok())
             outcome = converted;
 
+    if (handle) [[unlikely]]
+        fillHandle(got, *handle);
     const store::MessageToken token = store::tokenOfKey(got.key);
     api::storeMd(got.header.md, pMsgDesc);
     api::storeGmo({object->hold.queue->name.data(), token.data(), got.returnedLength, got.header.md.MsgFlags},

@@ -1,6 +1,9 @@
+#include <optional>
+
 #include "qmgr/api/api.h"
 #include "qmgr/api/object_descriptor.h"
 #include "qmgr/api/put_call.h"
+#include "qmgr/api/put_handles.h"
 #include "qmgr/api/structures.h"
 #include "qmgr/core/connections.h"
 #include "qmgr/core/put.h"
@@ -25,10 +28,14 @@ Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, M
     if (!object->allows(MQOO_OUTPUT)) return failure(MQRC_NOT_OPEN_FOR_OUTPUT);
     if (const Outcome there = use->catalog.refresh(object->hold); there.failed()) return there;
 
+    std::optional<api::PutHandles> handles;
+    if (api::usesHandles(call)) [[unlikely]]
+        if (const Outcome applied = handles.emplace().apply(Hconn, *use, call); applied.failed()) return applied;
     const objects::QueueDefinition &queue = *object->hold.queue;
     const Outcome outcome = core::putMessage(
         *use, queue, {call.pmo.Options, object->options, call.pmo.Context, &object->logicalOrder}, call.message);
     if (outcome.failed()) return outcome;
+    if (handles) handles->rememberPut(call);
     api::storePutMd(call.message.header.md, pMsgDesc);
     api::storePmo(api::resolvedNames(*use, queue, api::toldBy(call.pmo)), api::countsOf(queue), pPutMsgOpts);
     return outcome;

@@ -1,6 +1,9 @@
+#include <optional>
+
 #include "qmgr/api/api.h"
 #include "qmgr/api/object_descriptor.h"
 #include "qmgr/api/put_call.h"
+#include "qmgr/api/put_handles.h"
 #include "qmgr/api/structures.h"
 #include "qmgr/core/connections.h"
 #include "qmgr/core/open.h"
@@ -29,10 +32,14 @@ Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgO
 
     const objects::FoundQueue found = core::resolveForPut(*use, api::objectName(od));
     if (found.outcome.failed()) return found.outcome;
+    std::optional<api::PutHandles> handles;
+    if (api::usesHandles(call)) [[unlikely]]
+        if (const Outcome applied = handles.emplace().apply(Hconn, *use, call); applied.failed()) return applied;
     const objects::QueueDefinition &queue = *found.hold.queue;
     const Outcome outcome =
         core::putMessage(*use, queue, {call.pmo.Options, openOptions, call.pmo.Context, nullptr}, call.message);
     if (outcome.failed()) return outcome;
+    if (handles) handles->rememberPut(call);
     const api::ResolvedNames names = api::resolvedNames(*use, queue, api::toldBy(call.pmo));
     api::storeOd(names, api::countsOf(queue), MQOT_Q, pObjDesc);
     api::storePutMd(call.message.header.md, pMsgDesc);

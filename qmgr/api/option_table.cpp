@@ -24,7 +24,6 @@ constexpr std::string_view oneBinding = "the queue manager runs inside the progr
 constexpr std::string_view noAccounting = "no accounting or activity records are written";
 constexpr std::string_view noAuthority = "the store belongs to one user: there is no other user to check";
 constexpr std::string_view zosOnly = "the MQI has it on z/OS only";
-constexpr std::string_view propertiesLater = "message properties are not built yet";
 constexpr std::string_view topicsOnly = "it is for topics";
 constexpr std::string_view dynamicOnly = "it is for dynamic queues";
 constexpr std::string_view subscriptionOnly = "it is for subscriptions";
@@ -111,13 +110,11 @@ constexpr OptionRow putRows[] = {
     done("MQPMO_RESOLVE_LOCAL_Q", MQPMO_RESOLVE_LOCAL_Q),
     refused("MQPMO_WARN_IF_NO_SUBS_MATCHED", MQPMO_WARN_IF_NO_SUBS_MATCHED, MQRC_OPTIONS_ERROR, topicsOnly),
     refused("MQPMO_RETAIN", MQPMO_RETAIN, MQRC_OPTIONS_ERROR, topicsOnly),
-    refused("MQPMO_MD_FOR_OUTPUT_ONLY", MQPMO_MD_FOR_OUTPUT_ONLY, MQRC_FUNCTION_NOT_SUPPORTED, propertiesLater),
+    done("MQPMO_MD_FOR_OUTPUT_ONLY", MQPMO_MD_FOR_OUTPUT_ONLY),
     refused("MQPMO_SCOPE_QMGR", MQPMO_SCOPE_QMGR, MQRC_OPTIONS_ERROR, topicsOnly),
     refused("MQPMO_SUPPRESS_REPLYTO", MQPMO_SUPPRESS_REPLYTO, MQRC_OPTIONS_ERROR, topicsOnly),
     refused("MQPMO_NOT_OWN_SUBS", MQPMO_NOT_OWN_SUBS, MQRC_OPTIONS_ERROR, topicsOnly),
 };
-
-constexpr std::string_view propertiesStay = "a message keeps the MQRFH2 headers that it was put with";
 
 constexpr OptionRow getRows[] = {
     done("MQGMO_WAIT", MQGMO_WAIT),
@@ -144,10 +141,10 @@ constexpr OptionRow getRows[] = {
     done("MQGMO_UNMARK_BROWSE_CO_OP", MQGMO_UNMARK_BROWSE_CO_OP),
     done("MQGMO_UNMARK_BROWSE_HANDLE", MQGMO_UNMARK_BROWSE_HANDLE),
     done("MQGMO_UNMARKED_BROWSE_MSG", MQGMO_UNMARKED_BROWSE_MSG),
-    noEffect("MQGMO_PROPERTIES_FORCE_MQRFH2", MQGMO_PROPERTIES_FORCE_MQRFH2, propertiesStay),
-    refused("MQGMO_NO_PROPERTIES", MQGMO_NO_PROPERTIES, MQRC_FUNCTION_NOT_SUPPORTED, propertiesLater),
-    refused("MQGMO_PROPERTIES_IN_HANDLE", MQGMO_PROPERTIES_IN_HANDLE, MQRC_FUNCTION_NOT_SUPPORTED, propertiesLater),
-    noEffect("MQGMO_PROPERTIES_COMPATIBILITY", MQGMO_PROPERTIES_COMPATIBILITY, propertiesStay),
+    done("MQGMO_PROPERTIES_FORCE_MQRFH2", MQGMO_PROPERTIES_FORCE_MQRFH2),
+    done("MQGMO_NO_PROPERTIES", MQGMO_NO_PROPERTIES),
+    done("MQGMO_PROPERTIES_IN_HANDLE", MQGMO_PROPERTIES_IN_HANDLE),
+    done("MQGMO_PROPERTIES_COMPATIBILITY", MQGMO_PROPERTIES_COMPATIBILITY),
 };
 
 constexpr OptionRow matchRows[] = {

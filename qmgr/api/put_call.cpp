@@ -18,21 +18,10 @@ MQLONG checkPutOptions(MQLONG options)
     return wrong ? MQRC_OPTIONS_ERROR : MQRC_NONE;
 }
 
-// The parts of an MQPMO for distribution lists and message handles, of which there are none.
-MQLONG checkRecordsAndHandles(const MQPMO &pmo)
+// The parts of an MQPMO for distribution lists, of which there are none.
+MQLONG checkRecords(const MQPMO &pmo)
 {
-    if (pmo.RecsPresent != 0) return MQRC_RECS_PRESENT_ERROR;
-    if (pmo.OriginalMsgHandle != MQHM_NONE || pmo.NewMsgHandle != MQHM_NONE) return MQRC_HMSG_ERROR;
-    switch (pmo.Action) {
-    case MQACTP_NEW:
-        return MQRC_NONE;
-    case MQACTP_FORWARD:
-    case MQACTP_REPLY:
-    case MQACTP_REPORT:
-        return MQRC_FUNCTION_NOT_SUPPORTED;
-    default:
-        return MQRC_ACTION_ERROR;
-    }
+    return pmo.RecsPresent != 0 ? MQRC_RECS_PRESENT_ERROR : MQRC_NONE;
 }
 
 } // namespace
@@ -47,7 +36,7 @@ MQLONG loadPut(const void *msgDesc, const void *putMsgOpts, MQLONG bufferLength,
 
     call.pmo = loadPmo(putMsgOpts);
     if (const MQLONG reason = checkPutOptions(call.pmo.Options)) return reason;
-    if (const MQLONG reason = checkRecordsAndHandles(call.pmo)) return reason;
+    if (const MQLONG reason = checkRecords(call.pmo)) return reason;
 
     MQMD &md = call.message.header.md;
     loadMd(msgDesc, md);

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "cmqc.h"
+#include "qmgr/core/message_handles.h"
 #include "qmgr/core/object_handles.h"
 #include "qmgr/core/process_identity.h"
 #include "qmgr/core/put_clock.h"
@@ -31,6 +32,7 @@ struct Connection {
     std::unique_ptr<store::Attachment> store;
     objects::Catalog catalog;
     ObjectHandles handles;
+    MessageHandles messageHandles;
     UnitOfWork unit;
     bool begun = false; // by MQBEGIN
 

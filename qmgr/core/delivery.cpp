@@ -1,7 +1,11 @@
 #include "qmgr/core/delivery.h"
 
-#include <algorithm>
 #include <cstring>
+#include <set>
+#include <string_view>
+#include <utility>
+
+#include "qmgr/properties/record.h"
 
 namespace mqrig::qmgr::core {
 namespace {
@@ -12,21 +16,153 @@ Outcome judgeLength(const GetRequest &request, std::size_t length)
     return warning(request.has(MQGMO_ACCEPT_TRUNCATED_MSG) ? MQRC_TRUNCATED_MSG_ACCEPTED : MQRC_TRUNCATED_MSG_FAILED);
 }
 
+bool mayHaveProperties(const store::MessageHeader &header)
+{
+    return header.coreLength != 0 || std::memcmp(header.md.Format, MQFMT_RF_HEADER_2, MQ_FORMAT_LENGTH) == 0;
+}
+
+using Properties = std::vector<properties::Property>;
+
+std::vector<const properties::Property *> pointersTo(const Properties &properties)
+{
+    std::vector<const properties::Property *> pointers;
+    pointers.reserve(properties.size());
+    for (const properties::Property &property : properties)
+        pointers.push_back(&property);
+    return pointers;
+}
+
+// What was set goes before what the body says under the same name.
+void appendOthers(Properties &properties, Properties &&inBody)
+{
+    std::set<std::string_view> names;
+    for (const properties::Property &property : properties)
+        names.insert(property.name);
+    Properties others;
+    for (properties::Property &property : inBody)
+        if (!names.contains(property.name)) others.push_back(std::move(property));
+    properties.insert(properties.end(), std::make_move_iterator(others.begin()), std::make_move_iterator(others.end()));
+}
+
+class Unpacker {
+public:
+    Unpacker(std::span<const std::byte> stored, const GotMessage &got)
+        : body_(bodyOf(got.header, stored)), message_(std::make_unique<UnpackedMessage>())
+    {
+        message_->restAt = stored.size() - body_.size();
+        message_->form = properties::formOf(got.header.md);
+        // A damaged record ends where it is damaged.
+        (void)properties::readRecord(propertiesOf(got.header, stored), set_);
+    }
+
+    std::unique_ptr<UnpackedMessage> unpack(PropertyDelivery delivery)
+    {
+        switch (delivery) {
+        case PropertyDelivery::Dropped:
+            takeFromBody(splitBody());
+            break;
+        case PropertyDelivery::InHandle:
+            takeFromBody(splitBody());
+            message_->properties = std::move(set_);
+            appendOthers(message_->properties, std::move(inBody_));
+            break;
+        case PropertyDelivery::SetInHandle:
+            message_->properties = std::move(set_);
+            break;
+        case PropertyDelivery::AsPut:
+            break;
+        case PropertyDelivery::InHeader:
+            makeHeader();
+            break;
+        case PropertyDelivery::InHeaderForJms:
+            const properties::Split split = splitBody();
+            if (properties::anyForJms(pointersTo(set_)) || properties::anyForJms(pointersTo(inBody_)))
+                makeHeader();
+            else
+                takeFromBody(split);
+            break;
+        }
+        return std::move(message_);
+    }
+
+private:
+    properties::Split splitBody() { return properties::splitProperties(body_, message_->form, inBody_); }
+
+    void takeFromBody(const properties::Split &split)
+    {
+        message_->front = split.headers;
+        message_->restAt += split.restAt;
+        message_->form = split.form;
+    }
+
+    void makeHeader()
+    {
+        if (set_.empty()) return;
+        message_->front = properties::makeHeader(pointersTo(set_), message_->form);
+        message_->form = properties::withHeader(message_->form);
+    }
+
+    std::span<const std::byte> body_;
+    std::unique_ptr<UnpackedMessage> message_;
+    Properties set_;
+    Properties inBody_;
+};
+
 } // namespace
+
+PropertyDelivery propertyDelivery(MQLONG options, bool hasMessageHandle, MQLONG propertyControl)
+{
+    if ((options & MQGMO_NO_PROPERTIES) != 0) return PropertyDelivery::Dropped;
+    if ((options & MQGMO_PROPERTIES_FORCE_MQRFH2) != 0) return PropertyDelivery::InHeader;
+    if ((options & MQGMO_PROPERTIES_COMPATIBILITY) != 0) return PropertyDelivery::InHeaderForJms;
+    if ((options & MQGMO_PROPERTIES_IN_HANDLE) != 0) return PropertyDelivery::InHandle;
+    // MQGMO_PROPERTIES_AS_Q_DEF
+    switch (propertyControl) {
+    case MQPROP_FORCE_MQRFH2:
+        return PropertyDelivery::InHeader;
+    case MQPROP_V6COMPAT:
+        return hasMessageHandle ? PropertyDelivery::SetInHandle : PropertyDelivery::AsPut;
+    default:
+        break;
+    }
+    if (hasMessageHandle) return PropertyDelivery::InHandle;
+    switch (propertyControl) {
+    case MQPROP_ALL:
+        return PropertyDelivery::InHeader;
+    case MQPROP_NONE:
+        return PropertyDelivery::Dropped;
+    default:
+        return PropertyDelivery::InHeaderForJms;
+    }
+}
 
 Outcome prepareDelivery(const GetRequest &request, std::span<const std::byte> stored, GotMessage &got)
 {
-    const std::size_t length = bodyOf(got.header, stored).size();
+    got.unpacked.reset();
+    std::size_t length = stored.size();
+    if (mayHaveProperties(got.header)) [[unlikely]] {
+        const auto delivery = propertyDelivery(request.options, request.hasMessageHandle, got.propertyControl);
+        got.unpacked = Unpacker(stored, got).unpack(delivery);
+        length = got.unpacked->front.size() + stored.size() - got.unpacked->restAt;
+    }
     got.dataLength = static_cast<MQLONG>(length);
     return judgeLength(request, length);
 }
 
 void copyDelivery(const GetRequest &request, std::span<const std::byte> stored, GotMessage &got)
 {
-    const std::span<const std::byte> body = bodyOf(got.header, stored);
-    const std::size_t returned = std::min(body.size(), request.buffer.size());
-    if (returned != 0) std::memcpy(request.buffer.data(), body.data(), returned);
-    got.returnedLength = static_cast<MQLONG>(returned);
+    std::span<std::byte> room = request.buffer;
+    const auto copy = [&](std::span<const std::byte> part) {
+        const std::size_t length = std::min(part.size(), room.size());
+        if (length != 0) std::memcpy(room.data(), part.data(), length);
+        room = room.subspan(length);
+    };
+    if (got.unpacked) [[unlikely]] {
+        copy(got.unpacked->front);
+        stored = stored.subspan(std::min(got.unpacked->restAt, stored.size()));
+    }
+    copy(stored);
+    got.returnedLength = static_cast<MQLONG>(request.buffer.size() - room.size());
 }
 
 Outcome deliver(const GetRequest &request, std::span<const std::byte> stored, GotMessage &got)

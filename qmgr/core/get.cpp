@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "qmgr/core/command_server.h"
+#include "qmgr/core/delivery.h"
 #include "qmgr/core/expiry.h"
 #include "qmgr/core/ordered_get.h"
 
@@ -55,6 +56,7 @@ Outcome lookUntilFound(Connection &connection, OpenObject &object, const GetRequ
         const bool lastLook = deadline && std::chrono::steady_clock::now() >= *deadline;
         if (const Outcome may = mayGet(connection, object, request); may.failed()) return may;
         const store::QueueId queue = object.hold.queue->id;
+        got.propertyControl = object.hold.queue->propertyControl;
         // Before the look, so that a message that comes between look and sleep ends the sleep.
         const std::uint32_t observed = connection.store->observe(queue);
         const Look look = request.has(browseOptions) ? browseMessage(connection, object, request, got)
@@ -83,6 +85,9 @@ void saveContext(OpenObject &object, const GetRequest &request, const Outcome &o
 
 } // namespace
 
+GotMessage::GotMessage() = default;
+GotMessage::~GotMessage() = default;
+
 Outcome getMessage(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got)
 {
     if (const Outcome may = mayUseHandle(object, request); may.failed()) return may;
@@ -98,6 +103,7 @@ Outcome getMessage(Connection &connection, OpenObject &object, const GetRequest 
     if (outcome.failed()) return outcome;
     outcome = notePosition(object, request, outcome, got);
     got.header.md.Expiry = remainingExpiry(got.header);
+    if (got.unpacked) properties::setForm(got.header.md, got.unpacked->form);
     if (object.allows(MQOO_SAVE_ALL_CONTEXT)) saveContext(object, request, outcome, got);
     return outcome;
 }

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 
@@ -21,6 +22,7 @@ struct GetRequest {
     MQLONG waitInterval = 0;     // milliseconds or MQWI_UNLIMITED; with MQGMO_WAIT
     Selection selection;
     std::span<std::byte> buffer;
+    bool hasMessageHandle = false; // MQGMO.MsgHandle
     // Made of the options and the handle's position (ordered_get.h).
     MQLONG needs = MQGMO_NONE;                 // MQGMO_ALL_MSGS_AVAILABLE or MQGMO_ALL_SEGMENTS_AVAILABLE for this look
     std::optional<store::MessageKey> behind{}; // MQGMO_BROWSE_NEXT with logical order: where to go on
@@ -32,13 +34,21 @@ struct GetRequest {
     }
 };
 
+struct UnpackedMessage;
+
 inline constexpr MQLONG browseOptions = MQGMO_BROWSE_FIRST | MQGMO_BROWSE_NEXT | MQGMO_BROWSE_MSG_UNDER_CURSOR;
 
 struct GotMessage {
     store::MessageKey key;
-    store::MessageHeader header; // md.Expiry is what is left
+    store::MessageHeader header; // as stored; when the get is over, md is what the program sees
     MQLONG dataLength = 0;       // of the whole message
     MQLONG returnedLength = 0;   // of what is in the buffer
+
+    MQLONG propertyControl = MQPROP_COMPATIBILITY; // of the queue
+    std::unique_ptr<UnpackedMessage> unpacked;     // of a message with properties (delivery.h)
+
+    GotMessage();
+    ~GotMessage();
 };
 
 // Fills `got` and the buffer unless it fails. Warnings: MQRC_TRUNCATED_MSG_ACCEPTED and MQRC_TRUNCATED_MSG_FAILED (the

@@ -4,6 +4,7 @@
 
 #include "qmgr/core/groups.h"
 #include "qmgr/core/private_unit.h"
+#include "qmgr/core/put_properties.h"
 #include "qmgr/core/put_steps.h"
 #include "qmgr/core/reports.h"
 #include "qmgr/core/segments.h"
@@ -64,7 +65,7 @@ Outcome putInUnitOfWork(Connection &connection, const objects::QueueDefinition &
 Outcome place(Connection &connection, const objects::QueueDefinition &queue, const PutRequest &request,
               store::NewMessage &message)
 {
-    if (const Outcome fits = checkLength(connection, queue, message.body.size()); fits.failed()) return fits;
+    if (const Outcome fits = checkLength(connection, queue, bodyLengthOf(message)); fits.failed()) return fits;
     const MQMD &md = message.header.md;
     message.header.expiryDeadline = expiryDeadline(md, message.header.putTime);
     message.key = connection.store->newKey(queue.id, rankOf(queue, md.Priority));
@@ -161,7 +162,7 @@ Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue
     if (alone) {
         makeSingle(md);
     } else {
-        const Outcome placed = placeInGroup(connection, request, message.body.size(), md, behind);
+        const Outcome placed = placeInGroup(connection, request, bodyLengthOf(message), md, behind);
         if (placed.failed()) return placed;
         if (completed.ok()) completed = placed;
     }
@@ -170,7 +171,7 @@ Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue
         return context;
     std::size_t most = 0;
     const bool tooLong = (md.MsgFlags & MQMF_SEGMENTATION_ALLOWED) != 0 &&
-                         message.body.size() - message.header.coreLength > (most = longestBody(connection, queue));
+                         bodyLengthOf(message) > (most = longestBody(connection, queue));
     const Outcome put = tooLong ? placeSegments(connection, queue, request, message, most)
                                 : placeWhole(connection, queue, request, message);
     if (put.failed()) return put;

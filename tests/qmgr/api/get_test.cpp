@@ -125,13 +125,7 @@ TEST_F(Get, OptionsOfOtherPlatformsAndUnknownOnesAre2046)
         EXPECT_EQ(codesFor(options), failed(MQRC_OPTIONS_ERROR)) << std::hex << options;
 }
 
-TEST_F(Get, OptionsThatAreNotBuiltAre2298)
-{
-    for (const MQLONG options : {MQGMO_NO_PROPERTIES, MQGMO_PROPERTIES_IN_HANDLE})
-        EXPECT_EQ(codesFor(options), failed(MQRC_FUNCTION_NOT_SUPPORTED)) << std::hex << options;
-}
-
-TEST_F(Get, MessageHandleIs2460)
+TEST_F(Get, MessageHandleThatIsNoneIs2460)
 {
     MQGMO gmo = gmoWith(MQGMO_NO_SYNCPOINT, MQGMO_VERSION_4);
     gmo.MsgHandle = 5;

@@ -15,15 +15,8 @@ Codes answerOf(void (*call)(Arguments...) noexcept, Given... given)
 TEST(NotSupported, EveryCallThatIsNotBuiltIs2298)
 {
     constexpr Codes refused = failed(MQRC_FUNCTION_NOT_SUPPORTED);
-    MQHMSG hmsg = MQHM_NONE;
+
     MQHOBJ hobj = MQHO_NONE;
-    EXPECT_EQ(answerOf(MQCRTMH, 0, nullptr, &hmsg), refused);
-    EXPECT_EQ(answerOf(MQDLTMH, 0, &hmsg, nullptr), refused);
-    EXPECT_EQ(answerOf(MQSETMP, 0, hmsg, nullptr, nullptr, nullptr, 0, 0, nullptr), refused);
-    EXPECT_EQ(answerOf(MQINQMP, 0, hmsg, nullptr, nullptr, nullptr, nullptr, 0, nullptr, nullptr), refused);
-    EXPECT_EQ(answerOf(MQDLTMP, 0, hmsg, nullptr, nullptr), refused);
-    EXPECT_EQ(answerOf(MQBUFMH, 0, hmsg, nullptr, nullptr, 0, nullptr, nullptr), refused);
-    EXPECT_EQ(answerOf(MQMHBUF, 0, hmsg, nullptr, nullptr, nullptr, 0, nullptr, nullptr), refused);
     EXPECT_EQ(answerOf(MQCB, 0, 0, nullptr, hobj, nullptr, nullptr), refused);
     EXPECT_EQ(answerOf(MQCTL, 0, 0, nullptr), refused);
     EXPECT_EQ(answerOf(MQSTAT, 0, 0, nullptr), refused);

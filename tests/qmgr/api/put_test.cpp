@@ -349,9 +349,13 @@ TEST_F(Put, TopicAndUnknownOptionsAre2046)
         EXPECT_EQ(codesFor(pmoWith(options)), failed(MQRC_OPTIONS_ERROR)) << std::hex << options;
 }
 
-TEST_F(Put, OutputOnlyDescriptorIs2298)
+TEST_F(Put, OutputOnlyDescriptorIsTheDefaultOne)
 {
-    EXPECT_EQ(codesFor(pmoWith(MQPMO_MD_FOR_OUTPUT_ONLY)), failed(MQRC_FUNCTION_NOT_SUPPORTED));
+    MQMD md = withPriority(77);
+    MQPMO pmo = pmoWith(MQPMO_MD_FOR_OUTPUT_ONLY);
+    EXPECT_EQ(putInOut(hconn, q1, "hello", md, pmo), ok);
+    EXPECT_EQ(md.Priority, 0);
+    EXPECT_EQ(get(hconn, q1).md.Priority, 0);
 }
 
 TEST_F(Put, OptionsWithoutEffectAreAccepted)
@@ -360,7 +364,7 @@ TEST_F(Put, OptionsWithoutEffectAreAccepted)
     EXPECT_EQ(codesFor(pmoWith(MQPMO_SYNC_RESPONSE | MQPMO_RESOLVE_LOCAL_Q | MQPMO_DEFAULT_CONTEXT)), ok);
 }
 
-TEST_F(Put, RecordsAndMessageHandlesAreRefused)
+TEST_F(Put, RecordsAndMessageHandlesThatAreNoneAreRefused)
 {
     MQPMO pmo = {MQPMO_DEFAULT};
     pmo.Version = MQPMO_VERSION_3;
@@ -374,7 +378,7 @@ TEST_F(Put, RecordsAndMessageHandlesAreRefused)
     EXPECT_EQ(codesFor(pmo), failed(MQRC_HMSG_ERROR));
     pmo.NewMsgHandle = MQHM_NONE;
     pmo.Action = MQACTP_REPLY;
-    EXPECT_EQ(codesFor(pmo), failed(MQRC_FUNCTION_NOT_SUPPORTED));
+    EXPECT_EQ(codesFor(pmo), failed(MQRC_HMSG_ERROR)) << "a reply to nothing";
     pmo.Action = 77;
     EXPECT_EQ(codesFor(pmo), failed(MQRC_ACTION_ERROR));
 }
