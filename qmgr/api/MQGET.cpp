@@ -156,11 +156,13 @@ Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, M
         handle->clear();
     }
 
-    const core::GetRequest request{gmo.Options,
-                                   gmo.WaitInterval,
-                                   core::Selection(gmo.MatchOptions, md, gmo.MsgToken),
-                                   {static_cast<std::byte *>(pBuffer), static_cast<std::size_t>(bufferLength)},
-                                   static_cast<bool>(handle)};
+    core::GetRequest request{gmo.Options,
+                             gmo.WaitInterval,
+                             core::Selection(gmo.MatchOptions, md, gmo.MsgToken),
+                             {static_cast<std::byte *>(pBuffer), static_cast<std::size_t>(bufferLength)},
+                             static_cast<bool>(handle)};
+    if (static_cast<const MQMD *>(pMsgDesc)->Version < MQMD_VERSION_2)
+        request.extensionCcsid = use->queueManager().codedCharSetId;
     core::GotMessage got;
     Outcome outcome = core::getMessage(*use, *object, request, got);
     if (outcome.failed()) return outcome;

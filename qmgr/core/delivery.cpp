@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "qmgr/core/md_extension.h"
 #include "qmgr/properties/record.h"
 
 namespace mqrig::qmgr::core {
@@ -108,6 +109,24 @@ private:
     Properties inBody_;
 };
 
+// What does not fit a version-1 descriptor goes in front of everything.
+void prependExtension(MQLONG queueManagerCcsid, GotMessage &got)
+{
+    if (!got.unpacked) {
+        got.unpacked = std::make_unique<UnpackedMessage>();
+        got.unpacked->form = properties::formOf(got.header.md);
+    }
+    MQMD md = got.header.md;
+    properties::DataForm &form = got.unpacked->form;
+    properties::setForm(md, form);
+    const MQMDE extension = extensionOf(md);
+    const auto bytes = std::as_bytes(std::span(&extension, 1));
+    got.unpacked->front.insert(got.unpacked->front.begin(), bytes.begin(), bytes.end());
+    form.encoding = MQENC_NATIVE;
+    form.ccsid = queueManagerCcsid;
+    std::copy_n(MQFMT_MD_EXTENSION, form.format.size(), form.format.begin());
+}
+
 } // namespace
 
 PropertyDelivery propertyDelivery(MQLONG options, bool hasMessageHandle, MQLONG propertyControl)
@@ -144,6 +163,10 @@ Outcome prepareDelivery(const GetRequest &request, std::span<const std::byte> st
         const auto delivery = propertyDelivery(request.options, request.hasMessageHandle, got.propertyControl);
         got.unpacked = Unpacker(stored, got).unpack(delivery);
         length = got.unpacked->front.size() + stored.size() - got.unpacked->restAt;
+    }
+    if (request.extensionCcsid && !fitsVersion1(got.header.md)) [[unlikely]] {
+        prependExtension(*request.extensionCcsid, got);
+        length += sizeof(MQMDE);
     }
     got.dataLength = static_cast<MQLONG>(length);
     return judgeLength(request, length);

@@ -42,7 +42,7 @@ constexpr bool fillsHandle(PropertyDelivery delivery)
     return delivery == PropertyDelivery::InHandle || delivery == PropertyDelivery::SetInHandle;
 }
 
-// A message that is not delivered as it stands.
+// A message that is not delivered as it stands: properties apart, or an extension of the descriptor in front.
 struct UnpackedMessage {
     std::vector<std::byte> front;                 // headers in front of the rest
     std::size_t restAt = 0;                       // in the stored bytes

@@ -23,6 +23,8 @@ struct GetRequest {
     Selection selection;
     std::span<std::byte> buffer;
     bool hasMessageHandle = false; // MQGMO.MsgHandle
+    // With a version-1 descriptor: the queue manager's, for what version 2 has beyond it (md_extension.h).
+    std::optional<MQLONG> extensionCcsid{};
     // Made of the options and the handle's position (ordered_get.h).
     MQLONG needs = MQGMO_NONE;                 // MQGMO_ALL_MSGS_AVAILABLE or MQGMO_ALL_SEGMENTS_AVAILABLE for this look
     std::optional<store::MessageKey> behind{}; // MQGMO_BROWSE_NEXT with logical order: where to go on
@@ -45,7 +47,7 @@ struct GotMessage {
     MQLONG returnedLength = 0;   // of what is in the buffer
 
     MQLONG propertyControl = MQPROP_COMPATIBILITY; // of the queue
-    std::unique_ptr<UnpackedMessage> unpacked;     // of a message with properties (delivery.h)
+    std::unique_ptr<UnpackedMessage> unpacked;     // of a message that is not returned as it is stored (delivery.h)
 
     GotMessage();
     ~GotMessage();

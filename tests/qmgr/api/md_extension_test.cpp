@@ -140,5 +140,97 @@ TEST_F(Extension, DoesNotCountForTheLengthOfTheMessage)
     EXPECT_EQ(put(hconn, q1, inFront(extension(), "data."), announcing()), failed(MQRC_MSG_TOO_BIG_FOR_Q));
 }
 
+// ---- MQGET ----
+
+class ExtensionGot : public Extension {
+public:
+    Got getByVersion1(MQLONG options = MQGMO_NO_SYNCPOINT, std::size_t bufferLength = 4096)
+    {
+        return get(hconn, q1, MQMD{MQMD_DEFAULT}, gmoWith(options), bufferLength);
+    }
+    static MQMDE extensionIn(const Got &got)
+    {
+        MQMDE header = {MQMDE_DEFAULT};
+        EXPECT_GE(got.body.size(), sizeof header);
+        got.body.copy(reinterpret_cast<char *>(&header), sizeof header);
+        return header;
+    }
+    Codes putInGroup(std::string_view body)
+    {
+        MQMD md = mdOf({"G", 3, MQMF_MSG_IN_GROUP});
+        std::memcpy(md.Format, MQFMT_STRING, sizeof md.Format);
+        md.CodedCharSetId = 850;
+        return put(hconn, q1, body, md);
+    }
+};
+
+TEST_F(ExtensionGot, TellsAVersion1DescriptorOfTheGroup)
+{
+    ASSERT_EQ(putInGroup("data"), ok);
+    const Got got = getByVersion1();
+    EXPECT_EQ(text(got.md.Format), "MQHMDE");
+    EXPECT_EQ(got.md.Encoding, MQENC_NATIVE);
+    const MQMDE header = extensionIn(got);
+    EXPECT_EQ(std::string_view(header.StrucId, 4), "MDE ");
+    EXPECT_EQ(header.Version, MQMDE_VERSION_2);
+    EXPECT_EQ(header.StrucLength, MQMDE_LENGTH_2);
+    EXPECT_EQ(text(header.Format), "MQSTR");
+    EXPECT_EQ(header.CodedCharSetId, 850);
+    EXPECT_EQ(header.GroupId[0], 'G');
+    EXPECT_EQ(header.MsgSeqNumber, 3);
+    EXPECT_EQ(header.MsgFlags, MQMF_MSG_IN_GROUP);
+    EXPECT_EQ(header.OriginalLength, MQOL_UNDEFINED);
+    EXPECT_EQ(got.body.substr(sizeof header), "data");
+    EXPECT_EQ(got.dataLength, 76);
+}
+
+TEST_F(ExtensionGot, IsNotMadeForMessagesOfNoGroup)
+{
+    ASSERT_EQ(put(hconn, q1, "plain"), ok);
+    EXPECT_EQ(getByVersion1().body, "plain");
+}
+
+TEST_F(ExtensionGot, CountsForTheRoomInTheBuffer)
+{
+    ASSERT_EQ(putInGroup("data"), ok);
+    Got got = getByVersion1(MQGMO_NO_SYNCPOINT, 75);
+    EXPECT_EQ(got.codes, warned(MQRC_TRUNCATED_MSG_FAILED));
+    EXPECT_EQ(got.dataLength, 76);
+    got = getByVersion1(MQGMO_ACCEPT_TRUNCATED_MSG, 10);
+    EXPECT_EQ(got.codes, warned(MQRC_TRUNCATED_MSG_ACCEPTED));
+    EXPECT_EQ(got.body.substr(0, 4), "MDE ");
+    EXPECT_EQ(depth("Q1"), 0);
+}
+
+TEST_F(ExtensionGot, GoesBackIntoAPut)
+{
+    ASSERT_EQ(putInGroup("data"), ok);
+    const Got got = getByVersion1();
+    ASSERT_EQ(put(hconn, q1, got.body, got.md), ok);
+    const Got again = next();
+    EXPECT_EQ(again.body, "data");
+    EXPECT_EQ(placeOf(again.md), (Place{"G" + std::string(23, '\0'), 3, 0, MQMF_MSG_IN_GROUP}));
+    EXPECT_EQ(again.md.CodedCharSetId, 850);
+}
+
+TEST_F(ExtensionGot, StandsInFrontOfACompleteMessage)
+{
+    putPiece({"S", 1, MQMF_SEGMENT}, "ab");
+    putPiece({"S", 1, MQMF_LAST_SEGMENT, 2}, "cd");
+    const Got browsed = getByVersion1(MQGMO_BROWSE_FIRST | MQGMO_COMPLETE_MSG);
+    const Got got = getByVersion1(MQGMO_COMPLETE_MSG);
+    EXPECT_EQ(browsed.body, got.body);
+    EXPECT_EQ(extensionIn(got).MsgFlags, MQMF_SEGMENT | MQMF_LAST_SEGMENT);
+    EXPECT_EQ(got.body.substr(sizeof(MQMDE)), "abcd");
+}
+
+TEST_F(ExtensionGot, LargeMessageIsBehindIt)
+{
+    const std::string body(200000, 'x');
+    ASSERT_EQ(putInGroup(body), ok);
+    const Got got = getByVersion1(MQGMO_NO_SYNCPOINT, 300000);
+    EXPECT_EQ(got.body.substr(sizeof(MQMDE)), body);
+}
+
 } // namespace
 } // namespace mqrig::qmgr::testing
