@@ -9,16 +9,29 @@ void show(std::vector<std::string> &lines, const InquiredObject &object, const S
                    [&](const objects::Attribute &attribute) { return object.value(attribute); });
 }
 
+constexpr std::string_view queueTypes[] = {"QLOCAL", "QALIAS", "QREMOTE", "QMODEL", "ALL"};
+
+// The kinds of object to be shown: those of the object word, or of DISPLAY QUEUE that of TYPE.
+objects::ObjectKinds kindsOf(const MqscCommand &command, const Selection &selection)
+{
+    for (const objects::ObjectKind kind : {objects::ObjectKind::LocalQueue, objects::ObjectKind::AliasQueue,
+                                           objects::ObjectKind::RemoteQueue, objects::ObjectKind::ModelQueue})
+        if (selection.type == objects::commandWord(kind)) return objects::kinds(kind);
+    return command.kinds;
+}
+
 } // namespace
 
 CommandAnswer displayObjects(const MqscCommand &command)
 {
     const ReadName name = readName(command, NameForm::Generic);
     if (!name.ok) return name.answer;
-    const Selection selection = readSelection(command, {}, name.name.ends_with('*'));
+    Vocabulary vocabulary;
+    if (command.objectWord == "QUEUE") vocabulary.types = queueTypes;
+    const Selection selection = readSelection(command, vocabulary, name.name.ends_with('*'));
     if (!selection.ok) return selection.answer;
 
-    const InquiredObjects inquired = inquireObjects(command.attachment, name.name, selection.kinds);
+    const InquiredObjects inquired = inquireObjects(command.attachment, name.name, kindsOf(command, selection));
     CommandAnswer answer;
     if (!inquired.outcome.ok()) {
         answer.result = CommandResult::Failed;

@@ -10,15 +10,15 @@ namespace {
 using objects::Attribute;
 using objects::ObjectKind;
 
-// TYPE(QALIAS) or TYPE(ALL) of the queues; nothing where it is neither.
-objects::ObjectKinds typeWord(const MqscParameter &type)
+// "TYPE takes QUEUE or HANDLE"
+std::string typesOf(std::span<const std::string_view> types)
 {
-    if (type.values.size() != 1) return 0;
-    if (type.value() == "ALL") return objects::allQueues;
-    for (const ObjectKind kind :
-         {ObjectKind::LocalQueue, ObjectKind::AliasQueue, ObjectKind::RemoteQueue, ObjectKind::ModelQueue})
-        if (type.value() == objects::commandWord(kind)) return objects::kinds(kind);
-    return 0;
+    std::string text = "TYPE takes ";
+    for (const std::string_view &type : types) {
+        if (&type != &types.front()) text += &type == &types.back() ? " or " : ", ";
+        text += type;
+    }
+    return text;
 }
 
 } // namespace
@@ -31,7 +31,6 @@ bool Selection::asksFor(std::string_view keyword) const
 Selection readSelection(const MqscCommand &command, const Vocabulary &vocabulary, bool genericName)
 {
     Selection selection;
-    selection.kinds = command.kinds;
     const auto fail = [&](std::size_t offset, std::string_view reason) {
         selection.ok = false;
         selection.answer = syntaxFault(command.text, Message::SyntaxError, offset, reason);
@@ -46,10 +45,11 @@ Selection readSelection(const MqscCommand &command, const Vocabulary &vocabulary
             selection.filter = std::move(read.filter);
             continue;
         }
-        if (command.objectWord == "QUEUE" && parameter.keyword == "TYPE" && parameter.hasValue) {
-            selection.kinds = typeWord(parameter);
-            if (selection.kinds == 0)
-                return fail(parameter.valueOffset(), "TYPE takes QLOCAL, QALIAS, QREMOTE, QMODEL or ALL");
+        if (!vocabulary.types.empty() && parameter.keyword == "TYPE" && parameter.hasValue) {
+            const auto type = std::ranges::find(vocabulary.types, parameter.value());
+            if (parameter.values.size() != 1 || type == vocabulary.types.end())
+                return fail(parameter.valueOffset(), typesOf(vocabulary.types));
+            selection.type = *type;
             continue;
         }
         if (parameter.hasValue) return fail(parameter.valueOffset(), "an attribute to be shown has no value");

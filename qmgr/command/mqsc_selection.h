@@ -17,7 +17,7 @@ namespace mqrig::qmgr::command {
 struct Selection {
     bool ok = true;
     bool all = false;
-    objects::ObjectKinds kinds = 0;         // of the objects
+    std::string_view type;                  // what TYPE(...) names; empty without it
     std::vector<std::string_view> keywords; // of the attributes asked for, as their rows have them
     std::optional<Filter> filter;
     CommandAnswer answer; // the fault
@@ -28,7 +28,8 @@ struct Selection {
 // The attributes that a command may ask for: rows of the attribute table, or of a table of its own.
 struct Vocabulary {
     std::span<const objects::Attribute> rows = objects::attributes();
-    bool filters = true; // WHERE is understood
+    bool filters = true;                          // WHERE is understood
+    std::span<const std::string_view> types = {}; // what TYPE takes, if it is understood
 };
 
 // Reads the parameters of a DISPLAY command. `genericName`: whether the name stands for several objects; of one alone

@@ -1,8 +1,5 @@
 // DISPLAY QSTATUS and DISPLAY CONN: what is counted and who is connected, as of now.
-#include <pwd.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <string>
@@ -10,12 +7,14 @@
 
 #include "cmqcfc.h"
 #include "qmgr/command/mqsc_selection.h"
+#include "qmgr/command/process_facts.h"
 #include "qmgr/objects/object_name.h"
 #include "qmgr/objects/queue_counters.h"
 
 namespace mqrig::qmgr::command {
 namespace {
 
+using objects::Access;
 using objects::Attribute;
 using objects::AttributeValue;
 using objects::ObjectKind;
@@ -29,7 +28,7 @@ constexpr MQLONG noLimit = 2147483647;
 constexpr MQLONG hexDigits = 2 * MQ_CONNECTION_ID_LENGTH;
 
 constexpr Attribute number(std::string_view keyword, MQLONG selector, objects::ObjectKinds kinds,
-                           std::span<const Word> words = {}, objects::Access access = objects::Access::Dynamic)
+                           std::span<const Word> words = {}, Access access = Access::Dynamic)
 {
     return {.keyword = keyword,
             .selector = selector,
@@ -42,7 +41,7 @@ constexpr Attribute number(std::string_view keyword, MQLONG selector, objects::O
 }
 
 constexpr Attribute text(std::string_view keyword, MQLONG selector, objects::ObjectKinds kinds, MQLONG length,
-                         objects::Access access = objects::Access::Dynamic)
+                         Access access = Access::Dynamic)
 {
     return {.keyword = keyword,
             .selector = selector,
@@ -56,29 +55,45 @@ constexpr Attribute text(std::string_view keyword, MQLONG selector, objects::Obj
 
 constexpr Word noUncommitted[] = {{"NO", 0}};
 constexpr Word user[] = {{"USER", MQAT_USER}};
+constexpr Word noYes[] = {{"NO", 0}, {"YES", 1}};
+constexpr Word inputs[] = {{"NO", 0}, {"SHARED", MQOO_INPUT_SHARED}, {"EXCL", MQOO_INPUT_EXCLUSIVE}};
 
-// Of queues, in the order in which they are shown. Those that are always shown have the access of an identity.
+// In place of selectors, where not every column has one.
+enum Field : MQLONG { Queue, Type, Connection, External, Program, ProgramType, Browse, Input, Output, ProcessId, User };
+
+// In the order in which they are shown. What is always shown has the access of an identity.
 constexpr Attribute queueRows[] = {
-    text("QUEUE", MQCA_Q_NAME, ofQueue, MQ_Q_NAME_LENGTH, objects::Access::Identity),
-    text("TYPE", MQIACF_Q_STATUS_TYPE, ofQueue, MQ_Q_NAME_LENGTH, objects::Access::Identity),
-    number("CURDEPTH", MQIA_CURRENT_Q_DEPTH, ofQueue, {}, objects::Access::Identity),
+    text("QUEUE", MQCA_Q_NAME, ofQueue, MQ_Q_NAME_LENGTH, Access::Identity),
+    text("TYPE", MQIACF_Q_STATUS_TYPE, ofQueue, MQ_Q_NAME_LENGTH, Access::Identity),
+    number("CURDEPTH", MQIA_CURRENT_Q_DEPTH, ofQueue, {}, Access::Identity),
     number("IPPROCS", MQIA_OPEN_INPUT_COUNT, ofQueue),
     number("OPPROCS", MQIA_OPEN_OUTPUT_COUNT, ofQueue),
     number("UNCOM", MQIACF_UNCOMMITTED_MSGS, ofQueue, noUncommitted),
 };
 
-// What is shown of a connection; in place of selectors, of which not all of it has one.
-enum ConnectionField : MQLONG { Name, ExternalName, InfoType, Program, ProgramType, ProcessId, User };
+constexpr Attribute handleRows[] = {
+    text("QUEUE", Queue, ofQueue, MQ_Q_NAME_LENGTH, Access::Identity),
+    text("TYPE", Type, ofQueue, MQ_Q_NAME_LENGTH, Access::Identity),
+    text("APPLTAG", Program, ofQueue, MQ_APPL_TAG_LENGTH),
+    number("APPLTYPE", ProgramType, ofQueue, user),
+    number("BROWSE", Browse, ofQueue, noYes),
+    number("INPUT", Input, ofQueue, inputs),
+    number("OUTPUT", Output, ofQueue, noYes),
+    number("PID", ProcessId, ofQueue),
+    text("USERID", User, ofQueue, MQ_USER_ID_LENGTH),
+};
 
 constexpr Attribute connectionRows[] = {
-    text("CONN", Name, ofConnection, hexDigits, objects::Access::Identity),
-    text("EXTCONN", ExternalName, ofConnection, hexDigits, objects::Access::Identity),
-    text("TYPE", InfoType, ofConnection, MQ_Q_NAME_LENGTH, objects::Access::Identity),
+    text("CONN", Connection, ofConnection, hexDigits, Access::Identity),
+    text("EXTCONN", External, ofConnection, hexDigits, Access::Identity),
+    text("TYPE", Type, ofConnection, MQ_Q_NAME_LENGTH, Access::Identity),
     text("APPLTAG", Program, ofConnection, MQ_APPL_TAG_LENGTH),
     number("APPLTYPE", ProgramType, ofConnection, user),
     number("PID", ProcessId, ofConnection),
     text("USERID", User, ofConnection, MQ_USER_ID_LENGTH),
 };
+
+constexpr std::string_view statusTypes[] = {"QUEUE", "HANDLE"};
 
 AttributeValue valueOf(const InquiredObject &queue, const Attribute &attribute)
 {
@@ -95,40 +110,6 @@ AttributeValue valueOf(const InquiredObject &queue, const Attribute &attribute)
     }
 }
 
-std::string hexadecimal(std::string_view bytes)
-{
-    std::string digits;
-    for (const char byte : bytes) {
-        std::array<char, 3> pair{};
-        std::snprintf(pair.data(), pair.size(), "%02X", static_cast<unsigned char>(byte));
-        digits += pair.data();
-    }
-    return digits;
-}
-
-// The file name of the program; empty where the system does not tell.
-std::string programOf(std::int32_t pid)
-{
-    std::array<char, 4096> path{};
-    const ssize_t length = readlink(("/proc/" + std::to_string(pid) + "/exe").c_str(), path.data(), path.size());
-    if (length <= 0) return {};
-    std::string_view name(path.data(), static_cast<std::size_t>(length));
-    name.remove_prefix(name.rfind('/') + 1);
-    return std::string(name.substr(0, MQ_APPL_TAG_LENGTH));
-}
-
-std::string userOf(std::int32_t pid)
-{
-    struct stat process {};
-    if (stat(("/proc/" + std::to_string(pid)).c_str(), &process) != 0) return {};
-    std::array<char, 4096> text{};
-    passwd entry{};
-    passwd *found = nullptr;
-    if (getpwuid_r(process.st_uid, &entry, text.data(), text.size(), &found) != 0 || found == nullptr)
-        return std::to_string(process.st_uid);
-    return std::string(std::string_view(found->pw_name).substr(0, MQ_USER_ID_LENGTH));
-}
-
 // The last eight bytes of the connection id that programs know (MQCNO ConnectionId) name the connection; those in
 // front are the same for all of this queue manager.
 std::string connectionName(const store::ConnectionInfo &connection)
@@ -142,18 +123,24 @@ std::string externalName(const std::string &queueManager)
 {
     std::string bytes = "AMQC" + queueManager;
     bytes.resize(16, ' ');
-    return hexadecimal(bytes);
+    std::string digits;
+    for (const char byte : bytes) {
+        std::array<char, 3> pair{};
+        std::snprintf(pair.data(), pair.size(), "%02X", static_cast<unsigned char>(byte));
+        digits += pair.data();
+    }
+    return digits;
 }
 
 AttributeValue valueOf(const store::ConnectionInfo &connection, const std::string &queueManager,
                        const Attribute &attribute)
 {
     switch (attribute.selector) {
-    case Name:
+    case Connection:
         return {0, connectionName(connection)};
-    case ExternalName:
+    case External:
         return {0, externalName(queueManager)};
-    case InfoType:
+    case Type:
         return {0, "CONN"};
     case Program:
         return {0, programOf(connection.pid)};
@@ -161,9 +148,50 @@ AttributeValue valueOf(const store::ConnectionInfo &connection, const std::strin
         return {MQAT_USER, {}};
     case ProcessId:
         return {connection.pid, {}};
-    default:
+    case User:
         return {0, userOf(connection.pid)};
+    default:
+        return {};
     }
+}
+
+// A queue and who has it open.
+struct Handle {
+    std::string queue;
+    store::OpenQueue open;
+};
+
+AttributeValue valueOf(const Handle &handle, const Attribute &attribute)
+{
+    const store::OpenCounts &opens = handle.open.opens;
+    switch (attribute.selector) {
+    case Queue:
+        return {0, handle.queue};
+    case Type:
+        return {0, "HANDLE"};
+    case Browse:
+        return {opens.browse > 0 ? 1 : 0, {}};
+    case Input:
+        return {opens.exclusive > 0 ? MQOO_INPUT_EXCLUSIVE : opens.input > 0 ? MQOO_INPUT_SHARED : 0, {}};
+    case Output:
+        return {opens.output > 0 ? 1 : 0, {}};
+    default:
+        return valueOf(handle.open.connection, {}, attribute);
+    }
+}
+
+// The handles of the queues whose name fits, by queue.
+std::vector<Handle> findHandles(const store::Attachment &attachment, const std::vector<store::Definition> &queues,
+                                const std::string &genericName)
+{
+    std::vector<Handle> handles;
+    const std::vector<store::OpenQueue> open = attachment.openQueues();
+    for (const store::Definition &queue : queues) {
+        if (!objects::matchesGeneric(genericName, queue.name)) continue;
+        for (const store::OpenQueue &entry : open)
+            if (entry.queue == queue.queue) handles.push_back({queue.name, entry});
+    }
+    return handles;
 }
 
 // One entry per thing that passes the filter.
@@ -175,14 +203,21 @@ CommandAnswer display(const Things &things, std::span<const Attribute> rows, Obj
     for (const auto &thing : things) {
         const auto value = [&](const Attribute &attribute) { return valueOfThing(thing, attribute); };
         if (selection.filter) {
-            const objects::KeywordMatch compared =
-                objects::findKeyword(rows, objects::kinds(kind), selection.filter->keyword);
-            if (!selection.filter->holdsFor(*compared.attribute, value(*compared.attribute))) continue;
+            const Attribute &compared =
+                *objects::findKeyword(rows, objects::kinds(kind), selection.filter->keyword).attribute;
+            if (!selection.filter->holdsFor(compared, value(compared))) continue;
         }
         answer.lines.push_back(formatMessage(details, {}));
         showAttributes(answer.lines, rows, kind, selection, value);
     }
     return answer;
+}
+
+bool asksForHandles(const MqscCommand &command)
+{
+    return std::ranges::any_of(command.parameters(), [](const MqscParameter &parameter) {
+        return parameter.keyword == "TYPE" && parameter.value() == "HANDLE";
+    });
 }
 
 } // namespace
@@ -191,13 +226,23 @@ CommandAnswer displayQueueStatus(const MqscCommand &command)
 {
     const ReadName name = readName(command, NameForm::Generic);
     if (!name.ok) return name.answer;
-    const Selection selection = readSelection(command, {.rows = queueRows}, name.name.ends_with('*'));
+    const bool handles = asksForHandles(command);
+    const std::span<const Attribute> rows = handles ? std::span<const Attribute>(handleRows) : queueRows;
+    const Selection selection = readSelection(command, {.rows = rows, .types = statusTypes}, name.name.ends_with('*'));
     if (!selection.ok) return selection.answer;
-    const InquiredObjects inquired = inquireObjects(command.attachment, name.name, command.kinds);
-    if (inquired.outcome.failed()) return {CommandResult::Failed, {formatFailure(inquired.outcome, name.name)}};
-    CommandAnswer answer =
-        display(inquired.objects, queueRows, command.kind(), Message::QueueStatusDetails, selection,
-                [](const InquiredObject &queue, const Attribute &attribute) { return valueOf(queue, attribute); });
+
+    const auto show = [&](const auto &things) {
+        return display(things, rows, command.kind(), Message::QueueStatusDetails, selection,
+                       [](const auto &thing, const Attribute &attribute) { return valueOf(thing, attribute); });
+    };
+    CommandAnswer answer;
+    if (handles) {
+        answer = show(findHandles(command.attachment, command.attachment.definitions(MQOT_Q), name.name));
+    } else {
+        const InquiredObjects inquired = inquireObjects(command.attachment, name.name, command.kinds);
+        if (inquired.outcome.failed()) return {CommandResult::Failed, {formatFailure(inquired.outcome, name.name)}};
+        answer = show(inquired.objects);
+    }
     if (!answer.lines.empty()) return answer;
     return {CommandResult::Failed, {formatFailure(failure(MQRC_UNKNOWN_OBJECT_NAME), name.name)}};
 }

@@ -90,6 +90,11 @@ std::vector<ConnectionInfo> Attachment::connections() const
     return store_->connections();
 }
 
+std::vector<OpenQueue> Attachment::openQueues() const
+{
+    return store_->openQueues();
+}
+
 std::uint64_t Attachment::uniqueNumber() const
 {
     return store_->control().sequence.fetch_add(1, std::memory_order_relaxed);

@@ -56,6 +56,13 @@ struct ConnectionInfo {
     std::int32_t pid = 0;
 };
 
+// A queue that a connection has open, with all its handles for messages.
+struct OpenQueue {
+    QueueId queue = 0;
+    OpenCounts opens;
+    ConnectionInfo connection;
+};
+
 struct Attached {
     Outcome outcome;
     std::unique_ptr<Attachment> attachment; // null when the outcome failed
@@ -96,6 +103,8 @@ public:
     [[nodiscard]] std::uint64_t connectionNumber() const { return connectionNumber_; }
     // Every connection whose process lives, in the order in which they were made, this one too.
     [[nodiscard]] std::vector<ConnectionInfo> connections() const;
+    // What these have open, by connection; handles that only inquire or set do not count.
+    [[nodiscard]] std::vector<OpenQueue> openQueues() const;
     // Unlike any value given before by this queue manager, restarts included. For message ids. [any]
     [[nodiscard]] std::uint64_t uniqueNumber() const;
 

@@ -38,17 +38,41 @@ bool Store::anyConnection()
     return false;
 }
 
+std::optional<ConnectionInfo> Store::connectionOf(std::uint32_t number)
+{
+    const ConnectionSlot &slot = control().slots[number];
+    const ConnectionInfo connection{.number = slot.connection, .pid = slot.pid};
+    if (slot.state != SlotState::Taken || !isAlive(slot, number, *slotLocks_)) return std::nullopt;
+    return connection;
+}
+
 std::vector<ConnectionInfo> Store::connections()
 {
     std::vector<ConnectionInfo> alive;
-    ControlBlock &block = control();
-    for (std::uint32_t number = 0; number < block.slotLimit; ++number) {
-        const ConnectionSlot &slot = block.slots[number];
-        const ConnectionInfo connection{.number = slot.connection, .pid = slot.pid};
-        if (slot.state == SlotState::Taken && isAlive(slot, number, *slotLocks_)) alive.push_back(connection);
-    }
+    for (std::uint32_t number = 0; number < control().slotLimit; ++number)
+        if (const auto connection = connectionOf(number)) alive.push_back(*connection);
     std::ranges::sort(alive, {}, &ConnectionInfo::number);
     return alive;
+}
+
+std::vector<OpenQueue> Store::openQueues()
+{
+    std::vector<OpenQueue> open;
+    const Outcome outcome = read([&](ReadTransaction &transaction) {
+        for (std::uint32_t number = 0; number < control().slotLimit; ++number) {
+            const auto connection = connectionOf(number);
+            if (!connection) continue;
+            transaction.forEach(LiveKey::bookingsOf(number), [&](const MDB_val &key, const MDB_val &value) {
+                const OpenCounts opens = recordIn<Booking>(value).value_or(Booking{}).opens;
+                if (opens.input > 0 || opens.output > 0 || opens.browse > 0)
+                    open.push_back({numberAtEnd<QueueId>(key), opens, *connection});
+            });
+        }
+        return success();
+    });
+    static_cast<void>(outcome);
+    std::ranges::sort(open, {}, [](const OpenQueue &entry) { return entry.connection.number; });
+    return open;
 }
 
 Store::SlotTaken Store::takeSlot()

@@ -95,7 +95,9 @@ public:
     void freeSlot(std::uint32_t slot);
     bool releaseDead();
     [[nodiscard]] bool anyConnection();
+    [[nodiscard]] std::optional<ConnectionInfo> connectionOf(std::uint32_t slot); // of a slot, if it is alive
     [[nodiscard]] std::vector<ConnectionInfo> connections();
+    [[nodiscard]] std::vector<OpenQueue> openQueues();
 
     // ---- Units of work (commit.cpp) ----
     Outcome commit(std::uint32_t slot, const Unit &unit);

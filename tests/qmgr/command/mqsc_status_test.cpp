@@ -44,6 +44,28 @@ TEST_F(MqscStatus, QueueStatusCountsMessagesHandlesAndUncommittedWork)
                                                            "   OPPROCS(2)                              UNCOM(2)\n");
 }
 
+TEST_F(MqscStatus, HandlesTellWhoHasAQueueOpen)
+{
+    EXPECT_EQ(answer("DIS QS(Q1) TYPE(HANDLE)"), "AMQ8147E: There is no object Q1.\n");
+    const auto other = connect();
+    open(*other, idOf("Q1"), {.input = 1, .exclusive = 1, .output = 0, .browse = 0});
+    open(*attachment_, idOf("Q1"), {.input = 0, .exclusive = 0, .output = 1, .browse = 1});
+    EXPECT_EQ(answer("DIS QS(Q*) TYPE(HANDLE) INPUT OUTPUT BROWSE PID"),
+              "AMQ8450I: Queue status details:\n"
+              "   QUEUE(Q1)                               TYPE(HANDLE)\n"
+              "   BROWSE(YES)                             INPUT(NO)\n"
+              "   OUTPUT(YES)                             PID(" +
+                  std::to_string(getpid()) +
+                  ")\n"
+                  "AMQ8450I: Queue status details:\n"
+                  "   QUEUE(Q1)                               TYPE(HANDLE)\n"
+                  "   BROWSE(NO)                              INPUT(EXCL)\n"
+                  "   OUTPUT(NO)                              PID(" +
+                  std::to_string(getpid()) + ")\n");
+    EXPECT_EQ(answer("DIS QS(Q1) TYPE(HANDLE) INPUT WHERE(INPUT EQ SHARED)"), "AMQ8147E: There is no object Q1.\n");
+    EXPECT_EQ(run("DIS QS(Q1) TYPE(QLOCAL)").result, CommandResult::SyntaxError);
+}
+
 TEST_F(MqscStatus, QueueStatusIsOfLocalQueues)
 {
     ASSERT_EQ(run("DEF QA(A1) TARGET(Q1)").result, CommandResult::Done);
