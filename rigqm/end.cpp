@@ -7,14 +7,21 @@
 
 namespace mqrig::rigqm {
 
+namespace {
+
+qmgr::store::End howToEnd(const Arguments &arguments)
+{
+    if (arguments.has("-r")) return qmgr::store::End::Reconnect;
+    return arguments.has("-i") ? qmgr::store::End::Immediate : qmgr::store::End::Quiesce;
+}
+
+} // namespace
+
 int endCommand(const Arguments &arguments)
 {
-    if (arguments.has("-r"))
-        return reportFailure("ending with reconnection (-r) is not available yet; end -i ends at once.");
     const std::string name(arguments.names().front());
     const auto folder = qmgr::store::defaultStoreFolder();
-    const auto how = arguments.has("-i") ? qmgr::store::End::Immediate : qmgr::store::End::Quiesce;
-    const qmgr::Outcome outcome = qmgr::store::endQueueManager(folder, name, how);
+    const qmgr::Outcome outcome = qmgr::store::endQueueManager(folder, name, howToEnd(arguments));
     if (!outcome.ok()) return reportFailure(name, outcome);
 
     const qmgr::store::StateOfQueueManager now = qmgr::store::stateOf(folder, name);

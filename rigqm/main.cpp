@@ -15,7 +15,7 @@ constexpr std::span<const Option> noOptions;
 constexpr Option createOptions[] = {{"-d", "", "make it the default queue manager"}};
 constexpr Option endOptions[] = {
     {"-i", "", "end at once: calls in progress complete, later ones fail"},
-    {"-r", "", "end at once and let programs connect again (not available yet)"},
+    {"-r", "", "end at once; programs that asked for it reconnect after the next start"},
 };
 constexpr Option deleteOptions[] = {{"-f", "", "end it at once first, if it is running"}};
 constexpr Option mqscOptions[] = {
@@ -31,7 +31,8 @@ constexpr Subcommand table[] = {
      "Persistent messages are there again; non-persistent ones and uncommitted work are gone.\n", startCommand},
     {"end", "NAME", 1, 1, endOptions, "end a queue manager",
      "Without an option it quiesces: it takes no new connections and ends when the last one\n"
-     "has gone.\n",
+     "has gone. Programs reconnect that have connected with MQCNO_RECONNECT or\n"
+     "MQCNO_RECONNECT_Q_MGR; for others -r is the same as -i.\n",
      endCommand},
     {"list", "", 0, 0, noOptions, "list the queue managers and their states", "", listCommand},
     {"delete", "NAME", 1, 1, deleteOptions, "delete an ended queue manager with all its messages", "", deleteCommand},

@@ -1,4 +1,5 @@
 #include "qmgr/api/api.h"
+#include "qmgr/core/callbacks.h"
 #include "qmgr/core/disconnect.h"
 
 using namespace mqrig::qmgr;
@@ -8,6 +9,9 @@ namespace {
 Outcome disconnect(PMQHCONN pHconn)
 {
     if (pHconn == nullptr) return failure(MQRC_HCONN_ERROR);
+    // A callback cannot end the connection that calls it.
+    if (core::Callbacks::onThreadOf(*pHconn)) return failure(MQRC_CALL_IN_PROGRESS);
+    core::ConnectionUse::announceRemoval(*pHconn);
     core::ConnectionUse use(*pHconn);
     if (!use.found()) return use.outcome();
     *pHconn = MQHC_UNUSABLE_HCONN;

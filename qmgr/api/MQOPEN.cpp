@@ -63,5 +63,5 @@ Outcome open(MQHCONN Hconn, PMQVOID pObjDesc, MQLONG options, PMQHOBJ pHobj)
 MQI_EXPORT void MQENTRY MQOPEN(MQHCONN Hconn, PMQVOID pObjDesc, MQLONG Options, PMQHOBJ pHobj, PMQLONG pCompCode,
                                PMQLONG pReason) noexcept
 {
-    api::answer(pCompCode, pReason, [=] { return open(Hconn, pObjDesc, Options, pHobj); });
+    api::answerFollowing(Hconn, pCompCode, pReason, [=] { return open(Hconn, pObjDesc, Options, pHobj); });
 }

@@ -46,5 +46,6 @@ Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, M
 MQI_EXPORT void MQENTRY MQPUT(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, MQLONG BufferLength,
                               PMQVOID pBuffer, PMQLONG pCompCode, PMQLONG pReason) noexcept
 {
-    api::answer(pCompCode, pReason, [=] { return put(Hconn, Hobj, pMsgDesc, pPutMsgOpts, BufferLength, pBuffer); });
+    api::answerFollowing(Hconn, pCompCode, pReason,
+                         [=] { return put(Hconn, Hobj, pMsgDesc, pPutMsgOpts, BufferLength, pBuffer); });
 }

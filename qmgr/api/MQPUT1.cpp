@@ -52,6 +52,6 @@ Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgO
 MQI_EXPORT void MQENTRY MQPUT1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts,
                                MQLONG BufferLength, PMQVOID pBuffer, PMQLONG pCompCode, PMQLONG pReason) noexcept
 {
-    api::answer(pCompCode, pReason,
-                [=] { return put1(Hconn, pObjDesc, pMsgDesc, pPutMsgOpts, BufferLength, pBuffer); });
+    api::answerFollowing(Hconn, pCompCode, pReason,
+                         [=] { return put1(Hconn, pObjDesc, pMsgDesc, pPutMsgOpts, BufferLength, pBuffer); });
 }

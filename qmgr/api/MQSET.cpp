@@ -23,7 +23,7 @@ MQI_EXPORT void MQENTRY MQSET(MQHCONN Hconn, MQHOBJ Hobj, MQLONG SelectorCount, 
                               PMQLONG pIntAttrs, MQLONG CharAttrLength, PMQCHAR pCharAttrs, PMQLONG pCompCode,
                               PMQLONG pReason) noexcept
 {
-    api::answer(pCompCode, pReason, [=] {
+    api::answerFollowing(Hconn, pCompCode, pReason, [=] {
         return set(Hconn, Hobj, {SelectorCount, pSelectors, IntAttrCount, pIntAttrs, CharAttrLength, pCharAttrs});
     });
 }

@@ -17,6 +17,7 @@
 #include <utility>
 
 #include "cmqc.h"
+#include "qmgr/core/connections.h"
 #include "qmgr/store/outcome.h"
 
 // On the definition of every entry point: all else in the library is hidden.
@@ -38,6 +39,21 @@ void answer(PMQLONG pCompCode, PMQLONG pReason, Call &&call) noexcept
     }
     if (pCompCode != nullptr) *pCompCode = outcome.CompCode;
     if (pReason != nullptr) *pReason = outcome.Reason;
+}
+
+// The same for a call that works on messages or objects: made again where the queue manager has ended under it and the
+// connection follows it.
+template <class Call>
+void answerFollowing(MQHCONN hconn, PMQLONG pCompCode, PMQLONG pReason, Call &&call) noexcept
+{
+    answer(pCompCode, pReason, [&] {
+        for (;;) {
+            const Outcome outcome = call();
+            if (outcome.Reason != MQRC_CONNECTION_BROKEN) [[likely]]
+                return outcome;
+            if (!core::wasInterrupted(hconn, outcome)) return outcome;
+        }
+    });
 }
 
 // A call that is exported but not built yet.

@@ -194,6 +194,16 @@ constexpr OptionRow flagRows[] = {
     noEffect("MQMF_ACCEPT_UNSUP_MASK_RESERVED", 0xFFF00000, mqiReserves),
 };
 
+constexpr OptionRow callbackRows[] = {
+    noEffect("MQCBDO_START_CALL", MQCBDO_START_CALL, "an event handler has no part in starting and stopping"),
+    noEffect("MQCBDO_STOP_CALL", MQCBDO_STOP_CALL, "an event handler has no part in starting and stopping"),
+    done("MQCBDO_REGISTER_CALL", MQCBDO_REGISTER_CALL),
+    done("MQCBDO_DEREGISTER_CALL", MQCBDO_DEREGISTER_CALL),
+    done("MQCBDO_FAIL_IF_QUIESCING", MQCBDO_FAIL_IF_QUIESCING),
+    done("MQCBDO_EVENT_CALL", MQCBDO_EVENT_CALL),
+    noEffect("MQCBDO_MC_EVENT_CALL", MQCBDO_MC_EVENT_CALL, "there is no multicast"),
+};
+
 struct Field {
     std::span<const OptionRow> rows;
     MQLONG unknown;
@@ -210,6 +220,7 @@ constexpr std::array<Field, optionFields> fields = {{
     {reportRows, MQRC_REPORT_OPTIONS_ERROR},
     {flagRows, MQRC_MSG_FLAGS_ERROR},
     {{}, MQRC_OPTIONS_ERROR},
+    {callbackRows, MQRC_CBD_OPTIONS_ERROR},
 }};
 
 constexpr bool everyBitOnce()

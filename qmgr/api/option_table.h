@@ -20,17 +20,18 @@ namespace mqrig::qmgr::api {
 
 // One value for each option field.
 enum class OptionField : std::uint8_t {
-    Connect, // MQCNO.Options       MQCNO_
-    Open,    // Options of MQOPEN   MQOO_
-    Close,   // Options of MQCLOSE  MQCO_
-    Put,     // MQPMO.Options       MQPMO_
-    Get,     // MQGMO.Options       MQGMO_
-    Match,   // MQGMO.MatchOptions  MQMO_
-    Report,  // MQMD.Report         MQRO_
-    Flags,   // MQMD.MsgFlags       MQMF_
-    Begin,   // MQBO.Options        MQBO_
+    Connect,  // MQCNO.Options       MQCNO_
+    Open,     // Options of MQOPEN   MQOO_
+    Close,    // Options of MQCLOSE  MQCO_
+    Put,      // MQPMO.Options       MQPMO_
+    Get,      // MQGMO.Options       MQGMO_
+    Match,    // MQGMO.MatchOptions  MQMO_
+    Report,   // MQMD.Report         MQRO_
+    Flags,    // MQMD.MsgFlags       MQMF_
+    Begin,    // MQBO.Options        MQBO_
+    Callback, // MQCBD.Options      MQCBDO_
 };
-inline constexpr std::size_t optionFields = 9;
+inline constexpr std::size_t optionFields = 10;
 
 enum class Treatment : std::uint8_t {
     Done,

@@ -92,6 +92,11 @@ MQLONG checkBo(const void *bo)
     return check(bo, MQBO_STRUC_ID, MQBO_CURRENT_VERSION, MQRC_BO_ERROR);
 }
 
+MQLONG checkCbd(const void *cbd)
+{
+    return check(cbd, MQCBD_STRUC_ID, MQCBD_CURRENT_VERSION, MQRC_CBD_ERROR);
+}
+
 MQCNO loadCno(const void *cno)
 {
     MQCNO loaded = {MQCNO_DEFAULT};

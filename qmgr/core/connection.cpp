@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "qmgr/core/callbacks.h"
 #include "qmgr/core/command_server.h"
 #include "qmgr/core/connections.h"
 #include "qmgr/objects/object_name.h"
@@ -41,7 +42,18 @@ Outcome whenQuiescing(const std::filesystem::path &storeFolder, std::string_view
     return failure(ended ? MQRC_Q_MGR_NOT_AVAILABLE : MQRC_Q_MGR_QUIESCING);
 }
 
-// The store is told which queue holds requests to the queue manager; what others have left there is served.
+} // namespace
+
+Connection::Connection(std::unique_ptr<store::Attachment> attachment, const ConnectRequest &request,
+                       std::filesystem::path folder)
+    : store(std::move(attachment)), catalog(*store), options(request.options), identity(processIdentity()),
+      storeFolder(std::move(folder)), queueManagerAsked(request.queueManager)
+{
+    identify();
+    if (!request.applName.empty())
+        objects::fillField(identity.putApplName, sizeof identity.putApplName, request.applName);
+}
+
 void watchRequests(Connection &connection)
 {
     const objects::FoundQueue queue = connection.catalog.queue(objects::commandQueue);
@@ -49,15 +61,12 @@ void watchRequests(Connection &connection)
     if (connection.store->requestsWaiting()) serveRequests(connection);
 }
 
-} // namespace
+Connection::~Connection() = default;
 
-Connection::Connection(std::unique_ptr<store::Attachment> attachment, const ConnectRequest &request)
-    : store(std::move(attachment)), catalog(*store), options(request.options), identity(processIdentity())
+void Connection::identify()
 {
     objects::fillField(queueManagerName, store->queueManagerName());
     makeIdentifier(connectionId.data(), "AMQC", queueManagerName.data(), store->connectionNumber());
-    if (!request.applName.empty())
-        objects::fillField(identity.putApplName, sizeof identity.putApplName, request.applName);
 }
 
 void Connection::newIdentifier(MQBYTE24 &identifier) const
@@ -71,7 +80,7 @@ Outcome connect(const ConnectRequest &request, MQHCONN &hconn)
     store::Attached attached = store::attach(storeFolder, request.queueManager);
     if (attached.outcome.Reason == MQRC_Q_MGR_QUIESCING) return whenQuiescing(storeFolder, request.queueManager);
     if (attached.outcome.failed()) return attached.outcome;
-    auto connection = std::make_unique<Connection>(std::move(attached.attachment), request);
+    auto connection = std::make_unique<Connection>(std::move(attached.attachment), request, storeFolder);
     if (connection->catalog.queueManager() == nullptr) return failure(MQRC_OBJECT_DAMAGED);
     watchRequests(*connection);
     hconn = addConnection(std::move(connection));

@@ -4,7 +4,10 @@
 #pragma once
 
 #include <array>
+#include <atomic>
+#include <filesystem>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "cmqc.h"
@@ -19,14 +22,19 @@
 
 namespace mqrig::qmgr::core {
 
+class Callbacks;
+
 struct ConnectRequest {
     std::string_view queueManager; // without padding; empty: the default queue manager
-    MQLONG options = MQCNO_NONE;   // MQCNO_; the reconnect options are for the event handler of the connection
+    MQLONG options = MQCNO_NONE;   // MQCNO_
     std::string_view applName;     // empty: the program's file name
 };
 
 struct Connection {
-    Connection(std::unique_ptr<store::Attachment> attachment, const ConnectRequest &request);
+    // The folder is where it looks for the queue manager again.
+    Connection(std::unique_ptr<store::Attachment> attachment, const ConnectRequest &request,
+               std::filesystem::path storeFolder = {});
+    ~Connection();
 
     // Never null; the catalog and the handles go first.
     std::unique_ptr<store::Attachment> store;
@@ -42,6 +50,23 @@ struct Connection {
     std::array<char, MQ_Q_MGR_NAME_LENGTH> queueManagerName; // blank-padded
     std::array<MQBYTE, MQ_CONNECTION_ID_LENGTH> connectionId;
 
+    // ---- The reconnection (reconnect.h) ----
+    std::filesystem::path storeFolder;
+    std::string queueManagerAsked;                 // as the program named it
+    MQLONG givenUp = MQRC_NONE;                    // why no more attempts are made to reconnect
+    bool toldOfGivingUp = false;                   // the program has had that reason
+    MQHCONN hconn = MQHC_UNUSABLE_HCONN;           // set when it gets into the table, like the next
+    const std::atomic<MQHCONN> *leaving = nullptr; // a futex word: holds hconn when somebody disconnects it
+
+    // Null while nothing is registered. Shared with calls that wait until a callback has returned.
+    std::shared_ptr<Callbacks> callbacks;
+
+    // Whether it follows its queue manager when that ends to come back.
+    bool follows() const { return (options & (MQCNO_RECONNECT | MQCNO_RECONNECT_Q_MGR)) != 0; }
+
+    // Names the queue manager and the connection after the attachment.
+    void identify();
+
     // The queue manager's attributes as of now.
     const objects::QueueManagerDefinition &queueManager() { return *catalog.queueManager(); }
 
@@ -49,6 +74,10 @@ struct Connection {
     // name, 8 bytes.
     void newIdentifier(MQBYTE24 &identifier) const;
 };
+
+// At the beginning of each life that a connection meets: the store is told which queue holds requests to the queue
+// manager, and what others have left there is served.
+void watchRequests(Connection &connection);
 
 // MQCONN and MQCONNX. On success `hconn` is the handle of a new connection.
 Outcome connect(const ConnectRequest &request, MQHCONN &hconn);

@@ -9,7 +9,10 @@
 #include <utility>
 #include <vector>
 
+#include "qmgr/core/callbacks.h"
 #include "qmgr/core/command_server.h"
+#include "qmgr/core/reconnect.h"
+#include "qmgr/store/futex.h"
 
 namespace mqrig::qmgr::core {
 
@@ -18,10 +21,19 @@ struct ConnectionEntry {
     std::unique_ptr<Connection> connection; // guarded by inUse
     MQHCONN hconn = MQHC_UNUSABLE_HCONN;    // guarded by inUse
     std::uint32_t place = 0;
-    std::atomic<bool> blocks{true}; // MQCNO_HANDLE_SHARE_NO_BLOCK was not given
+    // What calls look at before they wait for the lock; see Special.
+    std::atomic<std::uint32_t> special{0};
+    // The handle that is being disconnected; a futex word.
+    std::atomic<MQHCONN> leaving{0};
 };
 
 namespace {
+
+// Bits of ConnectionEntry::special; none for most connections.
+namespace special {
+constexpr std::uint32_t neverBlocks = 1;  // MQCNO_HANDLE_SHARE_NO_BLOCK
+constexpr std::uint32_t hasCallbacks = 2; // a thread of the library's makes calls for it
+} // namespace special
 
 constexpr unsigned placeBits = 14;
 constexpr std::uint32_t maxPlaces = 1U << placeBits;
@@ -100,22 +112,39 @@ MQHCONN addConnection(std::unique_ptr<Connection> connection)
     do
         number = (turn.fetch_add(1, std::memory_order_relaxed) + 1) & turnMask;
     while (number == 0);
-    entry->blocks.store((connection->options & MQCNO_HANDLE_SHARE_NO_BLOCK) == 0, std::memory_order_relaxed);
-    entry->connection = std::move(connection);
+    const bool neverBlocks = (connection->options & MQCNO_HANDLE_SHARE_NO_BLOCK) != 0;
+    entry->special.store(neverBlocks ? special::neverBlocks : 0, std::memory_order_relaxed);
+    entry->leaving.store(0, std::memory_order_relaxed);
     entry->hconn = static_cast<MQHCONN>(number << placeBits | entry->place);
+    connection->hconn = entry->hconn;
+    connection->leaving = &entry->leaving;
+    entry->connection = std::move(connection);
     return entry->hconn;
 }
 
-ConnectionUse::ConnectionUse(MQHCONN hconn) : outcome_(failure(MQRC_HCONN_ERROR))
+// Null for a number that never was a handle.
+ConnectionEntry *entryOf(MQHCONN hconn)
 {
     const Table *connections = table.load(std::memory_order_acquire);
-    if (connections == nullptr || hconn <= 0) return;
-    ConnectionEntry *entry =
-        connections->entries[static_cast<std::uint32_t>(hconn) & placeMask].load(std::memory_order_acquire);
+    if (connections == nullptr || hconn <= 0) return nullptr;
+    return connections->entries[static_cast<std::uint32_t>(hconn) & placeMask].load(std::memory_order_acquire);
+}
+
+ConnectionUse::ConnectionUse(MQHCONN hconn, When when) : outcome_(failure(MQRC_HCONN_ERROR))
+{
+    ConnectionEntry *entry = entryOf(hconn);
     if (entry == nullptr) return;
 
+    bool waits = when == When::Mine;
+    if (const std::uint32_t found = entry->special.load(std::memory_order_relaxed); found != 0) [[unlikely]] {
+        if ((found & special::neverBlocks) != 0) waits = false;
+        if ((found & special::hasCallbacks) != 0 && !Callbacks::mayWaitFor(hconn)) {
+            outcome_ = failure(MQRC_CALL_IN_PROGRESS);
+            return;
+        }
+    }
     std::unique_lock lock(entry->inUse, std::defer_lock);
-    if (entry->blocks.load(std::memory_order_relaxed)) {
+    if (waits) {
         lock.lock();
     } else if (!lock.try_lock()) {
         outcome_ = failure(MQRC_CALL_IN_PROGRESS);
@@ -125,7 +154,34 @@ ConnectionUse::ConnectionUse(MQHCONN hconn) : outcome_(failure(MQRC_HCONN_ERROR)
     entry_ = entry;
     connection_ = entry->connection.get();
     lock_ = std::move(lock);
-    outcome_ = connection_->store->check();
+    outcome_ = checkConnection(*connection_);
+}
+
+bool wasInterrupted(MQHCONN hconn, const Outcome &outcome)
+{
+    if (outcome.Reason != MQRC_CONNECTION_BROKEN) return false;
+    ConnectionEntry *entry = entryOf(hconn);
+    if (entry == nullptr) return false;
+    const std::lock_guard lock(entry->inUse);
+    return entry->hconn == hconn && isInterrupted(*entry->connection, outcome);
+}
+
+void ConnectionUse::announceRemoval(MQHCONN hconn)
+{
+    if (ConnectionEntry *entry = entryOf(hconn)) {
+        entry->leaving.store(hconn);
+        store::futexWake(&entry->leaving);
+    }
+}
+
+const std::shared_ptr<Callbacks> &ConnectionUse::callbacks()
+{
+    if (connection_->callbacks == nullptr) {
+        connection_->callbacks =
+            std::make_shared<Callbacks>(connection_->hconn, connection_->store->watch(), connection_->follows());
+        entry_->special.fetch_or(special::hasCallbacks, std::memory_order_relaxed);
+    }
+    return connection_->callbacks;
 }
 
 ConnectionUse::~ConnectionUse()
@@ -139,7 +195,7 @@ std::unique_ptr<Connection> ConnectionUse::remove()
 {
     std::unique_ptr<Connection> connection = std::move(entry_->connection);
     entry_->hconn = MQHC_UNUSABLE_HCONN;
-    entry_->blocks.store(true, std::memory_order_relaxed);
+    entry_->special.store(0, std::memory_order_relaxed);
     lock_.unlock();
     connection_ = nullptr;
     Table &connections = *table.load(std::memory_order_acquire);

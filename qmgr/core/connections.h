@@ -26,14 +26,18 @@ MQHCONN addConnection(std::unique_ptr<Connection> connection);
 // One call's use of a connection.
 class ConnectionUse {
 public:
-    explicit ConnectionUse(MQHCONN hconn);
+    enum class When {
+        Mine, // waits for its turn, unless the connection was made with MQCNO_HANDLE_SHARE_NO_BLOCK
+        Free, // not found while another call uses the connection
+    };
+    explicit ConnectionUse(MQHCONN hconn, When when = When::Mine);
     // The end of a call is where requests to the queue manager are served.
     ~ConnectionUse();
     ConnectionUse(const ConnectionUse &) = delete;
     ConnectionUse &operator=(const ConnectionUse &) = delete;
 
-    // Whether the call may go on. MQRC_HCONN_ERROR; MQRC_CALL_IN_PROGRESS for a connection made with
-    // MQCNO_HANDLE_SHARE_NO_BLOCK; MQRC_Q_MGR_STOPPING, MQRC_CONNECTION_BROKEN.
+    // Whether the call may go on. MQRC_HCONN_ERROR; MQRC_CALL_IN_PROGRESS where it does not wait, or is made by a
+    // callback that the connection waits for; what checkConnection (reconnect.h) says.
     const Outcome &outcome() const { return outcome_; }
     // The connection exists, whether or not its queue manager still runs.
     bool found() const { return lock_.owns_lock(); }
@@ -44,11 +48,21 @@ public:
     // Takes the connection out of the table; its number means nothing from now on.
     std::unique_ptr<Connection> remove();
 
+    // The connection's callbacks, made at the first use.
+    const std::shared_ptr<Callbacks> &callbacks();
+
+    // Lets a reconnection end that the connection is in: it is about to be disconnected.
+    static void announceRemoval(MQHCONN hconn);
+
 private:
     ConnectionEntry *entry_ = nullptr;
     Connection *connection_ = nullptr;
     std::unique_lock<std::mutex> lock_;
     Outcome outcome_;
 };
+
+// Whether the queue manager's end has caught a call that answers this, and the connection follows it to its next life:
+// then the call has not happened and is to be made again (reconnect.h).
+bool wasInterrupted(MQHCONN hconn, const Outcome &outcome);
 
 } // namespace mqrig::qmgr::core

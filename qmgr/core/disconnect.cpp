@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "qmgr/core/callbacks.h"
 #include "qmgr/core/command_server.h"
 
 namespace mqrig::qmgr::core {
@@ -9,6 +10,7 @@ namespace mqrig::qmgr::core {
 Outcome disconnect(ConnectionUse &use)
 {
     const std::unique_ptr<Connection> connection = use.remove();
+    if (connection->callbacks != nullptr) connection->callbacks->stop();
     if (use.outcome().failed()) return use.outcome();
     const Outcome outcome = commit(*connection);
     if (connection->store->requestsWaiting()) serveRequests(*connection);

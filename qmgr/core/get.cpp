@@ -7,6 +7,7 @@
 #include "qmgr/core/delivery.h"
 #include "qmgr/core/expiry.h"
 #include "qmgr/core/ordered_get.h"
+#include "qmgr/core/reconnect.h"
 
 namespace mqrig::qmgr::core {
 namespace {
@@ -18,6 +19,8 @@ Outcome mayGet(Connection &connection, OpenObject &object, const GetRequest &req
     if (object.hold.queue->inhibitGet == MQQA_GET_INHIBITED) return failure(MQRC_GET_INHIBITED);
     if (request.has(MQGMO_FAIL_IF_QUIESCING) && connection.store->state() == store::State::Quiescing)
         return failure(MQRC_Q_MGR_QUIESCING);
+    if (request.has(MQGMO_SYNCPOINT | MQGMO_SYNCPOINT_IF_PERSISTENT) && connection.unit.lost())
+        return failure(MQRC_BACKED_OUT);
     return success();
 }
 
@@ -69,7 +72,7 @@ Outcome lookUntilFound(Connection &connection, OpenObject &object, const GetRequ
         if (look.again)
             until = std::min(until, std::chrono::steady_clock::now() + std::chrono::microseconds(*look.again));
         if (!connection.store->waitForMessage(queue, observed, until) && until == *deadline) return look.outcome;
-        if (const Outcome alive = connection.store->check(); alive.failed()) return alive;
+        if (const Outcome alive = checkConnection(connection); alive.failed()) return alive;
     }
 }
 

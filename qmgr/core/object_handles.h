@@ -36,6 +36,14 @@ struct OpenObject {
     // Made with the first message in a group, the first segment or the first call with logical order.
     std::unique_ptr<LogicalOrder> logicalOrder;
 
+    // What MQOPEN was asked for, to open it again in the queue manager's next life.
+    struct Asked {
+        std::string name;
+        std::string queueManager;
+        MQLONG options = 0;
+    };
+    Asked asked;
+
     bool allows(MQLONG anyOf) const { return (options & anyOf) != 0; }
 };
 
@@ -54,6 +62,14 @@ public:
         return places_[place].object.get();
     }
     std::unique_ptr<OpenObject> remove(MQHOBJ hobj);
+    // visit(OpenObject &) -> bool for each until one answers false; true if none did.
+    template <class Visit>
+    bool forEach(Visit &&visit) const
+    {
+        for (const Place &place : places_)
+            if (place.object != nullptr && !visit(*place.object)) return false;
+        return true;
+    }
     std::size_t size() const { return open_; }
 
 private:

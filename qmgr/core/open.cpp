@@ -139,6 +139,7 @@ Outcome openObject(Connection &connection, const ObjectName &name, MQLONG option
     auto object = std::make_unique<OpenObject>();
     object->type = name.type;
     object->options = options;
+    object->asked = {std::string(name.name), std::string(name.queueManager), options};
     // The handle first: once the open is counted in the store nothing may fail.
     OpenObject &opened = *object;
     const MQHOBJ added = connection.handles.add(std::move(object));
@@ -155,6 +156,23 @@ Outcome openObject(Connection &connection, const ObjectName &name, MQLONG option
     else
         hobj = added;
     return outcome;
+}
+
+Outcome reopenObject(Connection &connection, OpenObject &object)
+{
+    OpenObject again;
+    again.type = object.type;
+    again.options = object.asked.options;
+    again.asked = object.asked;
+    const ObjectName name{object.type, object.asked.name, object.asked.queueManager};
+    if (const Outcome opened = openByType(connection, name, again); opened.failed()) return opened;
+    again.savedContext = object.savedContext;
+    // Messages that outlive the queue manager's end keep their keys, so browsing goes on where it stood.
+    const bool sameQueue =
+        object.hold.queue != nullptr && again.hold.queue != nullptr && object.hold.queue->id == again.hold.queue->id;
+    if (sameQueue) again.cursor = object.cursor;
+    object = std::move(again);
+    return success();
 }
 
 } // namespace mqrig::qmgr::core

@@ -26,6 +26,9 @@ objects::FoundQueue resolveForPut(Connection &connection, const ObjectName &name
 // MQRC_Q_MGR_QUIESCING.
 Outcome openObject(Connection &connection, const ObjectName &name, MQLONG options, MQHOBJ &hobj);
 
+// Opens once more what the object was opened for, in another life of the queue manager; its handle stays.
+Outcome reopenObject(Connection &connection, OpenObject &object);
+
 // MQCLOSE. MQRC_HOBJ_ERROR.
 Outcome closeObject(Connection &connection, MQHOBJ hobj);
 

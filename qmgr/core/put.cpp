@@ -152,6 +152,7 @@ Outcome putMessage(Connection &connection, const objects::QueueDefinition &queue
     store::Attachment &store = *connection.store;
     if (request.has(MQPMO_FAIL_IF_QUIESCING) && store.state() == store::State::Quiescing)
         return failure(MQRC_Q_MGR_QUIESCING);
+    if (request.has(MQPMO_SYNCPOINT) && connection.unit.lost()) return failure(MQRC_BACKED_OUT);
     if (queue.inhibitPut == MQQA_PUT_INHIBITED) return failure(MQRC_PUT_INHIBITED);
 
     MQMD &md = message.header.md;

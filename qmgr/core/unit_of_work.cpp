@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "qmgr/core/connection.h"
+#include "qmgr/core/reconnect.h"
 
 namespace mqrig::qmgr::core {
 namespace {
@@ -80,24 +81,39 @@ void UnitOfWork::clear()
     emptyList(puts_);
     emptyList(gets_);
     bodies_.clear();
+    lost_ = false;
+}
+
+void UnitOfWork::lose()
+{
+    const bool lost = lost_ || !empty();
+    clear();
+    lost_ = lost;
 }
 
 Outcome commit(Connection &connection)
 {
     connection.begun = false;
+    if (connection.unit.lost()) {
+        connection.unit.clear();
+        return warning(MQRC_BACKED_OUT);
+    }
     if (connection.unit.empty()) return success();
     const Outcome outcome = connection.store->commit(connection.unit.content());
     connection.unit.clear();
-    return outcome;
+    return isInterrupted(connection, outcome) ? warning(MQRC_BACKED_OUT) : outcome;
 }
 
 Outcome backOut(Connection &connection)
 {
     connection.begun = false;
-    if (connection.unit.empty()) return success();
+    if (connection.unit.empty()) {
+        connection.unit.clear();
+        return success();
+    }
     const Outcome outcome = connection.store->backOut(connection.unit.content());
     connection.unit.clear();
-    return outcome;
+    return isInterrupted(connection, outcome) ? success() : outcome;
 }
 
 } // namespace mqrig::qmgr::core

@@ -62,10 +62,16 @@ public:
     // After either of them: the unit holds nothing any more.
     void clear();
 
+    // The queue manager has ended, and what was in the unit is backed out. Until the program ends the unit, nothing
+    // more can be done in it: MQRC_BACKED_OUT.
+    void lose();
+    bool lost() const { return lost_; }
+
 private:
     std::vector<store::NewMessage> puts_;
     std::vector<store::TakenMessage> gets_;
     BodyMemory bodies_;
+    bool lost_ = false;
 };
 
 struct Connection;

@@ -39,11 +39,11 @@ bool leadsToTheSame(const QueueDefinition &before, const QueueDefinition &now)
 
 const std::shared_ptr<const QueueManagerDefinition> &Catalog::queueManager()
 {
-    const std::uint64_t version = attachment_.definitionVersion();
+    const std::uint64_t version = attachment_->definitionVersion();
     if (queueManager_ != nullptr && queueManagerVersion_ == version) return queueManager_;
 
-    const std::string &name = attachment_.queueManagerName();
-    if (const auto stored = attachment_.findDefinition(MQOT_Q_MGR, name)) {
+    const std::string &name = attachment_->queueManagerName();
+    if (const auto stored = attachment_->findDefinition(MQOT_Q_MGR, name)) {
         if (auto object = ObjectDefinition::decode(stored->bytes)) {
             queueManager_ =
                 std::make_shared<const QueueManagerDefinition>(QueueManagerDefinition::from(std::move(*object)));
@@ -71,7 +71,7 @@ FoundQueue Catalog::queue(std::string_view name, std::string_view queueManager)
 
 FoundQueue Catalog::definition(std::string_view name)
 {
-    const std::uint64_t version = attachment_.definitionVersion();
+    const std::uint64_t version = attachment_->definitionVersion();
     const auto known = queues_.find(name);
     if (known != queues_.end() && known->second.version == version) return {success(), known->second};
 
@@ -80,7 +80,7 @@ FoundQueue Catalog::definition(std::string_view name)
         return FoundQueue{failure(reason), {}};
     };
     if (!checkObjectName(name)) return forget(MQRC_UNKNOWN_OBJECT_NAME);
-    const auto stored = attachment_.findDefinition(MQOT_Q, name);
+    const auto stored = attachment_->findDefinition(MQOT_Q, name);
     if (!stored) return forget(MQRC_UNKNOWN_OBJECT_NAME);
 
     auto object = ObjectDefinition::decode(stored->bytes);
@@ -97,7 +97,7 @@ FoundQueue Catalog::definition(std::string_view name)
 FoundObject Catalog::object(MQLONG type, std::string_view name)
 {
     if (!checkObjectName(name)) return {failure(MQRC_UNKNOWN_OBJECT_NAME), {}};
-    const auto stored = attachment_.findDefinition(type, name);
+    const auto stored = attachment_->findDefinition(type, name);
     if (!stored) return {failure(MQRC_UNKNOWN_OBJECT_NAME), {}};
     auto object = ObjectDefinition::decode(stored->bytes);
     return {object ? success() : failure(MQRC_OBJECT_DAMAGED), std::move(object)};

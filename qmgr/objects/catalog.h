@@ -45,7 +45,7 @@ struct FoundObject {
 class Catalog {
 public:
     // The attachment outlives the catalog.
-    explicit Catalog(store::Attachment &attachment) : attachment_(attachment) {}
+    explicit Catalog(store::Attachment &attachment) : attachment_(&attachment) {}
 
     // The queue manager's attributes as they are now. Null only where its own definition is damaged.
     const std::shared_ptr<const QueueManagerDefinition> &queueManager();
@@ -70,7 +70,7 @@ public:
             return success();
         return reload(hold);
     }
-    bool unchanged(const QueueHold &hold) const { return hold.version == attachment_.definitionVersion(); }
+    bool unchanged(const QueueHold &hold) const { return hold.version == attachment_->definitionVersion(); }
 
 private:
     using Known = std::map<std::string, QueueHold, std::less<>>;
@@ -86,7 +86,7 @@ private:
     FoundQueue transmissionQueue(std::string_view name, std::string_view queueManager);
     bool isHere(std::string_view queueManager) const;
 
-    store::Attachment &attachment_;
+    store::Attachment *attachment_;
     Known queues_;  // as defined
     Known reached_; // under names of this queue manager that lead to another queue
     std::shared_ptr<const QueueManagerDefinition> queueManager_;

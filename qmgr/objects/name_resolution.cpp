@@ -83,7 +83,7 @@ FoundQueue asTransmissionQueue(FoundQueue queue, const TransmissionReasons &reas
 
 bool Catalog::isHere(std::string_view queueManager) const
 {
-    return queueManager.empty() || queueManager == attachment_.queueManagerName();
+    return queueManager.empty() || queueManager == attachment_->queueManagerName();
 }
 
 FoundQueue Catalog::resolve(std::string_view name, std::string_view queueManager)
@@ -136,7 +136,7 @@ FoundQueue Catalog::resolveElsewhere(std::string_view name, std::string_view que
     if (name.empty()) return failed(MQRC_REMOTE_Q_NAME_ERROR);
     if (!checkObjectName(queueManager)) return failed(MQRC_UNKNOWN_OBJECT_Q_MGR);
 
-    const std::uint64_t version = attachment_.definitionVersion();
+    const std::uint64_t version = attachment_->definitionVersion();
     const FoundQueue named = definition(queueManager);
     if (named.outcome.Reason == MQRC_OBJECT_DAMAGED) return named;
     const bool known = !named.outcome.failed();

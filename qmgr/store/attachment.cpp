@@ -80,6 +80,16 @@ State Attachment::waitForStateChange(State seen, Deadline deadline) const
     return store_->waitForStateChange(seen, deadline);
 }
 
+bool Attachment::endedToReconnect() const
+{
+    return state() == State::Ended && store_->control().reconnect != 0;
+}
+
+Watch Attachment::watch() const
+{
+    return {store_, slot_};
+}
+
 const std::string &Attachment::queueManagerName() const
 {
     return store_->name();

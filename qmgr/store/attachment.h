@@ -30,12 +30,9 @@
 #include "qmgr/store/message.h"
 #include "qmgr/store/outcome.h"
 #include "qmgr/store/transaction.h"
+#include "qmgr/store/watch.h"
 
 namespace mqrig::qmgr::store {
-
-class Store;
-
-enum class State : std::uint32_t { Running = 1, Quiescing = 2, Ended = 3 };
 
 // An object as the store knows it: type (MQOT_*) and name are its key, the rest belongs to qmgr/objects.
 struct Definition {
@@ -44,9 +41,6 @@ struct Definition {
     QueueId queue = 0; // MQOT_Q: assigned by the store when defined; other types: 0
     std::string bytes; // opaque
 };
-
-using Deadline = std::chrono::steady_clock::time_point;
-constexpr Deadline unlimitedWait = Deadline::max();
 
 class Attachment;
 
@@ -95,6 +89,11 @@ public:
     [[nodiscard]] State state() const;
     // [any] Sleeps until the state is no longer `seen`, or the deadline; answers the state.
     State waitForStateChange(State seen, Deadline deadline) const;
+
+    // [any] Whether the queue manager has ended and asks its connections to look for it again.
+    [[nodiscard]] bool endedToReconnect() const;
+    // What a thread of the connection's own sleeps on. It may outlive the attachment.
+    [[nodiscard]] Watch watch() const;
 
     [[nodiscard]] const std::string &queueManagerName() const;
     // Number of this connection's slot: unique among the connections alive now.

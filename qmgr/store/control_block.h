@@ -49,18 +49,23 @@ struct alignas(64) ConnectionSlot {
     std::atomic<std::uint64_t> undone;     // ticket of this connection's latest unit that could not be logged
     std::atomic<std::uint32_t> waitsOn;    // 1 + the wait cell its getter sleeps on, 0 for none
     std::atomic<std::uint32_t> holds;      // at least as many messages as it has locked: 0 spares the search for them
+    std::atomic<std::uint32_t> watch;      // futex word of the connection's own thread, see watch.h
+    std::atomic<std::uint64_t> watched;    // the wait cells that this thread watches, a bit for each, shared by many
 };
+static_assert(sizeof(ConnectionSlot) == 64);
 
 // Getters of the queues that share the cell sleep on `word`; who changes it makes the system call only for waiters.
 struct alignas(64) WaitCell {
     std::atomic<std::uint32_t> word;
     std::atomic<std::uint32_t> waiters;
+    std::atomic<std::uint32_t> watched; // by connections' own threads that sleep: look through the slots for them
 };
 
 struct ControlBlock {
     LifeStamp stamp;
 
     alignas(64) std::atomic<State> state; // a futex word too
+    std::atomic<std::uint32_t> reconnect; // set before the state says Ended: its connections may look for a new life
     std::atomic<std::uint64_t> pidNamespace;
     std::atomic<std::uint64_t> mapSize;     // bytes of the live state that are reserved and may be mapped
     std::atomic<std::uint32_t> slotLimit;   // slots from here on have never been taken

@@ -227,12 +227,13 @@ Outcome Store::end(End how)
         const LogLock lock(*this);
         if (lock.outcome().Reason == MQRC_CONNECTION_BROKEN) return failure(MQRC_Q_MGR_NOT_ACTIVE);
         if (lock.outcome().failed()) return lock.outcome();
-        if (how == End::Immediate) {
+        if (how != End::Quiesce) {
             // Calls in progress complete: what they have prepared is logged now; what they prepare from now on is
             // refused by the log lock, and goes with the life.
             if (const Outcome logged = logPrepared(); logged.failed()) return logged;
             if (const Outcome logged = logState(State::Ended); logged.failed()) return logged;
             reached(Step::EndLogged);
+            control().reconnect = how == End::Reconnect ? 1 : 0;
             endLife();
             return success();
         }

@@ -17,7 +17,7 @@
 namespace mqrig::qmgr::store {
 
 enum class DefaultQueueManager { No, Yes };
-enum class End { Quiesce, Immediate };
+enum class End { Quiesce, Immediate, Reconnect };
 
 struct QueueManagerEntry {
     std::string name;
@@ -45,7 +45,8 @@ Outcome setDefaultQueueManager(const std::filesystem::path &storeFolder, std::st
 Outcome startQueueManager(const std::filesystem::path &storeFolder, std::string_view name);
 
 // Quiesce: no new connections, and ended when the last connection is gone (at once if there is none). Immediate:
-// ended when this is back; calls in progress complete. Ended already: MQRC_Q_MGR_NOT_ACTIVE.
+// ended when this is back; calls in progress complete. Reconnect: the same, and connections that asked for it look for
+// the queue manager's next life. Ended already: MQRC_Q_MGR_NOT_ACTIVE.
 Outcome endQueueManager(const std::filesystem::path &storeFolder, std::string_view name, End how);
 
 // The state now; a quiescing queue manager whose last connection has died is ended by this look.

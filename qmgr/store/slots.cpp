@@ -100,6 +100,7 @@ Store::SlotTaken Store::takeSlot()
                 slot.undone = 0;
                 slot.waitsOn = 0;
                 slot.holds = 0;
+                slot.watched = 0;
                 slot.state = SlotState::Taken;
                 for (std::uint32_t limit = block.slotLimit; limit <= number;) {
                     if (block.slotLimit.compare_exchange_weak(limit, number + 1)) break;

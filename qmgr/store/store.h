@@ -120,6 +120,8 @@ public:
     void wakeGetters(QueueId queue);
     void wakeOneGetter(QueueId queue);
     void wakeEverybody();
+    void wakeSlot(std::uint32_t slot);
+    void wakeWatchers(QueueId queue);
     bool waitForMessage(std::uint32_t slot, QueueId queue, std::uint32_t observed, Deadline deadline);
     State waitForStateChange(State seen, Deadline deadline) const;
 
@@ -173,6 +175,12 @@ private:
     std::unique_ptr<LogDatabase> log_; // log lock
     std::mutex slotsMutex_;            // record locks do not tell the threads of a process apart
 };
+
+// Which bit of ConnectionSlot::watched stands for the queue's wait cell, and others.
+constexpr std::uint64_t watchBit(QueueId queue)
+{
+    return std::uint64_t{1} << (queue % waitCells % 64);
+}
 
 namespace lockBytes {
 constexpr std::uint32_t start = 0;

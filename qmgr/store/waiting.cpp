@@ -10,6 +10,10 @@
 // or else raises the number later; so a sleeper whose queue has held messages wakes every 500 ms to see whether
 // somebody died. To make that true for units prepared while it slept, the prepare wakes one sleeper, which from then
 // on keeps the watch, and hands it on when it leaves. A sleeper whose queue has nothing held sleeps without a pause.
+//
+// A connection's own thread, which calls the callbacks of its program, sleeps on a word of its slot instead (watch.h),
+// because it waits for several things at once. It marks the cells of its queues; whoever wakes the getters of a marked
+// cell raises the words of the slots that watch it, and takes the mark off.
 
 #include "qmgr/store/futex.h"
 #include "qmgr/store/process.h"
@@ -33,6 +37,7 @@ void Store::wakeGetters(QueueId queue)
     WaitCell &cell = cellOf(queue);
     cell.word.fetch_add(1);
     if (cell.waiters != 0) futexWake(&cell.word);
+    if (cell.watched != 0) wakeWatchers(queue);
 }
 
 void Store::wakeOneGetter(QueueId queue)
@@ -40,6 +45,24 @@ void Store::wakeOneGetter(QueueId queue)
     WaitCell &cell = cellOf(queue);
     cell.word.fetch_add(1);
     if (cell.waiters != 0) futexWake(&cell.word, 1);
+    if (cell.watched != 0) wakeWatchers(queue);
+}
+
+void Store::wakeSlot(std::uint32_t number)
+{
+    ConnectionSlot &slot = control().slots[number];
+    slot.watch.fetch_add(1);
+    futexWake(&slot.watch);
+}
+
+// The mark on the cell goes first: whoever marks it again after that has not slept yet, and whoever marked it before
+// is found in the slots.
+void Store::wakeWatchers(QueueId queue)
+{
+    if (cellOf(queue).watched.exchange(0) == 0) return;
+    const std::uint64_t bit = watchBit(queue);
+    for (std::uint32_t number = 0; number < control().slotLimit; ++number)
+        if ((control().slots[number].watched & bit) != 0) wakeSlot(number);
 }
 
 void Store::wakeEverybody()
@@ -48,6 +71,8 @@ void Store::wakeEverybody()
         cell.word.fetch_add(1);
         if (cell.waiters != 0) futexWake(&cell.word);
     }
+    for (std::uint32_t number = 0; number < control().slotLimit; ++number)
+        if (control().slots[number].state == SlotState::Taken) wakeSlot(number);
     // The state is rarely changed: no count of who waits for it.
     futexWake(&control().state);
 }
