@@ -2,6 +2,7 @@
 #include <span>
 
 #include "qmgr/api/api.h"
+#include "qmgr/api/follow_options.h"
 #include "qmgr/api/option_table.h"
 #include "qmgr/api/structures.h"
 #include "qmgr/convert/message.h"
@@ -146,6 +147,7 @@ Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, M
     if (const MQLONG reason = checkGetOptions(gmo)) return failure(reason);
     if (const MQLONG reason = checkMatchOptions(gmo, static_cast<const MQMD *>(pMsgDesc)->Version))
         return failure(reason);
+    if (const MQLONG reason = api::checkToFollow(*use, gmo)) return failure(reason);
     MQMD md;
     api::loadMd(pMsgDesc, md);
     if (const MQLONG reason = checkOrder(gmo, md, static_cast<const MQMD *>(pMsgDesc)->Version)) return failure(reason);

@@ -1,6 +1,7 @@
 #include <optional>
 
 #include "qmgr/api/api.h"
+#include "qmgr/api/follow_options.h"
 #include "qmgr/api/object_descriptor.h"
 #include "qmgr/api/put_call.h"
 #include "qmgr/api/put_handles.h"
@@ -25,6 +26,7 @@ Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, M
     if ((call.pmo.Options & MQPMO_ALTERNATE_USER_AUTHORITY) != 0) return failure(MQRC_OPTIONS_ERROR);
     if ((call.pmo.Options & MQPMO_LOGICAL_ORDER) != 0 && static_cast<const MQMD *>(pMsgDesc)->Version < MQMD_VERSION_2)
         return failure(MQRC_WRONG_MD_VERSION);
+    if (const MQLONG reason = api::checkToFollow(*use, call.pmo)) return failure(reason);
     if (!object->allows(MQOO_OUTPUT)) return failure(MQRC_NOT_OPEN_FOR_OUTPUT);
     if (const Outcome there = use->catalog.refresh(object->hold); there.failed()) return there;
 

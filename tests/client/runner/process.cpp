@@ -235,8 +235,8 @@ void send(int fd, std::string_view text)
 // Reacts to the output as the test says; every reaction waits for its text behind the one before.
 class Conversation {
 public:
-    Conversation(const std::vector<Reaction> &reactions, const Pty &pty, const std::string &folder)
-        : reactions_(reactions), pty_(pty), folder_(folder)
+    Conversation(const std::vector<Reaction> &reactions, const Client &client, const std::string &folder)
+        : reactions_(reactions), client_(client), pty_(client.pty), folder_(folder)
     {}
 
     void hear(const std::string &out)
@@ -271,7 +271,9 @@ private:
 
     void react(const Reaction &reaction) const
     {
-        if (reaction.fileName.empty()) {
+        if (reaction.signal != 0) {
+            ::kill(client_.pid, reaction.signal);
+        } else if (reaction.fileName.empty()) {
             send(pty_.master.get(), reaction.keys);
         } else {
             writeFile(folder_ + "/" + reaction.fileName, "");
@@ -279,6 +281,7 @@ private:
     }
 
     const std::vector<Reaction> &reactions_;
+    const Client &client_;
     const Pty &pty_;
     const std::string &folder_;
     std::size_t next_ = 0;
@@ -303,7 +306,7 @@ void follow(Client &client, const Run &run, bool onTerminal, const std::string &
 {
     const auto deadline = std::chrono::steady_clock::now() + longestRun;
     const int outFile = onTerminal ? client.pty.master.get() : client.out.get();
-    Conversation conversation(run.setup.reactions, client.pty, folder);
+    Conversation conversation(run.setup.reactions, client, folder);
     bool outOpen = true;
     bool errOpen = true;
     int status = 0;
@@ -349,7 +352,7 @@ Outcome runClient(const Run &run, bool onTerminal, const Programs &programs, con
     }
     Outcome outcome;
     follow(client, run, onTerminal, folder, outcome);
-    if (onTerminal && outcome.trouble.empty() && !outcome.exit.starts_with("signal")) {
+    if (onTerminal && outcome.trouble.empty()) {
         termios after;
         checked(::tcgetattr(client.pty.slave.get(), &after), "tcgetattr");
         if (!sameSettings(client.pty.settings, after)) outcome.trouble = "the terminal was left changed";

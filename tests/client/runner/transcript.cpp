@@ -156,10 +156,12 @@ private:
             setup_.reactions.push_back({parts[0], parts[2], ""});
         } else if (parts.size() == 3 && parts[1] == "create") {
             setup_.reactions.push_back({parts[0], "", parts[2]});
+        } else if (parts.size() == 3 && parts[1] == "signal") {
+            setup_.reactions.push_back({parts[0], "", "", std::stoi(parts[2])});
         } else if (parts.size() == 2 && parts[1] == "interrupt") {
             setup_.reactions.push_back({parts[0], "\x03", ""});
         } else {
-            fault("when \"text\" press \"keys\", when \"text\" interrupt, or when \"text\" create FILE");
+            fault("when \"text\" press \"keys\", interrupt, signal N or create FILE");
         }
     }
 

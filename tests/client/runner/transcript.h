@@ -14,6 +14,7 @@ struct Reaction {
     std::string when; // text to wait for, behind what the reaction before waited for
     std::string keys;     // typed
     std::string fileName; // or a file that is made, empty
+    int signal = 0;       // or a signal that is sent
 };
 
 // Something in the working folder before the run: a file with its contents, a link with its target, a folder, a pipe.

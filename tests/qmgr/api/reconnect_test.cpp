@@ -2,6 +2,7 @@
 #include "callback_fixture.h"
 
 #include <atomic>
+#include <cstring>
 #include <future>
 #include <map>
 #include <set>
@@ -322,6 +323,27 @@ TEST_F(Reconnect, AMessageThatIsGoneIsNotUnderTheCursor)
     endToReconnect();
     start();
     EXPECT_EQ(get(hconn, q1, MQGMO_MSG_UNDER_CURSOR).codes, failed(MQRC_NO_MSG_UNDER_CURSOR));
+}
+
+TEST_F(Reconnect, LogicalOrderIs2547)
+{
+    MQMD md = version2Md();
+    md.MsgFlags = MQMF_MSG_IN_GROUP;
+    EXPECT_EQ(put(hconn, q1, "x", md, pmoWith(MQPMO_LOGICAL_ORDER)), failed(MQRC_RECONNECT_INCOMPATIBLE));
+}
+
+TEST_F(Reconnect, MessageTokensWantTheSameQueueManager)
+{
+    put(hconn, q1, "token", persistentMd());
+    const Got browsed = get(hconn, q1, version2Md(), gmoWith(MQGMO_BROWSE_FIRST, MQGMO_VERSION_3));
+    MQGMO gmo = gmoWith(MQGMO_NO_SYNCPOINT, MQGMO_VERSION_3);
+    gmo.MatchOptions = MQMO_MATCH_MSG_TOKEN;
+    std::memcpy(gmo.MsgToken, browsed.gmo.MsgToken, sizeof gmo.MsgToken);
+    const MQHCONN any = connectWith(MQCNO_RECONNECT);
+    EXPECT_EQ(get(any, open(any, "Q1", everything), version2Md(), gmo).codes, failed(MQRC_RECONNECT_Q_MGR_REQD));
+    endToReconnect();
+    start();
+    EXPECT_EQ(get(hconn, q1, version2Md(), gmo).body, "token");
 }
 
 // ---- Which queue manager ----
