@@ -1,8 +1,11 @@
 /*
  * An MQI library that does nothing and says that all went well, so that a benchmark sees the caller's own cost.
- * Handles are 1; MQGET returns an empty message.
+ * Handles are 1; MQGET returns an empty message, or the content of the file that NULL_MQI_BODY names.
  */
 #include <cmqc.h>
+
+#include <stdio.h>
+#include <stdlib.h>
 
 static void ok(PMQLONG pCompCode, PMQLONG pReason)
 {
@@ -57,11 +60,24 @@ void MQPUT1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgOp
     ok(pCompCode, pReason);
 }
 
+/* As much of the file as the buffer holds; its whole length in *pDataLength. */
+static void read_body(const char *file, char *buffer, MQLONG length, PMQLONG pDataLength)
+{
+    FILE *body = fopen(file, "rb");
+    if (body == NULL) return;
+    setvbuf(body, NULL, _IONBF, 0);
+    if (length > 0 && fread(buffer, 1, (size_t)length, body) > 0 && fseek(body, 0, SEEK_END) == 0)
+        *pDataLength = (MQLONG)ftell(body);
+    fclose(body);
+}
+
 void MQGET(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, MQLONG BufferLength, PMQVOID pBuffer,
            PMQLONG pDataLength, PMQLONG pCompCode, PMQLONG pReason)
 {
-    (void)Hconn, (void)Hobj, (void)pMsgDesc, (void)pGetMsgOpts, (void)BufferLength, (void)pBuffer;
+    const char *file = getenv("NULL_MQI_BODY");
+    (void)Hconn, (void)Hobj, (void)pMsgDesc, (void)pGetMsgOpts;
     *pDataLength = 0;
+    if (file != NULL) read_body(file, pBuffer, BufferLength, pDataLength);
     ok(pCompCode, pReason);
 }
 
