@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
 # What takes longer than an everyday run: many kills, the whole suite under valgrind's eye, cppcheck, coverage.
-# Usage: scripts/long.sh [kills] [valgrind] [cppcheck] [coverage]   (all of them without an argument)
+# Usage: scripts/long.sh [kills] [valgrind] [fuzz] [cppcheck] [coverage]   (all of them without an argument)
 # MQRIG_KILL_ROUNDS: rounds of three kills each (default 700); MQRIG_FORWARDING_KILLS: kills of a run from queue to queue
-# (default 200).
+# (default 200). MQRIG_FUZZ_SECONDS: how long each fuzz target runs (default 600).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
 steps=("$@")
-[ ${#steps[@]} -gt 0 ] || steps=(kills valgrind cppcheck coverage)
+[ ${#steps[@]} -gt 0 ] || steps=(kills valgrind fuzz cppcheck coverage)
 step() { echo "== $1 ($(date -u +%H:%M:%S))"; }
 
 need_packages $mqrig_long_packages
@@ -38,6 +38,28 @@ valgrind_run() {
   echo "no errors"
 }
 
+fuzz_run() {
+  step "fuzz targets, ${MQRIG_FUZZ_SECONDS:-600} s each"
+  cmake --preset debug -B build-fuzz -DMQRIG_FUZZ=ON -DMQRIG_BENCH=OFF -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+    -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+    -DMQRIG_SANITIZE=fuzzer-no-link,address,undefined >/dev/null
+  cmake --build build-fuzz --target fuzzers | tail -n 1
+  local target name
+  for target in build-fuzz/tests/fuzz/*_fuzzer; do
+    name=$(basename "$target" _fuzzer)
+    mkdir -p "build-fuzz/found/$name"
+    # What it finds of new paths goes into the build folder; a crash leaves its input there.
+    if "$target" -max_total_time="${MQRIG_FUZZ_SECONDS:-600}" -rss_limit_mb=4096 -timeout=20 -print_final_stats=1 -close_fd_mask=2 \
+      -artifact_prefix="build-fuzz/found/$name." "build-fuzz/found/$name" "tests/fuzz/corpus/$name" \
+      >"build-fuzz/found/$name.log" 2>&1; then
+      echo "$name: $(sed -n 's/^stat::number_of_executed_units: *//p' "build-fuzz/found/$name.log") inputs"
+    else
+      tail -n 40 "build-fuzz/found/$name.log" >&2
+      return 1
+    fi
+  done
+}
+
 cppcheck_run() {
   step "cppcheck"
   # Buffers are left unfilled until they are written to, on purpose; valgrind and the compiler look for real faults.
@@ -62,6 +84,7 @@ for name in "${steps[@]}"; do
   case $name in
     kills) kills ;;
     valgrind) valgrind_run ;;
+    fuzz) fuzz_run ;;
     cppcheck) cppcheck_run ;;
     coverage) coverage ;;
     *) echo "long.sh: no step '$name'" >&2; exit 2 ;;
