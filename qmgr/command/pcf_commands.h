@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -53,6 +54,10 @@ void copyObject(const PcfCommand &command, PcfReplies &replies);
 void deleteObject(const PcfCommand &command, PcfReplies &replies);
 void inquireObjects(const PcfCommand &command, PcfReplies &replies);
 void inquireObjectNames(const PcfCommand &command, PcfReplies &replies);
+void inquireQueueStatus(const PcfCommand &command, PcfReplies &replies);
+void inquireQueueManagerStatus(const PcfCommand &command, PcfReplies &replies);
+void inquireConnections(const PcfCommand &command, PcfReplies &replies);
+void resetQueueStatistics(const PcfCommand &command, PcfReplies &replies);
 void clearQueue(const PcfCommand &command, PcfReplies &replies);
 void escape(const PcfCommand &command, PcfReplies &replies);
 
@@ -88,16 +93,20 @@ struct PcfSelection {
     bool all = true;               // no list, or MQIACF_ALL
     std::vector<MQLONG> selectors; // in the order of the list
 };
-// `known` says of each selector whether the command could return it. MQRC_SELECTOR_ERROR, MQRCCF_CFIL_DUPLICATE_VALUE.
-PcfSelection readSelection(const PcfCommand &command, MQLONG id, bool (*known)(const PcfCommand &, MQLONG));
-bool isAttribute(const PcfCommand &command, MQLONG selector);
+// `rows`: the attributes that the command could return. MQRC_SELECTOR_ERROR, MQRCCF_CFIL_DUPLICATE_VALUE.
+PcfSelection readSelection(const PcfCommand &command, MQLONG id,
+                           std::span<const objects::Attribute> rows = objects::attributes());
+
+// The same for a command whose selectors are no rows.
+PcfSelection readSelection(const PcfParameter &list, std::span<const MQLONG> known);
 
 // The filter, where there is one.
 struct PcfFilter {
     PcfFault fault;
+    const objects::Attribute *attribute = nullptr; // that it compares
     std::optional<Filter> filter;
 };
-PcfFilter readFilter(const PcfCommand &command);
+PcfFilter readFilter(const PcfCommand &command, std::span<const objects::Attribute> rows = objects::attributes());
 
 // The error for a structure of that type whose parameter the command does not have.
 MQLONG parameterIdError(MQLONG type);
@@ -105,7 +114,12 @@ MQLONG parameterIdError(MQLONG type);
 // ---- Writing ----
 
 void writeAttribute(PcfWriter &reply, const objects::Attribute &attribute, const objects::AttributeValue &value);
-// What identifies the object, then the attributes selected that it has.
-void writeObject(PcfWriter &reply, const InquiredObject &object, const PcfSelection &selection);
+// The attributes that are always returned, then those selected that this kind of object has.
+using ValueOf = std::function<objects::AttributeValue(const objects::Attribute &attribute)>;
+void writeAttributes(PcfWriter &reply, std::span<const objects::Attribute> rows, objects::ObjectKind kind,
+                     const PcfSelection &selection, std::span<const MQLONG> always, const ValueOf &valueOf);
+// The same of an object of the family: its name, for a queue its type, and what is selected.
+void writeObject(PcfWriter &reply, const PcfFamily &family, const InquiredObject &object,
+                 const PcfSelection &selection);
 
 } // namespace mqrig::qmgr::command

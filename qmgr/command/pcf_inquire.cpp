@@ -5,7 +5,7 @@ namespace mqrig::qmgr::command {
 void inquireObjects(const PcfCommand &command, PcfReplies &replies)
 {
     const PcfKinds kinds = readKinds(command);
-    const PcfSelection selection = readSelection(command, command.family.attributes, isAttribute);
+    const PcfSelection selection = readSelection(command, command.family.attributes);
     const PcfFilter filter = readFilter(command);
     for (const PcfFault &fault : {kinds.fault, selection.fault, filter.fault})
         if (fault) replies.fail(fault);
@@ -16,7 +16,7 @@ void inquireObjects(const PcfCommand &command, PcfReplies &replies)
     for (const InquiredObject &object : inquired.objects) {
         if (filter.filter && !filter.filter->passes(object)) continue;
         any = true;
-        writeObject(replies.add(), object, selection);
+        writeObject(replies.add(), command.family, object, selection);
     }
     if (!inquired.outcome.ok()) return replies.judge(inquired.outcome, command.family.name);
     if (!any) replies.fail(faultOf(MQRC_UNKNOWN_OBJECT_NAME, command.family.name));

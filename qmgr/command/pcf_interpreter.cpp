@@ -14,6 +14,7 @@ using objects::ObjectKind;
 constexpr PcfFamily queueManager = {kinds(ObjectKind::QueueManager), MQCA_Q_MGR_NAME, 0, 0, MQIACF_Q_MGR_ATTRS, 0};
 constexpr PcfFamily queues = {objects::allQueues, MQCA_Q_NAME,    MQCACF_FROM_Q_NAME,
                               MQCACF_TO_Q_NAME,   MQIACF_Q_ATTRS, MQCACF_Q_NAMES};
+constexpr PcfFamily localQueues = {kinds(ObjectKind::LocalQueue), MQCA_Q_NAME, 0, 0, MQIACF_Q_STATUS_ATTRS, 0};
 constexpr PcfFamily namelists = {kinds(ObjectKind::Namelist), MQCA_NAMELIST_NAME,    MQCACF_FROM_NAMELIST_NAME,
                                  MQCACF_TO_NAMELIST_NAME,     MQIACF_NAMELIST_ATTRS, MQCACF_NAMELIST_NAMES};
 constexpr PcfFamily processes = {kinds(ObjectKind::Process), MQCA_PROCESS_NAME,    MQCACF_FROM_PROCESS_NAME,
@@ -45,6 +46,14 @@ constexpr Rule queueType[] = {{MQIA_Q_TYPE, MQCFT_INTEGER}};
 constexpr Rule queueTypeAndAttributes[] = {{MQIA_Q_TYPE, MQCFT_INTEGER}, {MQIACF_Q_ATTRS, MQCFT_INTEGER_LIST}};
 constexpr Rule namelistAttributes[] = {{MQIACF_NAMELIST_ATTRS, MQCFT_INTEGER_LIST}};
 constexpr Rule processAttributes[] = {{MQIACF_PROCESS_ATTRS, MQCFT_INTEGER_LIST}};
+constexpr Rule queueStatus[] = {{MQIACF_Q_STATUS_TYPE, MQCFT_INTEGER},
+                                {MQIACF_OPEN_TYPE, MQCFT_INTEGER},
+                                {MQIACF_Q_STATUS_ATTRS, MQCFT_INTEGER_LIST}};
+constexpr Rule queueManagerStatus[] = {{MQIACF_Q_MGR_STATUS_ATTRS, MQCFT_INTEGER_LIST}};
+constexpr Rule connections[] = {{MQBACF_CONNECTION_ID, MQCFT_BYTE_STRING},
+                                {MQBACF_GENERIC_CONNECTION_ID, MQCFT_BYTE_STRING},
+                                {MQIACF_CONN_INFO_TYPE, MQCFT_INTEGER},
+                                {MQIACF_CONNECTION_ATTRS, MQCFT_INTEGER_LIST}};
 constexpr Rule queueManagerAttributes[] = {{MQIACF_Q_MGR_ATTRS, MQCFT_INTEGER_LIST}};
 
 // What a command takes beside the parameters of its row.
@@ -73,6 +82,7 @@ const Row table[] = {
     {MQCMD_CREATE_Q, queues, queueNameAndType, replaceOrForce, Beside::Attributes, createObject},
     {MQCMD_DELETE_Q, queues, queueName, typeAndPurge, Beside::Nothing, deleteObject},
     {MQCMD_INQUIRE_Q, queues, queueName, queueTypeAndAttributes, Beside::Filter, inquireObjects},
+    {MQCMD_RESET_Q_STATS, queues, queueName, {}, Beside::Nothing, resetQueueStatistics},
     {MQCMD_INQUIRE_Q_NAMES, queues, queueName, queueType, Beside::Nothing, inquireObjectNames},
     {MQCMD_INQUIRE_PROCESS_NAMES, processes, processName, {}, Beside::Nothing, inquireObjectNames},
     {MQCMD_CHANGE_NAMELIST, namelists, namelistName, {}, Beside::Attributes, changeObject},
@@ -83,6 +93,9 @@ const Row table[] = {
     {MQCMD_INQUIRE_NAMELIST_NAMES, namelists, namelistName, {}, Beside::Nothing, inquireObjectNames},
     {MQCMD_ESCAPE, queueManager, escapeText, {}, Beside::Nothing, escape},
     {MQCMD_PING_Q_MGR, queueManager, {}, {}, Beside::Nothing, pingQueueManager},
+    {MQCMD_INQUIRE_Q_STATUS, localQueues, queueName, queueStatus, Beside::Filter, inquireQueueStatus},
+    {MQCMD_INQUIRE_CONNECTION, queueManager, {}, connections, Beside::Filter, inquireConnections},
+    {MQCMD_INQUIRE_Q_MGR_STATUS, queueManager, {}, queueManagerStatus, Beside::Nothing, inquireQueueManagerStatus},
 };
 
 const Row *findRow(MQLONG command)

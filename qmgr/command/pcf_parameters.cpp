@@ -16,13 +16,15 @@ constexpr ObjectKind everyKind[] = {ObjectKind::QueueManager, ObjectKind::LocalQ
                                     ObjectKind::RemoteQueue,  ObjectKind::ModelQueue, ObjectKind::Namelist,
                                     ObjectKind::Process};
 
-// The attribute of the first of these kinds that has it.
-const Attribute *findAttribute(objects::ObjectKinds kinds, MQLONG selector)
+using Rows = std::span<const Attribute>;
+
+// The first row of any of these kinds.
+const Attribute *findAttribute(Rows rows, objects::ObjectKinds kinds, MQLONG selector)
 {
-    for (const ObjectKind kind : everyKind)
-        if (objects::contains(kinds, kind))
-            if (const Attribute *attribute = objects::findSelector(kind, selector)) return attribute;
-    return nullptr;
+    const auto found = std::find_if(rows.begin(), rows.end(), [&](const Attribute &row) {
+        return row.selector == selector && (row.kinds & kinds) != 0;
+    });
+    return found == rows.end() ? nullptr : &*found;
 }
 
 MQLONG typeOf(const Attribute &attribute)
@@ -151,7 +153,7 @@ PcfAssignments readAssignments(const PcfCommand &command, ObjectKind kind)
         if (attribute == nullptr || attribute->access != Access::Alterable) {
             // The command's own parameters are the row's business; the others are attributes of a kind that is not
             // meant, or that nobody may set.
-            const Attribute *other = findAttribute(command.family.kinds, parameter.id);
+            const Attribute *other = findAttribute(objects::attributes(), command.family.kinds, parameter.id);
             if (other != nullptr && other->access != Access::Identity) {
                 read.fault = faultOf(parameterIdError(parameter.type), parameter.id);
                 return read;
@@ -172,50 +174,60 @@ PcfAssignments readAssignments(const PcfCommand &command, ObjectKind kind)
     return read;
 }
 
-bool isAttribute(const PcfCommand &command, MQLONG selector)
-{
-    return findAttribute(command.family.kinds, selector) != nullptr;
-}
+namespace {
 
-PcfSelection readSelection(const PcfCommand &command, MQLONG id, bool (*known)(const PcfCommand &, MQLONG))
+// `known` says of a selector whether the command could return it.
+template <class Known>
+PcfSelection readList(const PcfParameter &list, const Known &known)
 {
     PcfSelection selection;
-    const PcfParameter *list = command.find(id);
-    if (list == nullptr) return selection;
-    const auto &values = list->numbers;
+    const auto &values = list.numbers;
     if (values.size() == 1 && values.front() == MQIACF_ALL) return selection;
     selection.all = false;
     for (const MQINT64 value : values) {
         const auto selector = static_cast<MQLONG>(value);
-        if (!known(command, selector)) {
-            selection.fault = {MQRC_SELECTOR_ERROR, MQIACF_SELECTOR, selector};
-            return selection;
-        }
         const auto &before = selection.selectors;
-        if (std::find(before.begin(), before.end(), selector) != before.end()) {
+        if (!known(selector))
+            selection.fault = {MQRC_SELECTOR_ERROR, MQIACF_SELECTOR, selector};
+        else if (std::find(before.begin(), before.end(), selector) != before.end())
             selection.fault = {MQRCCF_CFIL_DUPLICATE_VALUE, MQIACF_SELECTOR, selector};
-            return selection;
-        }
+        if (selection.fault) break;
         selection.selectors.push_back(selector);
     }
     return selection;
 }
 
-PcfFilter readFilter(const PcfCommand &command)
+} // namespace
+
+PcfSelection readSelection(const PcfCommand &command, MQLONG id, Rows rows)
+{
+    const PcfParameter *list = command.find(id);
+    if (list == nullptr) return {};
+    return readList(*list,
+                    [&](MQLONG selector) { return findAttribute(rows, command.family.kinds, selector) != nullptr; });
+}
+
+PcfSelection readSelection(const PcfParameter &list, std::span<const MQLONG> known)
+{
+    return readList(list,
+                    [&](MQLONG selector) { return std::find(known.begin(), known.end(), selector) != known.end(); });
+}
+
+PcfFilter readFilter(const PcfCommand &command, Rows rows)
 {
     const auto given = std::find_if(command.parameters.begin(), command.parameters.end(), isFilter);
     if (given == command.parameters.end()) return {};
     const bool number = given->type == MQCFT_INTEGER_FILTER;
     const auto *known = std::find_if(std::begin(operators), std::end(operators),
                                      [&](const Operator &row) { return row.operation == given->operation; });
-    const Attribute *attribute = findAttribute(command.family.kinds, given->id);
+    const Attribute *attribute = findAttribute(rows, command.family.kinds, given->id);
     if (attribute == nullptr || attribute->isText() == number || given->type == MQCFT_BYTE_STRING_FILTER)
-        return {faultOf(parameterIdError(given->type), given->id), {}};
+        return {faultOf(parameterIdError(given->type), given->id), nullptr, {}};
 
     const Comparison comparison = known->comparison;
     const bool list = attribute->value == ValueKind::NameList;
     if (isForLists(comparison) != list || (number && isForTexts(comparison)))
-        return {faultOf(number ? MQRCCF_CFIF_OPERATOR_ERROR : MQRCCF_CFSF_OPERATOR_ERROR, given->id), {}};
+        return {faultOf(number ? MQRCCF_CFIF_OPERATOR_ERROR : MQRCCF_CFSF_OPERATOR_ERROR, given->id), nullptr, {}};
     Filter filter;
     filter.keyword = attribute->keyword;
     filter.comparison = comparison;
@@ -223,7 +235,7 @@ PcfFilter readFilter(const PcfCommand &command)
         filter.value.number = static_cast<MQLONG>(given->numbers.front());
     else
         filter.value.text = textOf(given->texts.front());
-    return {{}, filter};
+    return {{}, attribute, filter};
 }
 
 MQLONG parameterIdError(MQLONG type)
@@ -268,21 +280,32 @@ void writeAttribute(PcfWriter &reply, const Attribute &attribute, const objects:
     }
 }
 
-void writeObject(PcfWriter &reply, const InquiredObject &object, const PcfSelection &selection)
+void writeAttributes(PcfWriter &reply, Rows rows, ObjectKind kind, const PcfSelection &selection,
+                     std::span<const MQLONG> always, const ValueOf &valueOf)
 {
-    const ObjectKind kind = object.definition.kind();
-    const auto write = [&](const Attribute &attribute) { writeAttribute(reply, attribute, object.value(attribute)); };
-    for (const Attribute &attribute : objects::attributes())
-        if (objects::contains(attribute.kinds, kind) && attribute.access == Access::Identity) write(attribute);
+    const auto write = [&](MQLONG selector) {
+        const Attribute *attribute = findAttribute(rows, objects::kinds(kind), selector);
+        if (attribute != nullptr) writeAttribute(reply, *attribute, valueOf(*attribute));
+    };
+    for (const MQLONG selector : always)
+        write(selector);
+    const auto writeUnlessAlways = [&](MQLONG selector) {
+        if (std::find(always.begin(), always.end(), selector) == always.end()) write(selector);
+    };
     if (selection.all) {
-        for (const Attribute &attribute : objects::attributes())
-            if (objects::contains(attribute.kinds, kind) && attribute.access != Access::Identity) write(attribute);
-        return;
+        for (const Attribute &row : rows)
+            if (objects::contains(row.kinds, kind)) writeUnlessAlways(row.selector);
+    } else {
+        for (const MQLONG selector : selection.selectors)
+            writeUnlessAlways(selector);
     }
-    for (const MQLONG selector : selection.selectors) {
-        const Attribute *attribute = objects::findSelector(kind, selector);
-        if (attribute != nullptr && attribute->access != Access::Identity) write(*attribute);
-    }
+}
+
+void writeObject(PcfWriter &reply, const PcfFamily &family, const InquiredObject &object, const PcfSelection &selection)
+{
+    const MQLONG always[] = {family.name, MQIA_Q_TYPE};
+    writeAttributes(reply, objects::attributes(), object.definition.kind(), selection, always,
+                    [&](const Attribute &attribute) { return object.value(attribute); });
 }
 
 } // namespace mqrig::qmgr::command

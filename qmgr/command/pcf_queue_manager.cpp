@@ -4,11 +4,11 @@ namespace mqrig::qmgr::command {
 
 void inquireQueueManager(const PcfCommand &command, PcfReplies &replies)
 {
-    const PcfSelection selection = readSelection(command, MQIACF_Q_MGR_ATTRS, isAttribute);
+    const PcfSelection selection = readSelection(command, MQIACF_Q_MGR_ATTRS);
     if (selection.fault) return replies.fail(selection.fault);
     const InquiredQueueManager inquired = inquireQueueManager(command.attachment);
     if (inquired.outcome.failed()) return replies.judge(inquired.outcome, MQCA_Q_MGR_NAME);
-    writeObject(replies.add(), inquired.queueManager, selection);
+    writeObject(replies.add(), command.family, inquired.queueManager, selection);
 }
 
 void changeQueueManager(const PcfCommand &command, PcfReplies &replies)

@@ -27,6 +27,7 @@ public:
     void setFailed() { failed_ = true; }
 
     bool failed() const { return failed_; }
+    bool empty() const { return replies_.empty(); }
 
     // The whole sequence, numbered: what was added, or one that says MQCC_OK where there was nothing; behind errors
     // the summary.

@@ -105,6 +105,11 @@ std::vector<OpenQueue> Attachment::openQueues() const
     return store_->openQueues();
 }
 
+std::int64_t Attachment::startTime() const
+{
+    return store_->control().started.load(std::memory_order_relaxed);
+}
+
 std::uint64_t Attachment::uniqueNumber() const
 {
     return store_->control().sequence.fetch_add(1, std::memory_order_relaxed);

@@ -96,6 +96,8 @@ public:
     [[nodiscard]] Watch watch() const;
 
     [[nodiscard]] const std::string &queueManagerName() const;
+    // [any] When the queue manager was started, microseconds since 1970 UTC.
+    [[nodiscard]] std::int64_t startTime() const;
     // Number of this connection's slot: unique among the connections alive now.
     [[nodiscard]] std::uint32_t slot() const { return slot_; }
     // Number of this connection: never used again while the queue manager runs. For connection ids.

@@ -8,6 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "qmgr/store/seams.h"
+
 namespace mqrig::qmgr::store {
 
 namespace {
@@ -92,6 +94,7 @@ std::unique_ptr<ControlMapping> ControlMapping::create(const std::filesystem::pa
     block->state = State::Ended;
     block->pidNamespace = pidNamespaceOfThisProcess();
     block->definitionVersion = 1;
+    block->started = currentTime();
     block->requestsWaiting = 1; // what the life before has left
     for (pthread_mutex_t *mutex : {&block->logLock, &block->requestLock})
         if (error = initialise(*mutex); error != 0) return nullptr;

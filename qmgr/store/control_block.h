@@ -70,6 +70,7 @@ struct ControlBlock {
     std::atomic<std::uint64_t> mapSize;     // bytes of the live state that are reserved and may be mapped
     std::atomic<std::uint32_t> slotLimit;   // slots from here on have never been taken
     std::atomic<std::uint64_t> connections; // numbers given to connections
+    std::atomic<std::int64_t> started;      // when this life began, microseconds since 1970 UTC
     std::atomic<std::uint64_t> definitionVersion;
     std::atomic<QueueId> requestQueue;          // the queue of requests to the queue manager itself; 0: not known yet
     std::atomic<std::uint32_t> requestsWaiting; // 0: it is certain that none is there; see requests.cpp

@@ -77,7 +77,8 @@ CommandResult runShell(const std::string &command, const std::string &input, con
     std::ofstream(files.path() / "in", std::ios::binary) << input;
     const std::string line = "cd '" + files.path().string() + "' && export MQRIG_STORE='" + store.string() +
                              "' PATH='" BIN_FOLDER ":'\"$PATH\" LD_LIBRARY_PATH='" MQI_LIBRARY_FOLDER
-                             "' OTHER_MQI_LIBRARY='" OTHER_MQI_LIBRARY_FOLDER "' LC_ALL=C TZ=UTC && { " + command +
+                             "' OTHER_MQI_LIBRARY='" OTHER_MQI_LIBRARY_FOLDER "' EXAMPLES='" EXAMPLE_FOLDER
+                             "' LC_ALL=C TZ=UTC && { " + command +
                              "\n} <in >out 2>err";
     const int status = std::system(line.c_str());
     CommandResult result;

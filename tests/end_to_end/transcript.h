@@ -23,7 +23,7 @@ struct CommandResult {
 };
 
 // Runs a shell command in a new working folder, with mqrig and rigqm on the path, on the embedded queue manager with
-// this store. $OTHER_MQI_LIBRARY is the folder of another libmqm_r.so.
+// this store. $OTHER_MQI_LIBRARY is the folder of another libmqm_r.so, $EXAMPLES that of the example files.
 CommandResult runShell(const std::string &command, const std::string &input, const std::filesystem::path &store);
 
 struct TranscriptStep {

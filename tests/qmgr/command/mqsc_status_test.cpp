@@ -26,6 +26,9 @@ TEST_F(MqscStatus, QueueStatusCountsMessagesHandlesAndUncommittedWork)
     EXPECT_EQ(answer("DIS QSTATUS(Q1)"), "AMQ8450I: Queue status details:\n"
                                          "   QUEUE(Q1)                               TYPE(QUEUE)\n"
                                          "   CURDEPTH(0)                             IPPROCS(0)\n"
+                                         "   LGETDATE( )                             LGETTIME( )\n"
+                                         "   LPUTDATE( )                             LPUTTIME( )\n"
+                                         "   MONQ(OFF)                               MSGAGE( )\n"
                                          "   OPPROCS(0)                              UNCOM(NO)\n");
     put("Q1", MQPER_NOT_PERSISTENT);
     const auto other = connect();
