@@ -29,7 +29,7 @@ Status printMQRFH2(const void *rfh2, MQLONG available, RunParams *params)
 
     // Pairs are shown as far as both the structure and what was received reach.
     const char *pair = static_cast<const char *>(rfh2) + sizeof fixed;
-    MQLONG remaining = std::min(strucLength, available) - static_cast<MQLONG>(sizeof fixed);
+    MQLONG remaining = std::clamp(strucLength, 0, available) - static_cast<MQLONG>(sizeof fixed);
     while (remaining >= 4) {
         MQLONG length = 0;
         std::memcpy(&length, pair, sizeof length);

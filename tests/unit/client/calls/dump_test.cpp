@@ -4,6 +4,7 @@
 #include "common.h"
 #include "display.h"
 
+#include <climits>
 #include <cmqcfc.h>
 
 #include <clocale>
@@ -301,6 +302,27 @@ TEST_F(WalkTest, Rfh2OfNegativeLengthEnds)
 {
     begin_with("MQHRF2  ");
     EXPECT_NE(walk(rfh2(-1, "")).find("MQRFH2 StrucLength invalid. -1\n"), std::string::npos);
+}
+
+TEST_F(WalkTest, Rfh2OfTheLowestLengthShowsNoPairs)
+{
+    begin_with("MQHRF2  ");
+    const std::string out = walk(rfh2(INT_MIN, std::string(16, '\1')));
+    EXPECT_NE(out.find("NameValueCCSID[1208]\nMQRFH2 StrucLength invalid. -2147483648\n"), std::string::npos);
+}
+
+TEST_F(WalkTest, Rfh2OfAHundredMegabytesEndsWithItsFirstImpossiblePair)
+{
+    constexpr std::size_t size = 100 * 1024 * 1024;
+    begin_with("MQHRF2  ");
+    std::string body = rfh2(static_cast<MQLONG>(size), pair_of("<a/>"));
+    const MQLONG impossible = 1025;
+    body.append(reinterpret_cast<const char *>(&impossible), 4);
+    body.resize(size, 'x');
+    const std::string out = walk(body);
+    EXPECT_NE(out.find("NameValueLength[4] NameValueData[<a/>]\nNameValueLength[1025] NameValueLenghth invalid.\n"),
+              std::string::npos);
+    EXPECT_LT(out.size(), 1000U);
 }
 
 TEST_F(WalkTest, Rfh2OfLengthZeroEnds)
