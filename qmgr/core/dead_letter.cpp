@@ -5,6 +5,8 @@
 #include <memory>
 #include <string_view>
 
+#include "qmgr/core/groups.h"
+#include "qmgr/core/md_extension.h"
 #include "qmgr/core/reports.h"
 #include "qmgr/core/system_put.h"
 #include "qmgr/objects/object_name.h"
@@ -32,6 +34,14 @@ MQDLH headerFor(Connection &connection, MQLONG reason, const ObjectName &destina
     return header;
 }
 
+// What follows is a header of the queue manager's.
+void describeHeader(Connection &connection, const char *format, MQMD &md)
+{
+    md.Encoding = MQENC_NATIVE;
+    md.CodedCharSetId = connection.queueManager().codedCharSetId;
+    std::memcpy(md.Format, format, sizeof md.Format);
+}
+
 Outcome putOnOwnQueue(Connection &connection, UnitOfWork &unit, const ObjectName &destination,
                       store::NewMessage &message)
 {
@@ -49,20 +59,30 @@ Outcome putOnDeadLetterQueue(Connection &connection, UnitOfWork &unit, MQLONG re
     const objects::FoundQueue found = connection.catalog.queue(name);
     if (found.outcome.failed()) return found.outcome;
 
-    const MQDLH header = headerFor(connection, reason, destination, message.header.md);
+    store::NewMessage dead = message;
+    MQMD &md = dead.header.md;
+    // With a header in front it is no member of its group any more: an extension says what it was.
+    const MQMDE extension = extensionOf(md);
+    const bool extended = !fitsVersion1(md);
+    if (extended) describeHeader(connection, MQFMT_MD_EXTENSION, md);
+    const MQDLH header = headerFor(connection, reason, destination, md);
+    describeHeader(connection, MQFMT_DEAD_LETTER_HEADER, md);
+    makeSingle(md);
+    md.MsgFlags = MQMF_NONE;
+
     // Properties stay in front of everything.
     const std::size_t properties = message.header.coreLength;
-    const std::size_t length = message.body.size() + sizeof header;
+    const std::size_t length = message.body.size() + sizeof header + (extended ? sizeof extension : 0);
     const auto body = std::make_unique_for_overwrite<std::byte[]>(length);
     std::byte *at = std::copy_n(message.body.begin(), properties, body.get());
     std::memcpy(at, &header, sizeof header);
-    std::copy(message.body.begin() + static_cast<std::ptrdiff_t>(properties), message.body.end(), at + sizeof header);
-
-    store::NewMessage dead = message;
+    at += sizeof header;
+    if (extended) {
+        std::memcpy(at, &extension, sizeof extension);
+        at += sizeof extension;
+    }
+    std::copy(message.body.begin() + static_cast<std::ptrdiff_t>(properties), message.body.end(), at);
     dead.body = {body.get(), length};
-    dead.header.md.Encoding = MQENC_NATIVE;
-    dead.header.md.CodedCharSetId = connection.queueManager().codedCharSetId;
-    std::memcpy(dead.header.md.Format, MQFMT_DEAD_LETTER_HEADER, sizeof dead.header.md.Format);
     return putByQueueManager(connection, unit, found.hold, dead);
 }
 

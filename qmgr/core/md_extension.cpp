@@ -15,6 +15,17 @@ void copyField(Field &to, const Field &from)
     std::memcpy(to, from, sizeof to);
 }
 
+// The first test is enough for all but the few messages that have one.
+bool announcesExtension(const MQCHAR8 &given)
+{
+    if (std::memcmp(given, MQFMT_MD_EXTENSION, 6) != 0) [[likely]]
+        return false;
+    MQCHAR8 format;
+    copyField(format, given);
+    padField(format);
+    return std::memcmp(format, MQFMT_MD_EXTENSION, sizeof format) == 0;
+}
+
 // Whether the queue manager can read it.
 bool isOurs(const MQMD &md, MQLONG queueManagerCcsid)
 {
@@ -55,10 +66,7 @@ MQMDE extensionOf(const MQMD &md)
 
 MQLONG takeExtension(MQLONG queueManagerCcsid, MQMD &md, std::span<const std::byte> &body)
 {
-    MQCHAR8 format;
-    copyField(format, md.Format);
-    padField(format);
-    if (std::memcmp(format, MQFMT_MD_EXTENSION, sizeof format) != 0 || !isOurs(md, queueManagerCcsid)) return MQRC_NONE;
+    if (!announcesExtension(md.Format) || !isOurs(md, queueManagerCcsid)) return MQRC_NONE;
     MQMDE extension;
     if (body.size() < sizeof extension) return MQRC_MDE_ERROR;
     std::memcpy(&extension, body.data(), sizeof extension);

@@ -224,6 +224,31 @@ TEST_F(ExtensionGot, StandsInFrontOfACompleteMessage)
     EXPECT_EQ(got.body.substr(sizeof(MQMDE)), "abcd");
 }
 
+TEST_F(ExtensionGot, SaysOfADeadLetterWhatItWas)
+{
+    defineQueue("DEAD");
+    setDeadLetterQueue("DEAD");
+    MQMD md = mdOf({"S", 1, MQMF_SEGMENT});
+    std::memcpy(md.Format, MQFMT_STRING, sizeof md.Format);
+    md.Report = MQRO_COA;
+    setText(md.ReplyToQ, "NOWHERE");
+    ASSERT_EQ(put(hconn, q1, "data", md), ok);
+
+    const Got dead = get(hconn, open(hconn, "DEAD", MQOO_INPUT_SHARED), version2Md(), gmoWith(MQGMO_NO_SYNCPOINT));
+    EXPECT_EQ(text(dead.md.Format), "MQDEAD");
+    EXPECT_EQ(placeOf(dead.md), (Place{std::string(24, '\0'), 1, 0, MQMF_NONE}));
+    MQDLH header;
+    MQMDE behind;
+    ASSERT_EQ(dead.body.size(), sizeof header + sizeof behind);
+    std::memcpy(&header, dead.body.data(), sizeof header);
+    std::memcpy(&behind, dead.body.data() + sizeof header, sizeof behind);
+    EXPECT_EQ(text(header.Format), "MQHMDE");
+    EXPECT_EQ(text(behind.Format), "MQSTR");
+    EXPECT_EQ(behind.GroupId[0], 'S');
+    EXPECT_EQ(behind.MsgFlags, MQMF_SEGMENT);
+    EXPECT_EQ(behind.OriginalLength, 4);
+}
+
 TEST_F(ExtensionGot, LargeMessageIsBehindIt)
 {
     const std::string body(200000, 'x');

@@ -388,6 +388,15 @@ TEST_F(Segmentation, EachSegmentIsReported)
     EXPECT_EQ(depth("ANSWERS"), 3);
     EXPECT_EQ(next(complete).body, body);
     EXPECT_EQ(depth("ANSWERS"), 6);
+
+    // The reports of each kind are segments themselves: without data they stand for as many zeros.
+    const MQHOBJ answers = open(hconn, "ANSWERS", MQOO_INPUT_SHARED);
+    for (const MQLONG feedback : {MQFB_COA, MQFB_COD}) {
+        const Got report = get(hconn, answers, version2Md(), gmoWith(complete));
+        EXPECT_EQ(report.md.Feedback, feedback);
+        EXPECT_EQ(report.body, std::string(body.size(), '\0'));
+    }
+    EXPECT_EQ(depth("ANSWERS"), 0);
 }
 
 } // namespace
