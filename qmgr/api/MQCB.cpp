@@ -1,11 +1,13 @@
-#include <cstdint>
+#include <cstring>
 #include <memory>
 
 #include "qmgr/api/api.h"
+#include "qmgr/api/consumers.h"
 #include "qmgr/api/option_table.h"
 #include "qmgr/api/structures.h"
 #include "qmgr/core/callbacks.h"
 #include "qmgr/core/connections.h"
+#include "qmgr/core/get.h"
 #include "qmgr/objects/object_name.h"
 
 using namespace mqrig::qmgr;
@@ -50,7 +52,54 @@ Outcome changeHandler(core::Callbacks &callbacks, MQLONG operation, const MQCBD 
         {reinterpret_cast<MQCB_FUNCTION *>(cbd.CallbackFunction), cbd.CallbackArea, cbd.Options, suspends});
 }
 
-Outcome manageCallback(MQHCONN Hconn, MQLONG operation, const void *callbackDesc)
+// What a consumer consumes.
+struct Source {
+    MQHOBJ hobj;
+    const void *msgDesc;
+    const void *getMsgOpts;
+};
+
+// Options of MQGET that need a program that decides between one get and the next.
+constexpr MQLONG notForConsumers =
+    MQGMO_LOCK | MQGMO_UNLOCK | MQGMO_SET_SIGNAL | MQGMO_MSG_UNDER_CURSOR | MQGMO_BROWSE_MSG_UNDER_CURSOR;
+
+Outcome loadSource(const core::OpenObject &object, const Source &source, api::ConsumerRequest &request)
+{
+    request.hobj = source.hobj;
+    if (const MQLONG reason = api::checkMd(source.msgDesc)) return failure(reason);
+    const bool version1 = static_cast<const MQMD *>(source.msgDesc)->Version == MQMD_VERSION_1;
+    std::memcpy(static_cast<void *>(&request.md), source.msgDesc, version1 ? MQMD_LENGTH_1 : MQMD_LENGTH_2);
+    if (source.getMsgOpts != nullptr) {
+        if (const MQLONG reason = api::checkGmo(source.getMsgOpts)) return failure(reason);
+        request.gmo = api::loadGmo(source.getMsgOpts);
+    }
+    const MQLONG options = request.gmo.Options;
+    if ((options & notForConsumers) != 0) return failure(MQRC_OPTIONS_ERROR);
+    if (const MQLONG reason = api::checkOptions(api::OptionField::Get, options)) return failure(reason);
+    const bool browses = (options & core::browseOptions) != 0;
+    if (browses && !object.allows(MQOO_BROWSE)) return failure(MQRC_NOT_OPEN_FOR_BROWSE);
+    if (!browses && !object.allows(MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE)) return failure(MQRC_NOT_OPEN_FOR_INPUT);
+    return success();
+}
+
+Outcome changeConsumer(core::ConnectionUse &use, MQLONG operation, const MQCBD &cbd, const Source &source)
+{
+    const core::OpenObject *object = use->handles.find(source.hobj);
+    if (object == nullptr) return failure(MQRC_HOBJ_ERROR);
+    api::Consumers &consumers = api::consumersOf(use);
+    if ((operation & MQOP_DEREGISTER) != 0) return consumers.remove(source.hobj);
+    const bool suspends = (operation & MQOP_SUSPEND) != 0;
+    if ((operation & MQOP_REGISTER) == 0) return consumers.suspend(source.hobj, suspends);
+    api::ConsumerRequest request;
+    if (const Outcome loaded = loadSource(*object, source, request); loaded.failed()) return loaded;
+    request.callback = {reinterpret_cast<MQCB_FUNCTION *>(cbd.CallbackFunction), cbd.CallbackArea, cbd.Options,
+                        suspends};
+    request.maxMsgLength = cbd.MaxMsgLength;
+    return consumers.add(request);
+}
+
+Outcome manageCallback(MQHCONN Hconn, MQLONG operation, const void *callbackDesc, MQHOBJ Hobj, const void *msgDesc,
+                       const void *getMsgOpts)
 {
     std::shared_ptr<core::Callbacks> changed;
     Outcome outcome;
@@ -58,14 +107,20 @@ Outcome manageCallback(MQHCONN Hconn, MQLONG operation, const void *callbackDesc
         core::ConnectionUse use(Hconn);
         if (use.outcome().failed()) return use.outcome();
         if (!isOperation(operation)) return failure(MQRC_OPERATION_ERROR);
-        if (const MQLONG reason = api::checkCbd(callbackDesc)) return failure(reason);
-        const MQCBD &cbd = *static_cast<const MQCBD *>(callbackDesc);
+        MQCBD cbd = {MQCBD_DEFAULT};
+        // Without one, the consumer of the object is meant; there is nothing in it that a registration could do
+        // without.
+        if (callbackDesc != nullptr || (operation & MQOP_REGISTER) != 0) {
+            if (const MQLONG reason = api::checkCbd(callbackDesc)) return failure(reason);
+            cbd = *static_cast<const MQCBD *>(callbackDesc);
+        }
         if (const MQLONG reason = checkDescriptor(cbd, operation)) return failure(reason);
-        if (cbd.CallbackType == MQCBT_MESSAGE_CONSUMER) return failure(MQRC_FUNCTION_NOT_SUPPORTED);
         if ((cbd.Options & MQCBDO_FAIL_IF_QUIESCING) != 0 && use->store->state() == store::State::Quiescing)
             return failure(MQRC_Q_MGR_QUIESCING);
         changed = use.callbacks();
-        outcome = changeHandler(*changed, operation, cbd);
+        outcome = cbd.CallbackType == MQCBT_EVENT_HANDLER
+                      ? changeHandler(*changed, operation, cbd)
+                      : changeConsumer(use, operation, cbd, {Hobj, msgDesc, getMsgOpts});
     }
     // A program may take away what a callback works on once it is deregistered. Other calls on the connection go on
     // meanwhile: the callback may be making one.
@@ -75,8 +130,9 @@ Outcome manageCallback(MQHCONN Hconn, MQLONG operation, const void *callbackDesc
 
 } // namespace
 
-MQI_EXPORT void MQENTRY MQCB(MQHCONN Hconn, MQLONG Operation, PMQVOID pCallbackDesc, MQHOBJ, PMQVOID, PMQVOID,
-                             PMQLONG pCompCode, PMQLONG pReason) noexcept
+MQI_EXPORT void MQENTRY MQCB(MQHCONN Hconn, MQLONG Operation, PMQVOID pCallbackDesc, MQHOBJ Hobj, PMQVOID pMsgDesc,
+                             PMQVOID pGetMsgOpts, PMQLONG pCompCode, PMQLONG pReason) noexcept
 {
-    api::answer(pCompCode, pReason, [=] { return manageCallback(Hconn, Operation, pCallbackDesc); });
+    api::answer(pCompCode, pReason,
+                [=] { return manageCallback(Hconn, Operation, pCallbackDesc, Hobj, pMsgDesc, pGetMsgOpts); });
 }

@@ -1,3 +1,5 @@
+#include <memory>
+
 #include "qmgr/api/api.h"
 #include "qmgr/core/callbacks.h"
 #include "qmgr/core/disconnect.h"
@@ -12,7 +14,9 @@ Outcome disconnect(PMQHCONN pHconn)
     // A callback cannot end the connection that calls it.
     if (core::Callbacks::onThreadOf(*pHconn)) return failure(MQRC_CALL_IN_PROGRESS);
     core::ConnectionUse::announceRemoval(*pHconn);
-    core::ConnectionUse use(*pHconn);
+    if (const auto callbacks = core::ConnectionUse::consumingCallbacks(*pHconn))
+        static_cast<void>(callbacks->control(MQOP_STOP, nullptr));
+    core::ConnectionUse use(*pHconn, core::ConnectionUse::When::Control);
     if (!use.found()) return use.outcome();
     *pHconn = MQHC_UNUSABLE_HCONN;
     return core::disconnect(use);

@@ -195,13 +195,18 @@ constexpr OptionRow flagRows[] = {
 };
 
 constexpr OptionRow callbackRows[] = {
-    noEffect("MQCBDO_START_CALL", MQCBDO_START_CALL, "an event handler has no part in starting and stopping"),
-    noEffect("MQCBDO_STOP_CALL", MQCBDO_STOP_CALL, "an event handler has no part in starting and stopping"),
+    done("MQCBDO_START_CALL", MQCBDO_START_CALL),
+    done("MQCBDO_STOP_CALL", MQCBDO_STOP_CALL),
     done("MQCBDO_REGISTER_CALL", MQCBDO_REGISTER_CALL),
     done("MQCBDO_DEREGISTER_CALL", MQCBDO_DEREGISTER_CALL),
     done("MQCBDO_FAIL_IF_QUIESCING", MQCBDO_FAIL_IF_QUIESCING),
     done("MQCBDO_EVENT_CALL", MQCBDO_EVENT_CALL),
     noEffect("MQCBDO_MC_EVENT_CALL", MQCBDO_MC_EVENT_CALL, "there is no multicast"),
+};
+
+constexpr OptionRow controlRows[] = {
+    noEffect("MQCTLO_THREAD_AFFINITY", MQCTLO_THREAD_AFFINITY, "one thread makes all calls of a connection anyway"),
+    done("MQCTLO_FAIL_IF_QUIESCING", MQCTLO_FAIL_IF_QUIESCING),
 };
 
 struct Field {
@@ -221,6 +226,7 @@ constexpr std::array<Field, optionFields> fields = {{
     {flagRows, MQRC_MSG_FLAGS_ERROR},
     {{}, MQRC_OPTIONS_ERROR},
     {callbackRows, MQRC_CBD_OPTIONS_ERROR},
+    {controlRows, MQRC_OPTIONS_ERROR},
 }};
 
 constexpr bool everyBitOnce()

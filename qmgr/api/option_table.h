@@ -30,8 +30,9 @@ enum class OptionField : std::uint8_t {
     Flags,    // MQMD.MsgFlags       MQMF_
     Begin,    // MQBO.Options        MQBO_
     Callback, // MQCBD.Options      MQCBDO_
+    Control, // MQCTLO.Options      MQCTLO_
 };
-inline constexpr std::size_t optionFields = 10;
+inline constexpr std::size_t optionFields = 11;
 
 enum class Treatment : std::uint8_t {
     Done,

@@ -97,6 +97,11 @@ MQLONG checkCbd(const void *cbd)
     return check(cbd, MQCBD_STRUC_ID, MQCBD_CURRENT_VERSION, MQRC_CBD_ERROR);
 }
 
+MQLONG checkCtlo(const void *ctlo)
+{
+    return check(ctlo, MQCTLO_STRUC_ID, MQCTLO_CURRENT_VERSION, MQRC_CTLO_ERROR);
+}
+
 MQCNO loadCno(const void *cno)
 {
     MQCNO loaded = {MQCNO_DEFAULT};

@@ -16,6 +16,7 @@ MQLONG checkPmo(const void *pmo); // MQRC_PMO_ERROR
 MQLONG checkGmo(const void *gmo); // MQRC_GMO_ERROR
 MQLONG checkBo(const void *bo);   // MQRC_BO_ERROR
 MQLONG checkCbd(const void *cbd); // MQRC_CBD_ERROR
+MQLONG checkCtlo(const void *ctlo); // MQRC_CTLO_ERROR
 
 // A checked structure in its highest version: the fields that the program's version has not are the defaults.
 MQCNO loadCno(const void *cno);

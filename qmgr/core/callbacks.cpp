@@ -49,8 +49,8 @@ private:
 
 } // namespace
 
-Callbacks::Callbacks(MQHCONN hconn, store::Watch watch, bool reconnects)
-    : hconn_(hconn), reconnects_(reconnects), watch_(std::move(watch))
+Callbacks::Callbacks(MQHCONN hconn, store::Watch watch, bool reconnects, std::atomic<bool> &consumes)
+    : hconn_(hconn), reconnects_(reconnects), consumes_(consumes), watch_(std::move(watch))
 {
 }
 
@@ -85,7 +85,7 @@ Outcome Callbacks::registerHandler(const Callback &handler)
     handler_ = handler;
     handler_->area = area;
     if ((handler.options & MQCBDO_REGISTER_CALL) != 0)
-        calls_.push_back({*handler_, MQCBCT_REGISTER_CALL, success(), 0, nullptr});
+        calls_.push_back({*handler_, MQCBCT_REGISTER_CALL, success(), 0, nullptr, MQHO_NONE});
     wake();
     return success();
 }
@@ -103,7 +103,7 @@ Outcome Callbacks::deregisterHandler()
 void Callbacks::postLastCall()
 {
     if (handler_ && (handler_->options & MQCBDO_DEREGISTER_CALL) != 0)
-        calls_.push_back({*handler_, MQCBCT_DEREGISTER_CALL, success(), 0, nullptr});
+        calls_.push_back({*handler_, MQCBCT_DEREGISTER_CALL, success(), 0, nullptr, MQHO_NONE});
     handler_.reset();
 }
 
@@ -112,6 +112,15 @@ Outcome Callbacks::suspendHandler(bool suspended)
     const std::lock_guard lock(mutex_);
     if (!handler_) return failure(MQRC_CALLBACK_NOT_REGISTERED);
     handler_->suspended = suspended;
+    return success();
+}
+
+Outcome Callbacks::post(const Callback &consumer, MQHOBJ hobj, MQLONG callType)
+{
+    const std::lock_guard lock(mutex_);
+    if (const Outcome started = startThread(); started.failed()) return started;
+    calls_.push_back({consumer, callType, success(), 0, nullptr, hobj});
+    wake();
     return success();
 }
 
@@ -125,7 +134,7 @@ void Callbacks::settle()
 void Callbacks::postEvent(const Outcome &what)
 {
     if (!handler_ || handler_->suspended) return;
-    calls_.push_back({*handler_, MQCBCT_EVENT_CALL, what, 0, nullptr});
+    calls_.push_back({*handler_, MQCBCT_EVENT_CALL, what, 0, nullptr, MQHO_NONE});
 }
 
 // Makes the call and waits for the handler. What runs at the moment may be waiting for this very connection: then the
@@ -133,7 +142,7 @@ void Callbacks::postEvent(const Outcome &what)
 void Callbacks::ask(std::unique_lock<std::mutex> &lock, const Outcome &what, Answer &answer)
 {
     if (!handler_ || handler_->suspended) return;
-    calls_.push_back({*handler_, MQCBCT_EVENT_CALL, what, answer.delay, running_ ? nullptr : &answer});
+    calls_.push_back({*handler_, MQCBCT_EVENT_CALL, what, answer.delay, running_ ? nullptr : &answer, MQHO_NONE});
     if (running_) return;
     if (ofThisThread == this) {
         while (!answer.given)
@@ -214,8 +223,9 @@ MQLONG Callbacks::invoke(const Call &call) const
     std::memcpy(context.StrucId, MQCBC_STRUC_ID, sizeof context.StrucId);
     context.Version = MQCBC_VERSION_2;
     context.CallType = call.type;
-    context.Hobj = MQHO_NONE;
+    context.Hobj = call.hobj;
     context.CallbackArea = call.callback.area;
+    context.ConnectionArea = connectionArea_;
     context.CompCode = call.what.CompCode;
     context.Reason = call.what.Reason;
     context.State = stateOf(call.what);
@@ -273,6 +283,111 @@ void Callbacks::reconnect(std::unique_lock<std::mutex> &lock)
     if (!free && calls_.empty() && !ending_) changed_.wait_for(lock, busyPause);
 }
 
+// ---- Consuming messages ----
+
+Outcome Callbacks::control(MQLONG operation, MQPTR connectionArea)
+{
+    std::unique_lock lock(mutex_);
+    switch (operation) {
+    case MQOP_START:
+    case MQOP_START_WAIT:
+        return start(lock, operation, connectionArea);
+    case MQOP_STOP:
+        reach(lock, Stage::Stopped);
+        return success();
+    case MQOP_SUSPEND:
+    case MQOP_RESUME:
+        if (stage_ == Stage::Stopped) return failure(MQRC_OPERATION_NOT_ALLOWED);
+        reach(lock, operation == MQOP_SUSPEND ? Stage::Suspended : Stage::Started);
+        return success();
+    default:
+        return failure(MQRC_OPERATION_ERROR);
+    }
+}
+
+Outcome Callbacks::start(std::unique_lock<std::mutex> &lock, MQLONG operation, MQPTR connectionArea)
+{
+    if (ofThisThread != nullptr) {
+        if (operation == MQOP_START_WAIT) return failure(MQRC_ENVIRONMENT_ERROR);
+        if (ofThisThread == this) { // takes a stop of this callback's back
+            if (stage_ == Stage::Stopped) return failure(MQRC_OPERATION_NOT_ALLOWED);
+            wanted_ = Stage::Started;
+            return success();
+        }
+    }
+    if (stage_ == Stage::Suspended) return failure(MQRC_OPERATION_NOT_ALLOWED);
+    if (stage_ == Stage::Started || wanted_ == Stage::Started) return failure(MQRC_HCONN_ASYNC_ACTIVE);
+    const bool waits = operation == MQOP_START_WAIT;
+    if (waits && (consuming_ == nullptr || !consuming_->anyActive())) return failure(MQRC_NO_CALLBACKS_ACTIVE);
+    if (const Outcome started = startThread(); started.failed()) return started;
+
+    connectionArea_ = connectionArea;
+    ended_ = MQRC_NONE;
+    waits_ = waits;
+    wanted_ = Stage::Started;
+    wake();
+    changed_.wait(lock, [this, starts = starts_] { return starts_ != starts; });
+    const bool refused = startRefused_;
+    if (waits || refused) changed_.wait(lock, [this] { return stage_ != Stage::Started && stage_ == wanted_; });
+    waits_ = false;
+    if (refused) return failure(MQRC_CONNECTION_STOPPED);
+    if (!waits) return success();
+    if (stage_ == Stage::Suspended) return warning(MQRC_CONNECTION_SUSPENDED);
+    return ended_ == MQRC_NONE ? success() : failure(ended_);
+}
+
+// Waits for it, unless on the thread that has to do it.
+void Callbacks::reach(std::unique_lock<std::mutex> &lock, Stage stage)
+{
+    if (wanted_ == stage && stage_ == stage) return;
+    wanted_ = stage;
+    wake();
+    if (ofThisThread != this) changed_.wait(lock, [this] { return stage_ == wanted_; });
+}
+
+void Callbacks::changeStage(std::unique_lock<std::mutex> &lock)
+{
+    const Stage from = std::exchange(stage_, wanted_);
+    consumes_ = stage_ == Stage::Started;
+    const bool begins = from == Stage::Stopped;
+    const bool ends = stage_ == Stage::Stopped;
+    if (consuming_ != nullptr && (begins || ends)) {
+        running_ = true;
+        // Until it has been told, nobody is told that it is so.
+        const Stage reached = std::exchange(stage_, from);
+        const MQLONG reason = ended_;
+        lock.unlock();
+        if (begins)
+            consuming_->begin(connectionArea_);
+        else
+            consuming_->end(reason);
+        lock.lock();
+        running_ = false;
+        stage_ = reached;
+    }
+    if (begins) {
+        ++starts_;
+        startRefused_ = wanted_ == Stage::Stopped;
+    }
+    changed_.notify_all();
+}
+
+store::Deadline Callbacks::consumeOnce(std::unique_lock<std::mutex> &lock, const store::Watch &watch)
+{
+    if (consuming_ == nullptr) return store::unlimitedWait;
+    running_ = true;
+    lock.unlock();
+    const Consuming::Done done = consuming_->once(watch);
+    const bool active = consuming_->anyActive();
+    lock.lock();
+    running_ = false;
+    if (done.ended != MQRC_NONE || (waits_ && !active && wanted_ == Stage::Started)) {
+        ended_ = done.ended != MQRC_NONE ? done.ended : MQRC_NO_CALLBACKS_ACTIVE;
+        wanted_ = Stage::Stopped;
+    }
+    return done.again;
+}
+
 void Callbacks::run()
 {
     ofThisThread = this;
@@ -290,8 +405,14 @@ void Callbacks::run()
             reconnect(lock);
             continue;
         }
+        if (wanted_ != stage_) {
+            changeStage(lock);
+            continue;
+        }
+        const store::Deadline until = stage_ == Stage::Started ? consumeOnce(lock, watch) : store::unlimitedWait;
+        if (!calls_.empty() || ending_ || wanted_ != stage_) continue;
         lock.unlock();
-        watch.sleep(observed, store::unlimitedWait);
+        watch.sleep(observed, until);
         lock.lock();
     }
 }

@@ -13,7 +13,9 @@
 // found, and afterwards end the waiting. So neither waits for the other.
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -21,6 +23,7 @@
 #include <thread>
 
 #include "cmqc.h"
+#include "qmgr/core/consuming.h"
 #include "qmgr/store/outcome.h"
 #include "qmgr/store/watch.h"
 
@@ -37,7 +40,8 @@ struct Callback {
 class Callbacks {
 public:
     // `reconnects`: the connection follows its queue manager.
-    Callbacks(MQHCONN hconn, store::Watch watch, bool reconnects);
+    // `consumes` is true while other threads may not use the connection.
+    Callbacks(MQHCONN hconn, store::Watch watch, bool reconnects, std::atomic<bool> &consumes);
     ~Callbacks();
     Callbacks(const Callbacks &) = delete;
     Callbacks &operator=(const Callbacks &) = delete;
@@ -53,6 +57,21 @@ public:
     // Waits until no callback runs any more that was called before. Without the connection; at once on the thread
     // itself.
     void settle();
+
+    // Another call for a consumer of messages, of the kind that tells it about its registration; the thread is made if
+    // there is none.
+    Outcome post(const Callback &consumer, MQHOBJ hobj, MQLONG callType);
+
+    // ---- Consuming messages ----
+
+    // Null until somebody sets it.
+    const std::shared_ptr<Consuming> &consuming() const { return consuming_; }
+    void setConsuming(std::shared_ptr<Consuming> consuming) { consuming_ = std::move(consuming); }
+    // MQCTL, without the connection: MQOP_START, MQOP_START_WAIT, MQOP_STOP, MQOP_SUSPEND, MQOP_RESUME. Returns when it
+    // has come true; on the thread itself at once, and it comes true when the callback has returned.
+    // MQRC_OPERATION_NOT_ALLOWED, MQRC_HCONN_ASYNC_ACTIVE, MQRC_ENVIRONMENT_ERROR, MQRC_NO_CALLBACKS_ACTIVE,
+    // MQRC_CONNECTION_STOPPED; warning MQRC_CONNECTION_SUSPENDED.
+    Outcome control(MQLONG operation, MQPTR connectionArea);
 
     // ---- The reconnection; the caller has the connection ----
 
@@ -80,12 +99,14 @@ private:
         MQLONG delay = 0; // as the handler leaves it
         bool given = false;
     };
+    enum class Stage { Stopped, Started, Suspended };
     struct Call {
         Callback callback;
         MQLONG type = MQCBCT_EVENT_CALL;
         Outcome what;
         MQLONG delay = 0;
         Answer *answer = nullptr; // null: nobody waits
+        MQHOBJ hobj = MQHO_NONE;
     };
 
     void run();
@@ -100,9 +121,15 @@ private:
     [[nodiscard]] bool mustReconnect() const;
     void reconnect(std::unique_lock<std::mutex> &lock);
     void wake();
+    Outcome start(std::unique_lock<std::mutex> &lock, MQLONG operation, MQPTR connectionArea);
+    void reach(std::unique_lock<std::mutex> &lock, Stage stage);
+    void changeStage(std::unique_lock<std::mutex> &lock);
+    store::Deadline consumeOnce(std::unique_lock<std::mutex> &lock, const store::Watch &watch);
 
     const MQHCONN hconn_;
     const bool reconnects_;
+    std::atomic<bool> &consumes_;
+    std::shared_ptr<Consuming> consuming_; // set by who has the connection, before it is started
 
     std::mutex mutex_; // guards all that follows
     std::condition_variable changed_;
@@ -113,6 +140,13 @@ private:
     bool running_ = false;      // a callback
     Call *answering_ = nullptr; // the call that is running, if somebody waits for it
     bool ending_ = false;
+    Stage wanted_ = Stage::Stopped; // by the program
+    Stage stage_ = Stage::Stopped;
+    std::uint64_t starts_ = 0;  // how often the stage was Started
+    bool startRefused_ = false; // the last time, a start call has stopped it
+    bool waits_ = false;        // a thread waits in MQOP_START_WAIT
+    MQLONG ended_ = MQRC_NONE;  // why no more could be consumed
+    MQPTR connectionArea_ = nullptr;
     std::thread thread_;
 };
 

@@ -23,6 +23,8 @@ struct ConnectionEntry {
     std::uint32_t place = 0;
     // What calls look at before they wait for the lock; see Special.
     std::atomic<std::uint32_t> special{0};
+    // Consumers of messages have the connection: only the thread that calls them may use it.
+    std::atomic<bool> consumes{false};
     // The handle that is being disconnected; a futex word.
     std::atomic<MQHCONN> leaving{0};
 };
@@ -115,6 +117,7 @@ MQHCONN addConnection(std::unique_ptr<Connection> connection)
     const bool neverBlocks = (connection->options & MQCNO_HANDLE_SHARE_NO_BLOCK) != 0;
     entry->special.store(neverBlocks ? special::neverBlocks : 0, std::memory_order_relaxed);
     entry->leaving.store(0, std::memory_order_relaxed);
+    entry->consumes.store(false, std::memory_order_relaxed);
     entry->hconn = static_cast<MQHCONN>(number << placeBits | entry->place);
     connection->hconn = entry->hconn;
     connection->leaving = &entry->leaving;
@@ -135,11 +138,15 @@ ConnectionUse::ConnectionUse(MQHCONN hconn, When when) : outcome_(failure(MQRC_H
     ConnectionEntry *entry = entryOf(hconn);
     if (entry == nullptr) return;
 
-    bool waits = when == When::Mine;
+    bool waits = when != When::Free;
     if (const std::uint32_t found = entry->special.load(std::memory_order_relaxed); found != 0) [[unlikely]] {
         if ((found & special::neverBlocks) != 0) waits = false;
         if ((found & special::hasCallbacks) != 0 && !Callbacks::mayWaitFor(hconn)) {
             outcome_ = failure(MQRC_CALL_IN_PROGRESS);
+            return;
+        }
+        if (entry->consumes && when == When::Mine && !Callbacks::onThreadOf(hconn)) {
+            outcome_ = failure(MQRC_HCONN_ASYNC_ACTIVE);
             return;
         }
     }
@@ -166,6 +173,14 @@ bool wasInterrupted(MQHCONN hconn, const Outcome &outcome)
     return entry->hconn == hconn && isInterrupted(*entry->connection, outcome);
 }
 
+std::shared_ptr<Callbacks> ConnectionUse::consumingCallbacks(MQHCONN hconn)
+{
+    ConnectionEntry *entry = entryOf(hconn);
+    if (entry == nullptr || !entry->consumes) return nullptr;
+    const std::lock_guard lock(entry->inUse);
+    return entry->hconn == hconn ? entry->connection->callbacks : nullptr;
+}
+
 void ConnectionUse::announceRemoval(MQHCONN hconn)
 {
     if (ConnectionEntry *entry = entryOf(hconn)) {
@@ -177,8 +192,8 @@ void ConnectionUse::announceRemoval(MQHCONN hconn)
 const std::shared_ptr<Callbacks> &ConnectionUse::callbacks()
 {
     if (connection_->callbacks == nullptr) {
-        connection_->callbacks =
-            std::make_shared<Callbacks>(connection_->hconn, connection_->store->watch(), connection_->follows());
+        connection_->callbacks = std::make_shared<Callbacks>(connection_->hconn, connection_->store->watch(),
+                                                             connection_->follows(), entry_->consumes);
         entry_->special.fetch_or(special::hasCallbacks, std::memory_order_relaxed);
     }
     return connection_->callbacks;

@@ -27,8 +27,9 @@ MQHCONN addConnection(std::unique_ptr<Connection> connection);
 class ConnectionUse {
 public:
     enum class When {
-        Mine, // waits for its turn, unless the connection was made with MQCNO_HANDLE_SHARE_NO_BLOCK
-        Free, // not found while another call uses the connection
+        Mine,    // waits for its turn, unless the connection was made with MQCNO_HANDLE_SHARE_NO_BLOCK
+        Free,    // not found while another call uses the connection
+        Control, // like Mine, also while consumers of messages have the connection
     };
     explicit ConnectionUse(MQHCONN hconn, When when = When::Mine);
     // The end of a call is where requests to the queue manager are served.
@@ -37,7 +38,8 @@ public:
     ConnectionUse &operator=(const ConnectionUse &) = delete;
 
     // Whether the call may go on. MQRC_HCONN_ERROR; MQRC_CALL_IN_PROGRESS where it does not wait, or is made by a
-    // callback that the connection waits for; what checkConnection (reconnect.h) says.
+    // callback that the connection waits for; MQRC_HCONN_ASYNC_ACTIVE while consumers have it, except for their own
+    // thread; what checkConnection (reconnect.h) says.
     const Outcome &outcome() const { return outcome_; }
     // The connection exists, whether or not its queue manager still runs.
     bool found() const { return lock_.owns_lock(); }
@@ -50,6 +52,9 @@ public:
 
     // The connection's callbacks, made at the first use.
     const std::shared_ptr<Callbacks> &callbacks();
+
+    // Those of a connection whose consumers have it at the moment; null where that is not so.
+    static std::shared_ptr<Callbacks> consumingCallbacks(MQHCONN hconn);
 
     // Lets a reconnection end that the connection is in: it is about to be disconnected.
     static void announceRemoval(MQHCONN hconn);

@@ -22,6 +22,7 @@ constexpr Prefix prefixes[] = {
     {"MQPMO_", OptionField::Put},       {"MQGMO_", OptionField::Get},  {"MQMO_", OptionField::Match},
     {"MQRO_", OptionField::Report},     {"MQMF_", OptionField::Flags}, {"MQBO_", OptionField::Begin},
     {"MQCBDO_", OptionField::Callback},
+    {"MQCTLO_", OptionField::Control},
 };
 
 // Names of the prefixes that are no option bits.

@@ -1,0 +1,96 @@
+// Message consumers: what MQCB registers on object handles, and the getting of messages for them.
+//
+// Messages are got as the program itself would get them, by MQGET on the connection's own thread (core/callbacks.h), so
+// that selection, conversion, properties and units of work are those of MQGET. Consumers take turns.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "cmqc.h"
+#include "qmgr/core/callbacks.h"
+#include "qmgr/core/connections.h"
+#include "qmgr/core/consuming.h"
+#include "qmgr/store/message.h"
+
+namespace mqrig::qmgr::api {
+
+// A consumer as MQCB describes it.
+struct ConsumerRequest {
+    MQHOBJ hobj = MQHO_NONE;
+    core::Callback callback;
+    MQLONG maxMsgLength = MQCBD_FULL_MSG_LENGTH;
+    MQMD md = {MQMD_DEFAULT}; // as the program gave it, up to its Version
+    MQGMO gmo = {MQGMO_DEFAULT};
+};
+
+class Consumers : public core::Consuming {
+public:
+    Consumers(MQHCONN hconn, core::Callbacks &callbacks) : hconn_(hconn), callbacks_(callbacks) {}
+
+    // The caller has the connection. A registration in place of another keeps the other's area.
+    Outcome add(const ConsumerRequest &request);
+    // MQRC_CALLBACK_NOT_REGISTERED.
+    Outcome remove(MQHOBJ hobj);
+    Outcome suspend(MQHOBJ hobj, bool suspended);
+
+    bool anyActive() const override;
+    void begin(MQPTR connectionArea) override;
+    Done once(const store::Watch &watch) override;
+    void end(MQLONG reason) override;
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    struct Consumer {
+        ConsumerRequest request;
+        std::atomic<bool> suspended{false};
+        std::atomic<bool> gone{false};
+        bool started = false;           // it has had its start call
+        bool browsed = false;           // the first message
+        MQLONG told = MQRC_NONE;        // the reason that it was told of last
+        Clock::time_point waitingSince; // for a message
+        Clock::time_point notBefore;    // the next attempt after a passing trouble
+
+        bool wants(MQLONG option) const { return (request.callback.options & option) != 0; }
+    };
+    using List = std::vector<std::shared_ptr<Consumer>>;
+
+    List list() const;
+    std::shared_ptr<Consumer> find(MQHOBJ hobj) const;
+    void call(const Consumer &consumer, MQLONG type, const Outcome &what, MQLONG state) const;
+    // A turn of one consumer.
+    struct Turn {
+        bool called = false;
+        MQLONG ended = MQRC_NONE;
+    };
+    bool roomFor(std::size_t bytes);
+    Turn turnOf(Consumer &consumer);
+    Turn tell(Consumer &consumer, const Outcome &trouble);
+    Turn nothingFor(Consumer &consumer);
+    bool lookAtQueues(const List &consumers);
+    store::Deadline whenToLookAgain(const List &consumers) const;
+
+    const MQHCONN hconn_;
+    core::Callbacks &callbacks_;
+    mutable std::mutex mutex_; // guards the list itself
+    List consumers_;
+
+    // Of the thread.
+    MQPTR connectionArea_ = nullptr;
+    std::vector<std::byte> buffer_;
+    std::size_t next_ = 0;
+    std::vector<store::QueueId> queues_;
+    bool held_ = false; // somebody holds messages of these queues
+};
+
+// The consumers of a connection, made at the first use.
+Consumers &consumersOf(core::ConnectionUse &use);
+// An object handle is closed: its consumer goes with it.
+void forgetConsumer(core::ConnectionUse &use, MQHOBJ hobj);
+
+} // namespace mqrig::qmgr::api

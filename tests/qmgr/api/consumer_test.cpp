@@ -1,0 +1,495 @@
+// MQCTL and message consumers.
+#include "callback_fixture.h"
+
+#include <atomic>
+#include <cstring>
+#include <future>
+#include <thread>
+
+namespace mqrig::qmgr::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using Bodies = std::vector<std::string>;
+
+class Consumer : public CallbackTest {
+public:
+    static constexpr MQLONG everything = MQOO_INPUT_SHARED | MQOO_OUTPUT | MQOO_BROWSE | MQOO_INQUIRE;
+
+    Consumer()
+        : hconn(connect()), q1(open(hconn, "Q1", everything)), other(connect()), otherQ1(open(other, "Q1", everything))
+    {
+    }
+    // Nobody writes into a diary that is gone.
+    ~Consumer() override { disconnect(hconn); }
+
+    static MQCBD consumerInto(Diary &diary, MQLONG options = MQCBDO_NONE)
+    {
+        MQCBD cbd = handlerInto(diary, options);
+        cbd.CallbackType = MQCBT_MESSAGE_CONSUMER;
+        return cbd;
+    }
+    static MQGMO gmo(MQLONG options = MQGMO_NO_SYNCPOINT)
+    {
+        MQGMO made = gmoWith(options, MQGMO_VERSION_2);
+        made.MatchOptions = MQMO_NONE;
+        return made;
+    }
+    Codes consume(MQLONG options = MQCBDO_NONE)
+    {
+        return manage(hconn, MQOP_REGISTER, consumerInto(diary, options), q1, {MQMD_DEFAULT}, gmo());
+    }
+    static Codes consumerOperation(MQHCONN hconn, MQLONG operation, MQHOBJ hobj)
+    {
+        Codes codes;
+        MQCB(hconn, operation, nullptr, hobj, nullptr, nullptr, &codes.CompCode, &codes.Reason);
+        return codes;
+    }
+    Bodies bodies(std::size_t count)
+    {
+        Bodies found;
+        for (const Told &told : diary.entries(count))
+            found.push_back(told.body);
+        return found;
+    }
+
+    Diary diary;
+    MQHCONN hconn;
+    MQHOBJ q1;
+    MQHCONN other;
+    MQHOBJ otherQ1;
+};
+
+TEST_F(Consumer, GetsWhatIsThereAndWhatComesWhenItIsStarted)
+{
+    put(other, otherQ1, "was there");
+    EXPECT_EQ(consume(), ok);
+    std::this_thread::sleep_for(20ms);
+    EXPECT_EQ(diary.size(), 0U);
+    int area = 0;
+    EXPECT_EQ(control(hconn, MQOP_START, MQCTLO_NONE, &area), ok);
+    diary.entries(1);
+    put(other, otherQ1, "comes");
+    put(other, otherQ1, "");
+    EXPECT_EQ(bodies(3), (Bodies{"was there", "comes", ""}));
+    const Told told = diary.entries(3)[1];
+    EXPECT_EQ(told.hconn, hconn);
+    EXPECT_EQ(told.context.CallType, MQCBCT_MSG_REMOVED);
+    EXPECT_EQ(told.context.Hobj, q1);
+    EXPECT_EQ(told.context.CallbackArea, &diary);
+    EXPECT_EQ(told.context.ConnectionArea, &area);
+    EXPECT_EQ(told.context.CompCode, MQCC_OK);
+    EXPECT_EQ(told.context.Reason, MQRC_NONE);
+    EXPECT_EQ(told.context.DataLength, 5);
+    EXPECT_GE(told.context.BufferLength, 5);
+    EXPECT_EQ(told.md.PutApplType, MQAT_UNIX);
+    EXPECT_EQ(control(hconn, MQOP_STOP), ok);
+    EXPECT_EQ(depth("Q1"), 0);
+}
+
+TEST_F(Consumer, StoppedItGetsNothing)
+{
+    consume();
+    control(hconn, MQOP_START);
+    EXPECT_EQ(control(hconn, MQOP_STOP), ok);
+    EXPECT_EQ(control(hconn, MQOP_STOP), ok);
+    put(other, otherQ1, "x");
+    EXPECT_EQ(get(hconn, q1).body, "x");
+    EXPECT_EQ(diary.size(), 0U);
+}
+
+TEST_F(Consumer, OtherThreadsAreKeptOffTheConnection)
+{
+    consume();
+    control(hconn, MQOP_START);
+    EXPECT_EQ(put(hconn, q1, "x"), failed(MQRC_HCONN_ASYNC_ACTIVE));
+    EXPECT_EQ(commit(hconn), failed(MQRC_HCONN_ASYNC_ACTIVE));
+    EXPECT_EQ(manage(hconn, MQOP_REGISTER, handlerInto(diary)), failed(MQRC_HCONN_ASYNC_ACTIVE));
+    EXPECT_EQ(control(hconn, MQOP_START), failed(MQRC_HCONN_ASYNC_ACTIVE));
+    EXPECT_EQ(control(hconn, MQOP_STOP), ok);
+    EXPECT_EQ(commit(hconn), ok);
+}
+
+TEST_F(Consumer, SuspendingReleasesTheConnectionUntilItIsResumed)
+{
+    consume();
+    EXPECT_EQ(control(hconn, MQOP_SUSPEND), failed(MQRC_OPERATION_NOT_ALLOWED));
+    EXPECT_EQ(control(hconn, MQOP_RESUME), failed(MQRC_OPERATION_NOT_ALLOWED));
+    control(hconn, MQOP_START);
+    EXPECT_EQ(control(hconn, MQOP_SUSPEND), ok);
+    EXPECT_EQ(control(hconn, MQOP_START), failed(MQRC_OPERATION_NOT_ALLOWED));
+    EXPECT_EQ(put(hconn, q1, "x"), ok);
+    EXPECT_EQ(diary.size(), 0U);
+    EXPECT_EQ(control(hconn, MQOP_RESUME), ok);
+    EXPECT_EQ(bodies(1), Bodies{"x"});
+}
+
+TEST_F(Consumer, ControlCallsComeWhereAskedFor)
+{
+    EXPECT_EQ(consume(MQCBDO_REGISTER_CALL | MQCBDO_START_CALL | MQCBDO_STOP_CALL | MQCBDO_DEREGISTER_CALL), ok);
+    EXPECT_EQ(diary.size(), 1U);
+    control(hconn, MQOP_START);
+    EXPECT_EQ(diary.size(), 2U);
+    control(hconn, MQOP_STOP);
+    EXPECT_EQ(diary.size(), 3U);
+    EXPECT_EQ(consumerOperation(hconn, MQOP_DEREGISTER, q1), ok);
+    std::vector<MQLONG> types;
+    for (const Told &told : diary.entries(4)) {
+        types.push_back(told.context.CallType);
+        EXPECT_EQ(told.context.Hobj, q1);
+    }
+    EXPECT_EQ(types,
+              (std::vector<MQLONG>{MQCBCT_REGISTER_CALL, MQCBCT_START_CALL, MQCBCT_STOP_CALL, MQCBCT_DEREGISTER_CALL}));
+    EXPECT_EQ(consumerOperation(hconn, MQOP_DEREGISTER, q1), failed(MQRC_CALLBACK_NOT_REGISTERED));
+}
+
+TEST_F(Consumer, StoppingInTheStartCallIs2528)
+{
+    diary.then = [](MQHCONN its, MQCBC &context) {
+        if (context.CallType == MQCBCT_START_CALL) control(its, MQOP_STOP);
+    };
+    consume(MQCBDO_START_CALL);
+    EXPECT_EQ(control(hconn, MQOP_START), failed(MQRC_CONNECTION_STOPPED));
+    EXPECT_EQ(commit(hconn), ok);
+}
+
+TEST_F(Consumer, ItsCallsJoinTheUnitOfWorkThatItEnds)
+{
+    const MQHOBJ output = open(hconn, "Q1", MQOO_OUTPUT);
+    defineQueue("Q2");
+    const MQHOBJ q2 = open(hconn, "Q2", MQOO_OUTPUT);
+    std::atomic<int> messages{0};
+    std::promise<void> done;
+    diary.then = [&](MQHCONN its, MQCBC &context) {
+        if (context.CallType != MQCBCT_MSG_REMOVED) return;
+        put(its, q2, "forwarded", {MQMD_DEFAULT}, pmoWith(MQPMO_SYNCPOINT));
+        if (++messages == 1) {
+            EXPECT_EQ(backOut(its), ok); // the message comes again
+        } else {
+            EXPECT_EQ(commit(its), ok);
+            done.set_value();
+        }
+    };
+    EXPECT_EQ(manage(hconn, MQOP_REGISTER, consumerInto(diary), q1, {MQMD_DEFAULT}, gmo(MQGMO_SYNCPOINT)), ok);
+    put(hconn, output, "work");
+    control(hconn, MQOP_START);
+    done.get_future().get();
+    control(hconn, MQOP_STOP);
+    EXPECT_EQ(bodies(2), (Bodies{"work", "work"}));
+    EXPECT_EQ(diary.entries(2)[1].md.BackoutCount, 1);
+    EXPECT_EQ(depth("Q1"), 0);
+    EXPECT_EQ(depth("Q2"), 1);
+}
+
+TEST_F(Consumer, SeveralTakeTurnsOneAtATime)
+{
+    defineQueue("Q2");
+    const MQHOBJ q2 = open(hconn, "Q2", everything);
+    std::atomic<int> inside{0};
+    std::atomic<int> most{0};
+    diary.then = [&](MQHCONN, MQCBC &) {
+        most = std::max(most.load(), ++inside);
+        std::this_thread::sleep_for(1ms);
+        --inside;
+    };
+    for (int i = 0; i < 10; ++i) {
+        put(other, otherQ1, "1");
+        put(other, open(other, "Q2", MQOO_OUTPUT), "2");
+    }
+    consume();
+    manage(hconn, MQOP_REGISTER, consumerInto(diary), q2, {MQMD_DEFAULT}, gmo());
+    control(hconn, MQOP_START);
+    const Bodies found = bodies(20);
+    EXPECT_EQ(most, 1);
+    for (std::size_t i = 0; i + 1 < found.size(); i += 2)
+        EXPECT_NE(found[i], found[i + 1]);
+    put(other, open(other, "Q2", MQOO_OUTPUT), "late");
+    EXPECT_EQ(bodies(21).back(), "late");
+}
+
+TEST_F(Consumer, MayRegisterAnotherAndDeregisterItself)
+{
+    defineQueue("Q2");
+    Diary second;
+    std::atomic<MQHOBJ> q2{MQHO_UNUSABLE_HOBJ};
+    diary.then = [&](MQHCONN its, MQCBC &context) {
+        if (context.CallType != MQCBCT_MSG_REMOVED) return;
+        q2 = open(its, "Q2", everything);
+        EXPECT_EQ(manage(its, MQOP_REGISTER, consumerInto(second, MQCBDO_START_CALL), q2, {MQMD_DEFAULT}, gmo()), ok);
+        EXPECT_EQ(consumerOperation(its, MQOP_DEREGISTER, context.Hobj), ok);
+    };
+    consume(MQCBDO_STOP_CALL | MQCBDO_DEREGISTER_CALL);
+    control(hconn, MQOP_START);
+    put(other, otherQ1, "first");
+    EXPECT_EQ(second.entries(1)[0].context.CallType, MQCBCT_START_CALL);
+    put(other, otherQ1, "stays");
+    put(other, open(other, "Q2", MQOO_OUTPUT), "second");
+    EXPECT_EQ(second.entries(2)[1].body, "second");
+    EXPECT_EQ(diary.entries(3)[1].context.CallType, MQCBCT_STOP_CALL);
+    EXPECT_EQ(diary.entries(3)[2].context.CallType, MQCBCT_DEREGISTER_CALL);
+    EXPECT_EQ(depth("Q1"), 1);
+    disconnect(hconn);
+}
+
+TEST_F(Consumer, ClosingItsObjectDeregistersIt)
+{
+    std::promise<Codes> closed;
+    diary.then = [&](MQHCONN its, MQCBC &context) {
+        if (context.CallType != MQCBCT_MSG_REMOVED) return;
+        MQHOBJ hobj = context.Hobj;
+        closed.set_value(close(its, hobj));
+    };
+    consume(MQCBDO_DEREGISTER_CALL);
+    control(hconn, MQOP_START);
+    put(other, otherQ1, "x");
+    EXPECT_EQ(closed.get_future().get(), ok);
+    EXPECT_EQ(diary.entries(2)[1].context.CallType, MQCBCT_DEREGISTER_CALL);
+}
+
+TEST_F(Consumer, DisconnectingStopsIt)
+{
+    consume(MQCBDO_STOP_CALL);
+    control(hconn, MQOP_START);
+    EXPECT_EQ(disconnect(hconn), ok);
+    ASSERT_EQ(diary.size(), 1U);
+    EXPECT_EQ(diary.entries(1)[0].context.CallType, MQCBCT_STOP_CALL);
+}
+
+TEST_F(Consumer, SuspendedItLeavesItsMessages)
+{
+    consume();
+    EXPECT_EQ(consumerOperation(hconn, MQOP_SUSPEND, q1), ok);
+    control(hconn, MQOP_START);
+    put(other, otherQ1, "x");
+    std::this_thread::sleep_for(30ms);
+    EXPECT_EQ(diary.size(), 0U);
+    control(hconn, MQOP_STOP);
+    EXPECT_EQ(consumerOperation(hconn, MQOP_RESUME, q1), ok);
+    control(hconn, MQOP_START);
+    EXPECT_EQ(bodies(1), Bodies{"x"});
+}
+
+// ---- Messages ----
+
+TEST_F(Consumer, WholeMessagesAreDeliveredHoweverLong)
+{
+    alterQueue("Q1", {{MQIA_MAX_Q_DEPTH, 10}});
+    consume();
+    control(hconn, MQOP_START);
+    const std::string large(300000, 'x');
+    put(other, otherQ1, large);
+    put(other, otherQ1, "small");
+    EXPECT_TRUE(bodies(2) == (Bodies{large, "small"}));
+}
+
+TEST_F(Consumer, LongerThanItsBufferTheMessageStays)
+{
+    MQCBD cbd = consumerInto(diary);
+    cbd.MaxMsgLength = 3;
+    diary.then = [&](MQHCONN its, MQCBC &) { control(its, MQOP_STOP); };
+    manage(hconn, MQOP_REGISTER, cbd, q1, {MQMD_DEFAULT}, gmo());
+    put(other, otherQ1, "12345");
+    control(hconn, MQOP_START);
+    const Told told = diary.entries(1)[0];
+    EXPECT_EQ(told.context.CallType, MQCBCT_MSG_NOT_REMOVED);
+    EXPECT_EQ(told.context.CompCode, MQCC_WARNING);
+    EXPECT_EQ(told.context.Reason, MQRC_TRUNCATED_MSG_FAILED);
+    EXPECT_EQ(told.context.DataLength, 5);
+    EXPECT_EQ(told.context.BufferLength, 3);
+    EXPECT_EQ(told.body, "123");
+    EXPECT_EQ(depth("Q1"), 1);
+}
+
+TEST_F(Consumer, TruncatedMessagesAreRemovedWhereAccepted)
+{
+    MQCBD cbd = consumerInto(diary);
+    cbd.MaxMsgLength = 3;
+    manage(hconn, MQOP_REGISTER, cbd, q1, {MQMD_DEFAULT}, gmo(MQGMO_ACCEPT_TRUNCATED_MSG));
+    put(other, otherQ1, "12345");
+    control(hconn, MQOP_START);
+    EXPECT_EQ(diary.entries(1)[0].context.Reason, MQRC_TRUNCATED_MSG_ACCEPTED);
+    EXPECT_EQ(diary.entries(1)[0].context.CallType, MQCBCT_MSG_REMOVED);
+}
+
+TEST_F(Consumer, BrowsingShowsEachMessageOnce)
+{
+    manage(hconn, MQOP_REGISTER, consumerInto(diary), q1, {MQMD_DEFAULT}, gmo(MQGMO_BROWSE_FIRST));
+    put(other, otherQ1, "1");
+    put(other, otherQ1, "2");
+    control(hconn, MQOP_START);
+    diary.entries(2);
+    put(other, otherQ1, "3");
+    EXPECT_EQ(bodies(3), (Bodies{"1", "2", "3"}));
+    EXPECT_EQ(diary.entries(3)[2].context.CallType, MQCBCT_MSG_NOT_REMOVED);
+    EXPECT_EQ(depth("Q1"), 3);
+}
+
+TEST_F(Consumer, TheSelectionHoldsForEachMessage)
+{
+    MQMD wanted = {MQMD_DEFAULT};
+    setBytes(wanted.CorrelId, "WANTED");
+    MQGMO selecting = gmo();
+    selecting.MatchOptions = MQMO_MATCH_CORREL_ID;
+    manage(hconn, MQOP_REGISTER, consumerInto(diary), q1, wanted, selecting);
+    put(other, otherQ1, "not this");
+    put(other, otherQ1, "this", wanted);
+    control(hconn, MQOP_START);
+    put(other, otherQ1, "nor this");
+    put(other, otherQ1, "and this", wanted);
+    EXPECT_EQ(bodies(2), (Bodies{"this", "and this"}));
+}
+
+TEST_F(Consumer, AnIntervalWithoutMessagesIs2033WhereAskedFor)
+{
+    MQGMO waiting = gmo(MQGMO_NO_SYNCPOINT | MQGMO_WAIT);
+    waiting.WaitInterval = 20;
+    manage(hconn, MQOP_REGISTER, consumerInto(diary, MQCBDO_EVENT_CALL), q1, {MQMD_DEFAULT}, waiting);
+    control(hconn, MQOP_START);
+    const Told told = diary.entries(2)[1];
+    EXPECT_EQ(told.context.CallType, MQCBCT_EVENT_CALL);
+    EXPECT_EQ(told.context.Reason, MQRC_NO_MSG_AVAILABLE);
+}
+
+TEST_F(Consumer, InhibitedGetsAreToldOnceAndPass)
+{
+    consume(MQCBDO_EVENT_CALL);
+    alterQueue("Q1", {{MQIA_INHIBIT_GET, MQQA_GET_INHIBITED}});
+    control(hconn, MQOP_START);
+    const Told told = diary.entries(1)[0];
+    EXPECT_EQ(told.context.CallType, MQCBCT_EVENT_CALL);
+    EXPECT_EQ(told.context.Reason, MQRC_GET_INHIBITED);
+    EXPECT_EQ(told.context.State, MQCS_SUSPENDED_TEMPORARY);
+    put(other, otherQ1, "x");
+    alterQueue("Q1", {{MQIA_INHIBIT_GET, MQQA_GET_ALLOWED}});
+    EXPECT_EQ(bodies(2)[1], "x");
+}
+
+TEST_F(Consumer, QuiescingSuspendsWhoAskedForIt)
+{
+    manage(hconn, MQOP_REGISTER, consumerInto(diary, MQCBDO_EVENT_CALL), q1, {MQMD_DEFAULT},
+           gmo(MQGMO_FAIL_IF_QUIESCING));
+    control(hconn, MQOP_START);
+    endQuiesce();
+    EXPECT_EQ(diary.entries(1)[0].context.Reason, MQRC_Q_MGR_QUIESCING);
+    EXPECT_EQ(diary.entries(1)[0].context.State, MQCS_SUSPENDED_USER_ACTION);
+    EXPECT_EQ(control(hconn, MQOP_STOP), ok);
+    EXPECT_EQ(control(hconn, MQOP_START, MQCTLO_FAIL_IF_QUIESCING), failed(MQRC_Q_MGR_QUIESCING));
+}
+
+TEST_F(Consumer, TheEndOfTheQueueManagerStopsIt)
+{
+    Diary events;
+    manage(hconn, MQOP_REGISTER, handlerInto(events));
+    consume(MQCBDO_STOP_CALL);
+    control(hconn, MQOP_START);
+    endImmediate();
+    EXPECT_EQ(diary.entries(1)[0].context.CallType, MQCBCT_STOP_CALL);
+    EXPECT_EQ(events.reasons(2), (std::vector<MQLONG>{MQRC_Q_MGR_STOPPING, MQRC_CONNECTION_BROKEN}));
+    EXPECT_TRUE(comesTrue([&] { return commit(hconn) == failed(MQRC_CONNECTION_BROKEN); }));
+    disconnect(hconn);
+}
+
+TEST_F(Consumer, GoesOnAfterReconnecting)
+{
+    MQHCONN follows = connectWith(MQCNO_RECONNECT_Q_MGR);
+    const MQHOBJ its = open(follows, "Q1", everything);
+    Diary events;
+    manage(follows, MQOP_REGISTER, handlerInto(events));
+    manage(follows, MQOP_REGISTER, consumerInto(diary), its, {MQMD_DEFAULT}, gmo());
+    control(follows, MQOP_START);
+    endToReconnect();
+    start();
+    MQHCONN late = connect();
+    put(late, open(late, "Q1", MQOO_OUTPUT), "after the restart");
+    EXPECT_EQ(bodies(1), Bodies{"after the restart"});
+    EXPECT_TRUE(comesTrue([&] { return events.reasons(2).back() == MQRC_RECONNECTED; }));
+    EXPECT_EQ(disconnect(follows), ok);
+}
+
+TEST_F(Consumer, ALockOfAKilledConnectionDoesNotHideTheMessage)
+{
+    put(other, otherQ1, "locked");
+    EXPECT_EQ(get(other, otherQ1, MQGMO_SYNCPOINT).body, "locked");
+    consume();
+    control(hconn, MQOP_START);
+    std::this_thread::sleep_for(20ms);
+    EXPECT_EQ(diary.size(), 0U);
+    EXPECT_EQ(backOut(other), ok);
+    EXPECT_EQ(bodies(1), Bodies{"locked"});
+}
+
+// ---- MQOP_START_WAIT ----
+
+TEST_F(Consumer, StartWaitReturnsWhenACallbackStops)
+{
+    diary.then = [](MQHCONN its, MQCBC &) { control(its, MQOP_STOP); };
+    consume();
+    put(other, otherQ1, "x");
+    EXPECT_EQ(control(hconn, MQOP_START_WAIT), ok);
+    EXPECT_EQ(diary.size(), 1U);
+    EXPECT_EQ(commit(hconn), ok);
+}
+
+TEST_F(Consumer, StartWaitWithoutConsumersIs2446)
+{
+    EXPECT_EQ(control(hconn, MQOP_START_WAIT), failed(MQRC_NO_CALLBACKS_ACTIVE));
+    diary.then = [](MQHCONN its, MQCBC &context) { consumerOperation(its, MQOP_SUSPEND, context.Hobj); };
+    consume();
+    put(other, otherQ1, "x");
+    EXPECT_EQ(control(hconn, MQOP_START_WAIT), failed(MQRC_NO_CALLBACKS_ACTIVE));
+}
+
+TEST_F(Consumer, StartWaitSuspendedIsTheWarning2521)
+{
+    diary.then = [](MQHCONN its, MQCBC &) { control(its, MQOP_SUSPEND); };
+    consume();
+    put(other, otherQ1, "x");
+    EXPECT_EQ(control(hconn, MQOP_START_WAIT), warned(MQRC_CONNECTION_SUSPENDED));
+}
+
+TEST_F(Consumer, StartWaitInACallbackIs2012)
+{
+    std::promise<Codes> answered;
+    diary.then = [&](MQHCONN its, MQCBC &) { answered.set_value(control(its, MQOP_START_WAIT)); };
+    consume();
+    put(other, otherQ1, "x");
+    control(hconn, MQOP_START);
+    EXPECT_EQ(answered.get_future().get(), failed(MQRC_ENVIRONMENT_ERROR));
+}
+
+// ---- What is refused ----
+
+TEST_F(Consumer, BadHandlesAndOptions)
+{
+    const MQCBD cbd = consumerInto(diary);
+    const MQMD md = {MQMD_DEFAULT};
+    EXPECT_EQ(manage(hconn, MQOP_REGISTER, cbd, 4711, md, gmo()), failed(MQRC_HOBJ_ERROR));
+    const MQHOBJ output = open(hconn, "Q1", MQOO_OUTPUT);
+    EXPECT_EQ(manage(hconn, MQOP_REGISTER, cbd, output, md, gmo()), failed(MQRC_NOT_OPEN_FOR_INPUT));
+    EXPECT_EQ(manage(hconn, MQOP_REGISTER, cbd, output, md, gmo(MQGMO_BROWSE_NEXT)), failed(MQRC_NOT_OPEN_FOR_BROWSE));
+    EXPECT_EQ(manage(hconn, MQOP_REGISTER, cbd, q1, md, gmo(MQGMO_MSG_UNDER_CURSOR)), failed(MQRC_OPTIONS_ERROR));
+    MQMD badMd = md;
+    badMd.Version = 9;
+    EXPECT_EQ(manage(hconn, MQOP_REGISTER, cbd, q1, badMd, gmo()), failed(MQRC_MD_ERROR));
+    MQGMO badGmo = gmo();
+    badGmo.StrucId[0] = 'x';
+    EXPECT_EQ(manage(hconn, MQOP_REGISTER, cbd, q1, md, badGmo), failed(MQRC_GMO_ERROR));
+    EXPECT_EQ(consumerOperation(hconn, MQOP_SUSPEND, q1), failed(MQRC_CALLBACK_NOT_REGISTERED));
+}
+
+TEST_F(Consumer, BadControl)
+{
+    EXPECT_EQ(control(MQHC_UNUSABLE_HCONN, MQOP_START), failed(MQRC_HCONN_ERROR));
+    EXPECT_EQ(control(hconn, 3), failed(MQRC_OPERATION_ERROR));
+    EXPECT_EQ(control(hconn, MQOP_START, 2), failed(MQRC_OPTIONS_ERROR));
+    MQCTLO ctlo = {MQCTLO_DEFAULT};
+    ctlo.Version = 2;
+    Codes codes;
+    MQCTL(hconn, MQOP_START, &ctlo, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, failed(MQRC_CTLO_ERROR));
+    MQCTL(hconn, MQOP_START, nullptr, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, ok);
+}
+
+} // namespace
+} // namespace mqrig::qmgr::testing
