@@ -115,7 +115,8 @@ bool advanceTo(Piece &piece, std::size_t place)
 
 bool convertArray(Piece &piece, std::size_t place, std::size_t count, std::span<const Field> fields, std::size_t end)
 {
-    if (place > end || (end - place) / sizeOf(fields) < count) return piece.fail(MQRC_FORMAT_ERROR);
+    const std::size_t each = sizeOf(fields);
+    if (each == 0 || place > end || (end - place) / each < count) return piece.fail(MQRC_FORMAT_ERROR);
     if (!advanceTo(piece, place)) return false;
     for (; count != 0; --count)
         if (!convertFields(piece, fields)) return false;

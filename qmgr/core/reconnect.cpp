@@ -100,6 +100,8 @@ private:
         if (!same && sameQueueManagerOnly()) return MQRC_RECONNECT_QMID_MISMATCH;
         const bool restored = connection_.handles.forEach([&](OpenObject &object) {
             if (!same) object.cursor.reset();
+            object.locked.reset();
+            object.marks = {};
             return !reopenObject(connection_, object).failed();
         });
         return restored ? MQRC_NONE : MQRC_RECONNECT_FAILED;
