@@ -183,6 +183,8 @@ PcfFault checkOptional(const Row &row, const PcfParameter &parameter, std::span<
 PcfFault checkParameters(const Row &row, std::span<const PcfParameter> parameters)
 {
     if (const PcfFault fault = checkRequired(row, parameters)) return fault;
+    const bool takesNoMore = row.optional.empty() && row.beside == Beside::Nothing;
+    if (takesNoMore && parameters.size() > row.required.size()) return {MQRCCF_PARM_COUNT_TOO_BIG};
     for (std::size_t i = row.required.size(); i < parameters.size(); ++i)
         if (const PcfFault fault = checkOptional(row, parameters[i], parameters.first(i))) return fault;
     return {};
@@ -208,10 +210,10 @@ PcfAnswer runPcf(store::Attachment &attachment, const PcfRequest &request)
     return replies.finish();
 }
 
-PcfAnswer refusePcf(MQLONG reason)
+PcfAnswer refusePcf(const PcfFault &fault)
 {
     PcfReplies replies(MQCFH{});
-    replies.fail({reason});
+    replies.fail(fault);
     return replies.finish();
 }
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "cmqc.h"
+#include "qmgr/command/pcf_reader.h"
 #include "qmgr/store/attachment.h"
 
 namespace mqrig::qmgr::command {
@@ -36,7 +37,7 @@ struct PcfAnswer {
 // The attachment is the connection on which everything is done.
 PcfAnswer runPcf(store::Attachment &attachment, const PcfRequest &request);
 
-// The answer to a message that is none to be run, for that reason.
-PcfAnswer refusePcf(MQLONG reason);
+// The answer to a message that is none to be run.
+PcfAnswer refusePcf(const PcfFault &fault);
 
 } // namespace mqrig::qmgr::command

@@ -9,6 +9,7 @@
 
 #include "cmqcfc.h"
 #include "qmgr/command/pcf_interpreter.h"
+#include "qmgr/convert/message.h"
 #include "qmgr/core/dead_letter.h"
 #include "qmgr/core/get.h"
 #include "qmgr/core/open.h"
@@ -129,11 +130,42 @@ private:
         if (md.BackoutCount >= mostAttempts) return bury(MQRC_BACKOUT_THRESHOLD_REACHED);
         if (objects::fieldText(md.Format) != objects::fieldText(MQFMT_ADMIN, MQ_FORMAT_LENGTH)) {
             if (!wantsReply(MQCC_FAILED)) return bury(MQRCCF_MD_FORMAT_ERROR);
-            return reply(command::refusePcf(MQRCCF_MD_FORMAT_ERROR));
+            return reply(command::refusePcf({MQRCCF_MD_FORMAT_ERROR}));
         }
-        const command::PcfRequest request{message(), md.Encoding, got_.header.putTime, md.BackoutCount > 0};
-        const command::PcfAnswer answer = command::runPcf(*connection_->store, request);
+        const command::PcfAnswer answer = convertRequest() ? run() : refuseCharacterSet();
         if (wantsReply(answer.CompCode)) reply(answer);
+    }
+
+    command::PcfAnswer run()
+    {
+        const bool repeated = got_.header.md.BackoutCount > 0;
+        return command::runPcf(*connection_->store, {message(), encoding_, got_.header.putTime, repeated});
+    }
+
+    // Brings a request in another character set into the queue manager's own; the byte order is the reader's business.
+    // False where that cannot be.
+    bool convertRequest()
+    {
+        const MQMD &md = got_.header.md;
+        const MQLONG own = connection_->queueManager().codedCharSetId;
+        encoding_ = md.Encoding;
+        if (md.CodedCharSetId == own) return true;
+        const auto length = static_cast<std::size_t>(got_.returnedLength);
+        buffer_.resize(std::max(buffer_.size(), 4 * length)); // texts may grow
+        const convert::Conversion converted = convert::convertMessage(
+            {md.Encoding, md.CodedCharSetId, md.Format, buffer_, length, length}, {{MQENC_NATIVE, own}, own, false});
+        // What is no PCF message is left as it is, for the reader to say what is wrong with it.
+        if (converted.reason == MQRC_FORMAT_ERROR) return true;
+        if (converted.reason != MQRC_NONE) return false;
+        got_.returnedLength = static_cast<MQLONG>(converted.returned);
+        encoding_ = MQENC_NATIVE;
+        return true;
+    }
+
+    command::PcfAnswer refuseCharacterSet()
+    {
+        return command::refusePcf(
+            {MQRCCF_CCSID_ERROR, MQIA_CODED_CHAR_SET_ID, connection_->queueManager().codedCharSetId});
     }
 
     // A request is answered always, a datagram where its report options ask for it.
@@ -194,6 +226,7 @@ private:
     std::unique_ptr<Connection> connection_; // the server's own, made for the first request
     std::vector<std::byte> buffer_;
     GotMessage got_;
+    MQLONG encoding_ = MQENC_NATIVE; // of the message in the buffer
 };
 
 } // namespace

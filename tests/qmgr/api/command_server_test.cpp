@@ -258,6 +258,48 @@ TEST_F(CommandServer, LongRequestAndManyRepliesAreNoMatter)
     EXPECT_EQ(reasons(), std::vector<MQLONG>(300, MQRC_NONE));
 }
 
+TEST_F(CommandServer, RequestInTheOtherByteOrderIsRun)
+{
+    MQCFH header = {MQCFH_DEFAULT};
+    header.Command = MQCMD_CREATE_Q;
+    PcfWriter writer(header, MQENC_INTEGER_NORMAL);
+    writer.text(MQCA_Q_NAME, "BIG.ENDIAN");
+    writer.integer(MQIA_Q_TYPE, MQQT_LOCAL);
+    MQMD md = requestMd();
+    md.Encoding = MQENC_INTEGER_NORMAL;
+    send(writer.message(), md);
+    EXPECT_EQ(reasons(), done);
+    EXPECT_EQ(depth("BIG.ENDIAN"), 0);
+}
+
+TEST_F(CommandServer, RequestInAnotherCharacterSetIsRun)
+{
+    MQCFH header = {MQCFH_DEFAULT};
+    header.Command = MQCMD_CREATE_Q;
+    PcfWriter writer(header);
+    writer.text(MQCA_Q_NAME, "\xc5\xc2\xc3"); // "EBC" in character set 500
+    writer.integer(MQIA_Q_TYPE, MQQT_LOCAL);
+    MQMD md = requestMd();
+    md.CodedCharSetId = 500;
+    send(writer.message(), md);
+    EXPECT_EQ(reasons(), done);
+    EXPECT_EQ(depth("EBC"), 0);
+}
+
+TEST_F(CommandServer, CharacterSetThatNobodyKnowsIsRefusedWithTheQueueManagers)
+{
+    MQMD md = requestMd();
+    md.CodedCharSetId = 9999;
+    send(onQueue(MQCMD_CREATE_Q, "NEW.QUEUE"), md);
+    const Got got = get(hconn, replies);
+    const auto read =
+        command::readPcf({reinterpret_cast<const std::byte *>(got.body.data()), got.body.size()}, MQENC_NATIVE);
+    EXPECT_EQ(read.header.Reason, MQRCCF_CCSID_ERROR);
+    ASSERT_EQ(read.parameters.size(), 1U);
+    EXPECT_EQ(read.parameters[0].id, MQIA_CODED_CHAR_SET_ID);
+    EXPECT_THAT(read.parameters[0].numbers, ElementsAre(1208));
+}
+
 TEST_F(CommandServer, MessageOfAnotherFormatIsRefused)
 {
     MQMD md = requestMd();

@@ -78,7 +78,7 @@ TEST_F(PcfInterpreter, BrokenMessagesAreAnsweredWithTheReadersFault)
 
 TEST_F(PcfInterpreter, RefusalHasTheReasonGiven)
 {
-    const PcfAnswer answer = refusePcf(MQRCCF_MD_FORMAT_ERROR);
+    const PcfAnswer answer = refusePcf({MQRCCF_MD_FORMAT_ERROR});
     ASSERT_EQ(answer.replies.size(), 2U);
     const ReadPcf first = readPcf(bytesOf(answer.replies[0]), MQENC_NATIVE);
     EXPECT_EQ(first.header.Reason, MQRCCF_MD_FORMAT_ERROR);
@@ -94,6 +94,18 @@ TEST_F(PcfInterpreter, RequiredParametersMustBeThere)
               PcfFault{MQRCCF_PARM_COUNT_TOO_SMALL});
     EXPECT_EQ(faultOfCommand(MQCMD_INQUIRE_Q, [](PcfWriter &w) { w.integer(MQIA_Q_TYPE, MQQT_LOCAL); }),
               about(MQRCCF_PARM_MISSING, MQCA_Q_NAME));
+}
+
+TEST_F(PcfInterpreter, CommandThatTakesNoMoreParametersRefusesThem)
+{
+    EXPECT_EQ(faultOfCommand(MQCMD_PING_Q_MGR, [](PcfWriter &w) { w.integer(1, 1); }),
+              PcfFault{MQRCCF_PARM_COUNT_TOO_BIG});
+    EXPECT_EQ(faultOfCommand(MQCMD_CLEAR_Q,
+                             [](PcfWriter &w) {
+                                 w.text(MQCA_Q_NAME, "Q");
+                                 w.integer(MQIA_Q_TYPE, MQQT_LOCAL);
+                             }),
+              PcfFault{MQRCCF_PARM_COUNT_TOO_BIG});
 }
 
 TEST_F(PcfInterpreter, RequiredParametersStandFirstInTheirOrder)
