@@ -23,7 +23,7 @@ rate() {
 }
 
 dump() {
-  NULL_MQI_BODY=$1 LD_LIBRARY_PATH="$PWD/${null_mqi:-$build/bench/null_mqi}" \
+  NULL_MQI_BODY=$1 LD_LIBRARY_PATH="$PWD/$build/bench/null_mqi" \
     "$build/bin/mqrig" -qm Q -q Q -br -n 1 -sz $((size + 1))
 }
 
