@@ -3,7 +3,8 @@
 //   <usr><color>red</color><size dt='i4'>42</size></usr>
 //
 // The folder's name and the elements below it make the names of the properties. Characters that an element's name may
-// not hold are written as _x0024_ (ISO 9075-14), those of values as entities and character references.
+// not hold are written as _x0024_ (ISO 9075-14), those of values as entities and character references. A dot inside an
+// element's name is _x002E_ in the property's name too, where a dot parts elements.
 //
 // How to add an attribute: a row in attributesOf of folder_reader.cpp, and its text in folder_writer.cpp.
 #pragma once

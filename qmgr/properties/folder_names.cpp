@@ -66,6 +66,8 @@ std::optional<Escape> escapeAt(std::string_view text)
     unsigned value = 0;
     const auto read = std::from_chars(text.data() + digitsAt, text.data() + end, value, 16);
     if (read.ptr != text.data() + end || value > 0x10FFFF || (value >= 0xD800 && value <= 0xDFFF)) return std::nullopt;
+    // A dot would part the name: it stays as it is written.
+    if (value == '.') return std::nullopt;
     return Escape{value, end + 1};
 }
 
@@ -122,11 +124,14 @@ void appendElementName(std::string_view element, std::string &text)
 void appendDecodedName(std::string_view element, std::string &name)
 {
     for (std::size_t at = 0; at < element.size();) {
-        const std::size_t plain = std::min(element.find('_', at), element.size());
+        const std::size_t plain = std::min(element.find_first_of("_.", at), element.size());
         name.append(element.substr(at, plain - at));
         at = plain;
         if (at == element.size()) return;
-        if (const auto escape = escapeAt(element.substr(at))) {
+        if (element[at] == '.') {
+            name.append("_x002E_");
+            ++at;
+        } else if (const auto escape = escapeAt(element.substr(at))) {
             appendCharacter(name, escape->character);
             at += escape->length;
         } else {

@@ -83,7 +83,8 @@ TEST(FolderReader, TypesAreThoseOfTheirAttribute)
                                      {"int", MQTYPE_INT64},
                                      {"r4", MQTYPE_FLOAT32},
                                      {"r8", MQTYPE_FLOAT64}}) {
-        const Property property = only("<usr><a dt='" + std::string(word) + (type == MQTYPE_BYTE_STRING ? "'>01" : "'>1") + "</a></usr>");
+        const Property property =
+            only("<usr><a dt='" + std::string(word) + (type == MQTYPE_BYTE_STRING ? "'>01" : "'>1") + "</a></usr>");
         EXPECT_EQ(property.type, type) << word;
         EXPECT_EQ(property.typeName, "") << word;
     }
@@ -109,6 +110,8 @@ TEST(FolderReader, EscapesAreResolved)
     EXPECT_EQ(only("<usr><a_x0024_b>1</a_x0024_b></usr>").name, "a$b");
     EXPECT_EQ(only("<usr><_x005F_x0024_>1</_x005F_x0024_></usr>").name, "_x0024_");
     EXPECT_EQ(only("<usr><a_xZZ_>1</a_xZZ_></usr>").name, "a_xZZ_");
+    EXPECT_EQ(only("<usr><a.b.>1</a.b.></usr>").name, "a_x002E_b_x002E_") << "no element of its own";
+    EXPECT_EQ(only("<usr><a_x002E_>1</a_x002E_></usr>").name, "a_x002E_");
 }
 
 TEST(FolderReader, DescriptorsComeFromAttributes)

@@ -1,0 +1,37 @@
+// The folder parser: whatever is read is written and read again, and is the same.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "qmgr/properties/folder.h"
+#include "qmgr/properties/property_name.h"
+#include "qmgr/properties/utf8.h"
+
+using namespace mqrig::qmgr::properties;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const std::string_view text(reinterpret_cast<const char *>(data), size);
+    // Folders that are no UTF-8 are refused before they are read.
+    if (!countCharacters(text)) return 0;
+    std::vector<Property> read;
+    if (readFolder(text, read) != FolderKind::Properties || read.empty()) return 0;
+
+    const std::string_view folder = folderOf(read.front().name);
+    std::vector<const Property *> pointers;
+    for (const Property &property : read) {
+        if (folderOf(property.name) != folder) return 0;
+        pointers.push_back(&property);
+    }
+    std::string written;
+    writeFolder(folder, pointers, written);
+    std::vector<Property> again;
+    if (readFolder(written, again) != FolderKind::Properties || again.size() != read.size()) std::abort();
+    for (std::size_t i = 0; i < read.size(); ++i)
+        if (again[i].name != read[i].name || again[i].type != read[i].type) std::abort();
+    return 0;
+}
