@@ -42,7 +42,8 @@ struct Connection {
     ObjectHandles handles;
     MessageHandles messageHandles;
     UnitOfWork unit;
-    bool begun = false; // by MQBEGIN
+    bool begun = false;      // by MQBEGIN
+    bool triggering = false; // a trigger message is being put, which triggers nothing itself
 
     MQLONG options; // MQCNO_
     ProcessIdentity identity;

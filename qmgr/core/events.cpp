@@ -6,7 +6,6 @@
 
 #include <unistd.h>
 
-#include "cmqcfc.h"
 #include "qmgr/command/pcf_writer.h"
 #include "qmgr/core/private_unit.h"
 #include "qmgr/core/system_put.h"
@@ -43,8 +42,18 @@ void send(Connection &connection, std::string_view queue, const PcfWriter &event
     store::NewMessage message{};
     message.header.md = queueManagerDescriptor(connection, MQFMT_EVENT);
     message.body = {reinterpret_cast<const std::byte *>(body.data()), body.size()};
-    PrivateUnit unit(*connection.store);
+    PrivateUnit unit(connection);
     if (!putByQueueManager(connection, *unit, found.hold, message).failed()) (void)unit.commit();
+}
+
+// For want of memory an event is lost like any other that finds no place.
+template <class Make>
+void quietly(Make &&make) noexcept
+{
+    try {
+        make();
+    } catch (...) { // NOLINT(bugprone-empty-catch)
+    }
 }
 
 // ---- Performance ----
@@ -74,6 +83,28 @@ bool turnSwitches(store::Attachment &store, const objects::QueueDefinition &queu
             return success();
         });
     return !turned.failed();
+}
+
+void makePerformanceEvent(Connection &connection, const objects::QueueDefinition &queue, MQLONG reason)
+{
+    if (connection.queueManager().performanceEvent != MQEVR_ENABLED) return;
+    if (!turnSwitches(*connection.store, queue, reason)) return;
+    store::QueueStatus statistics;
+    const Outcome taken = connection.store->update(0, [&](store::WriteTransaction &transaction) {
+        statistics = transaction.resetStatistics(queue.id);
+        return success();
+    });
+    if (taken.failed()) return;
+
+    constexpr std::int64_t microseconds = 1'000'000;
+    PcfWriter event = eventOf(connection, MQCMD_PERFM_EVENT, reason);
+    event.text(MQCA_BASE_Q_NAME, queue.object.name(), MQ_Q_NAME_LENGTH);
+    event.integer(MQIA_TIME_SINCE_RESET,
+                  static_cast<MQLONG>((store::currentTime() - statistics.resetTime) / microseconds));
+    event.integer(MQIA_HIGH_Q_DEPTH, static_cast<MQLONG>(statistics.highDepth));
+    event.integer(MQIA_MSG_ENQ_COUNT, static_cast<MQLONG>(statistics.enqueued));
+    event.integer(MQIA_MSG_DEQ_COUNT, static_cast<MQLONG>(statistics.dequeued));
+    send(connection, performanceEvents, event);
 }
 
 // ---- Calls that fail ----
@@ -122,36 +153,12 @@ void nameBaseQueue(PcfWriter &event, MQLONG reason, const EventObject &object)
     if (reason == MQRC_ALIAS_BASE_Q_TYPE_ERROR) event.integer(MQIA_Q_TYPE, object.baseType);
 }
 
-} // namespace
-
-void performanceEvent(Connection &connection, const objects::QueueDefinition &queue, MQLONG reason)
+void makeCallEvent(Connection &connection, MQLONG reason, const EventObject &object)
 {
-    if (connection.queueManager().performanceEvent != MQEVR_ENABLED) return;
-    if (!turnSwitches(*connection.store, queue, reason)) return;
-    store::QueueStatus statistics;
-    const Outcome taken = connection.store->update(0, [&](store::WriteTransaction &transaction) {
-        statistics = transaction.resetStatistics(queue.id);
-        return success();
-    });
-    if (taken.failed()) return;
-
-    constexpr std::int64_t microseconds = 1'000'000;
-    PcfWriter event = eventOf(connection, MQCMD_PERFM_EVENT, reason);
-    event.text(MQCA_BASE_Q_NAME, queue.object.name(), MQ_Q_NAME_LENGTH);
-    event.integer(MQIA_TIME_SINCE_RESET,
-                  static_cast<MQLONG>((store::currentTime() - statistics.resetTime) / microseconds));
-    event.integer(MQIA_HIGH_Q_DEPTH, static_cast<MQLONG>(statistics.highDepth));
-    event.integer(MQIA_MSG_ENQ_COUNT, static_cast<MQLONG>(statistics.enqueued));
-    event.integer(MQIA_MSG_DEQ_COUNT, static_cast<MQLONG>(statistics.dequeued));
-    send(connection, performanceEvents, event);
-}
-
-void callEvent(Connection &connection, const Outcome &outcome, const EventObject &object)
-{
-    if (!outcome.failed() || switchOf(connection.queueManager(), outcome.Reason) != MQEVR_ENABLED) return;
-    PcfWriter event = eventOf(connection, MQCMD_Q_MGR_EVENT, outcome.Reason);
+    if (switchOf(connection.queueManager(), reason) != MQEVR_ENABLED) return;
+    PcfWriter event = eventOf(connection, MQCMD_Q_MGR_EVENT, reason);
     nameObject(event, object.name);
-    nameBaseQueue(event, outcome.Reason, object);
+    nameBaseQueue(event, reason, object);
     if (!object.xmitQueue.empty()) event.text(MQCA_XMIT_Q_NAME, object.xmitQueue, MQ_Q_NAME_LENGTH);
     event.integer(MQIA_APPL_TYPE, MQAT_DEFAULT);
     event.text(MQCACF_APPL_NAME, objects::fieldText(connection.identity.putApplName), MQ_APPL_NAME_LENGTH);
@@ -161,7 +168,7 @@ void callEvent(Connection &connection, const Outcome &outcome, const EventObject
     send(connection, queueManagerEvents, event);
 }
 
-void startEvent(Connection &connection)
+void makeStartEvent(Connection &connection)
 {
     if (connection.queueManager().startStopEvent != MQEVR_ENABLED) return;
     PcfWriter event = eventOf(connection, MQCMD_Q_MGR_EVENT, MQRC_Q_MGR_ACTIVE);
@@ -171,12 +178,33 @@ void startEvent(Connection &connection)
     send(connection, queueManagerEvents, event);
 }
 
-void stopEvent(Connection &connection, MQLONG qualifier)
+void makeStopEvent(Connection &connection, MQLONG qualifier)
 {
     if (connection.queueManager().startStopEvent != MQEVR_ENABLED) return;
     PcfWriter event = eventOf(connection, MQCMD_Q_MGR_EVENT, MQRC_Q_MGR_NOT_ACTIVE);
     event.integer(MQIACF_REASON_QUALIFIER, qualifier);
     send(connection, queueManagerEvents, event);
+}
+
+} // namespace
+
+void performanceEvent(Connection &connection, const objects::QueueDefinition &queue, MQLONG reason) noexcept
+{
+    quietly([&] { makePerformanceEvent(connection, queue, reason); });
+}
+void callEvent(Connection &connection, const Outcome &outcome, const EventObject &object) noexcept
+{
+    if (outcome.failed()) quietly([&] { makeCallEvent(connection, outcome.Reason, object); });
+}
+
+void startEvent(Connection &connection) noexcept
+{
+    quietly([&] { makeStartEvent(connection); });
+}
+
+void stopEvent(Connection &connection, MQLONG qualifier) noexcept
+{
+    quietly([&] { makeStopEvent(connection, qualifier); });
 }
 
 } // namespace mqrig::qmgr::core

@@ -17,6 +17,7 @@
 #include <string_view>
 
 #include "cmqc.h"
+#include "cmqcfc.h"
 #include "qmgr/core/connection.h"
 #include "qmgr/core/open.h"
 #include "qmgr/objects/queue_definition.h"
@@ -39,7 +40,7 @@ inline bool isLow(const objects::QueueDefinition &queue, std::uint32_t depth)
 // MQRC_Q_DEPTH_HIGH, MQRC_Q_DEPTH_LOW or MQRC_Q_FULL has come about on the queue. Each event turns itself off and the
 // others on, in the queue's definition; so of several programs that see a limit crossed one reports it. The statistics
 // of the queue begin anew.
-void performanceEvent(Connection &connection, const objects::QueueDefinition &queue, MQLONG reason);
+void performanceEvent(Connection &connection, const objects::QueueDefinition &queue, MQLONG reason) noexcept;
 
 // What a call that failed was about.
 struct EventObject {
@@ -50,10 +51,10 @@ struct EventObject {
 };
 
 // A call has failed, for a reason that may be an event's; other reasons are passed over.
-void callEvent(Connection &connection, const Outcome &outcome, const EventObject &object);
+void callEvent(Connection &connection, const Outcome &outcome, const EventObject &object) noexcept;
 
-void startEvent(Connection &connection);
+void startEvent(Connection &connection) noexcept;
 // MQRQ_Q_MGR_STOPPING or MQRQ_Q_MGR_QUIESCING.
-void stopEvent(Connection &connection, MQLONG qualifier);
+void stopEvent(Connection &connection, MQLONG qualifier) noexcept;
 
 } // namespace mqrig::qmgr::core

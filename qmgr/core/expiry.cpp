@@ -14,7 +14,7 @@ namespace {
 // report is stored leaves the message as it was, to be met again.
 Outcome reportAndRemove(Connection &connection, const store::MessageKey &key)
 {
-    PrivateUnit unit(*connection.store);
+    PrivateUnit unit(connection);
     unit->roomForGet();
     std::optional<store::MessageHeader> header;
     const Outcome locked = connection.store->update(0, [&](store::WriteTransaction &transaction) {

@@ -1,11 +1,14 @@
 #include "qmgr/core/private_unit.h"
 
+#include "qmgr/core/trigger.h"
+
 namespace mqrig::qmgr::core {
 
 Outcome PrivateUnit::commit()
 {
     if (unit_.empty()) return success();
-    const Outcome committed = store_.commit(unit_.content());
+    const Outcome committed = connection_.store->commit(unit_.content());
+    if (!committed.failed() && committed.Reason != MQRC_BACKED_OUT) triggersCommitted(connection_, unit_);
     unit_.clear();
     return committed.Reason == MQRC_BACKED_OUT ? failure(MQRC_STORAGE_NOT_AVAILABLE) : committed;
 }
@@ -13,7 +16,7 @@ Outcome PrivateUnit::commit()
 void PrivateUnit::backOut()
 {
     if (unit_.empty()) return;
-    (void)store_.backOut(unit_.content());
+    (void)connection_.store->backOut(unit_.content());
     unit_.clear();
 }
 

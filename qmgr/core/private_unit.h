@@ -2,15 +2,15 @@
 // message and the reports about it.
 #pragma once
 
+#include "qmgr/core/connection.h"
 #include "qmgr/core/unit_of_work.h"
-#include "qmgr/store/attachment.h"
 #include "qmgr/store/outcome.h"
 
 namespace mqrig::qmgr::core {
 
 class PrivateUnit {
 public:
-    explicit PrivateUnit(store::Attachment &store) : store_(store) {}
+    explicit PrivateUnit(Connection &connection) : connection_(connection) {}
     // Backed out unless it was committed.
     ~PrivateUnit() { backOut(); }
     PrivateUnit(const PrivateUnit &) = delete;
@@ -25,7 +25,7 @@ public:
     void backOut();
 
 private:
-    store::Attachment &store_;
+    Connection &connection_;
     UnitOfWork unit_;
 };
 

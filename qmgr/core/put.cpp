@@ -14,15 +14,15 @@
 namespace mqrig::qmgr::core {
 namespace {
 
-Outcome putNow(store::Attachment &store, const objects::QueueDefinition &queue, const store::NewMessage &message)
+Outcome putNow(Connection &connection, const objects::QueueDefinition &queue, const store::NewMessage &message)
 {
     store::Ticket ticket = 0;
     // Never 0 bytes, also without a body: what is said to store nothing may use the space that gets need when all else
     // is full.
     const std::size_t bytes = sizeof message.header + message.body.size();
     const Outcome stored = updateWithRoom(
-        store, queue, bytes, [&](store::WriteTransaction &transaction) { ticket = transaction.put(message); });
-    return stored.failed() ? stored : store.harden(ticket);
+        connection, queue, bytes, [&](store::WriteTransaction &transaction) { ticket = transaction.put(message); });
+    return stored.failed() ? stored : connection.store->harden(ticket);
 }
 
 // On a transmission queue a message has not arrived yet.
@@ -46,9 +46,9 @@ Outcome putInUnit(Connection &connection, UnitOfWork &unit, const objects::Queue
 Outcome putOutsideUnitOfWork(Connection &connection, const objects::QueueDefinition &queue,
                              const store::NewMessage &message)
 {
-    if (!reportsArrival(queue, message.header.md)) [[likely]]
-        return putNow(*connection.store, queue, message);
-    PrivateUnit unit(*connection.store);
+    if (!queue.watchesPuts && !reportsArrival(queue, message.header.md)) [[likely]]
+        return putNow(connection, queue, message);
+    PrivateUnit unit(connection);
     const Outcome put = putInUnit(connection, *unit, queue, message);
     return put.failed() ? put : unit.commit();
 }

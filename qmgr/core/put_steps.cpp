@@ -2,10 +2,58 @@
 
 #include <algorithm>
 
+#include "qmgr/core/events.h"
+#include "qmgr/core/trigger.h"
+
 namespace mqrig::qmgr::core {
 namespace {
 
 constexpr std::uint8_t lowestRank = 9;
+
+// `look` sees the queue with the put counted.
+template <class Look>
+Outcome book(Connection &connection, UnitOfWork &unit, const objects::QueueDefinition &queue,
+             const store::NewMessage &message, Look &&look)
+{
+    unit.keepPut(message);
+    Outcome booked = failure(MQRC_STORAGE_NOT_AVAILABLE);
+    try {
+        booked = updateWithRoom(connection, queue, 0, [&](store::WriteTransaction &transaction) {
+            transaction.bookPut(queue.id);
+            look(transaction);
+        });
+    } catch (...) {
+        unit.dropLastPut();
+        throw;
+    }
+    if (booked.failed()) unit.dropLastPut();
+    return booked;
+}
+
+// With what a put on this queue may bring about: a trigger message in the same unit, a depth event.
+Outcome bookWatchedPut(Connection &connection, UnitOfWork &unit, const objects::QueueDefinition &queue,
+                       const store::NewMessage &message)
+{
+    const std::size_t kept = unit.puts();
+    const objects::FoundQueue found = connection.catalog.queue(queue.object.name());
+    if (found.outcome.failed()) return failure(MQRC_Q_DELETED);
+    Trigger trigger(connection, unit, found.hold, TriggerCause::Put);
+    std::uint32_t depth = 0;
+    const Outcome booked = book(connection, unit, queue, message, [&](store::WriteTransaction &transaction) {
+        trigger.judge(transaction, message.header.md.Priority);
+        depth = transaction.queue(queue.id).depth;
+    });
+    if (booked.failed()) return booked;
+    try {
+        trigger.put();
+    } catch (...) {
+        unit.takeBackPuts(*connection.store, kept);
+        throw;
+    }
+    if (queue.depthHighEvent == MQEVR_ENABLED && isHigh(queue, depth))
+        performanceEvent(connection, queue, MQRC_Q_DEPTH_HIGH);
+    return booked;
+}
 
 } // namespace
 
@@ -34,17 +82,8 @@ std::int64_t expiryDeadline(const MQMD &md, std::int64_t putTime)
 Outcome bookPut(Connection &connection, UnitOfWork &unit, const objects::QueueDefinition &queue,
                 const store::NewMessage &message)
 {
-    unit.keepPut(message);
-    Outcome booked = failure(MQRC_STORAGE_NOT_AVAILABLE);
-    try {
-        booked = updateWithRoom(*connection.store, queue, 0,
-                                [&](store::WriteTransaction &transaction) { transaction.bookPut(queue.id); });
-    } catch (...) {
-        unit.dropLastPut();
-        throw;
-    }
-    if (booked.failed()) unit.dropLastPut();
-    return booked;
+    if (queue.watchesPuts) return bookWatchedPut(connection, unit, queue, message);
+    return book(connection, unit, queue, message, [](store::WriteTransaction &) {});
 }
 
 } // namespace mqrig::qmgr::core

@@ -6,6 +6,7 @@
 
 #include "cmqc.h"
 #include "qmgr/core/connection.h"
+#include "qmgr/core/events.h"
 #include "qmgr/objects/queue_definition.h"
 #include "qmgr/store/attachment.h"
 #include "qmgr/store/message.h"
@@ -31,17 +32,20 @@ std::int64_t expiryDeadline(const MQMD &md, std::int64_t putTime);
 
 // Runs `step` in a transaction that has found room on the queue: MQRC_Q_FULL.
 template <class Step>
-Outcome updateWithRoom(store::Attachment &store, const objects::QueueDefinition &queue, std::size_t bytes, Step &&step)
+Outcome updateWithRoom(Connection &connection, const objects::QueueDefinition &queue, std::size_t bytes, Step &&step)
 {
     for (;;) {
-        const Outcome outcome = store.update(bytes, [&](store::WriteTransaction &transaction) {
+        const Outcome outcome = connection.store->update(bytes, [&](store::WriteTransaction &transaction) {
             if (transaction.queue(queue.id).depth >= static_cast<std::uint32_t>(queue.maxDepth))
                 return failure(MQRC_Q_FULL);
             step(transaction);
             return success();
         });
         // What a killed program had booked makes room again.
-        if (outcome.Reason == MQRC_Q_FULL && store.releaseDead()) continue;
+        if (outcome.Reason == MQRC_Q_FULL) {
+            if (connection.store->releaseDead()) continue;
+            if (queue.depthMaxEvent == MQEVR_ENABLED) performanceEvent(connection, queue, MQRC_Q_FULL);
+        }
         return outcome;
     }
 }

@@ -226,7 +226,7 @@ private:
             });
             if (copied.failed()) return copied;
         }
-        PrivateUnit own(store_);
+        PrivateUnit own(connection_);
         UnitOfWork &unit = request_.inUnitOfWork(message.persistent) ? connection_.unit : *own;
         unit.roomForGet();
         if (const Outcome reported = reportDelivery(connection_, unit, got_.key, got_.header); reported.failed())

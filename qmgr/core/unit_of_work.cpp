@@ -5,6 +5,7 @@
 
 #include "qmgr/core/connection.h"
 #include "qmgr/core/reconnect.h"
+#include "qmgr/core/trigger.h"
 
 namespace mqrig::qmgr::core {
 namespace {
@@ -68,6 +69,14 @@ void UnitOfWork::takeBackPuts(store::Attachment &store, std::size_t kept)
     (void)store.backOut({std::span<const store::NewMessage>(puts_).subspan(kept), {}});
     while (puts_.size() > kept)
         dropLastPut();
+    std::erase_if(triggers_, [kept](const UnitTrigger &trigger) { return trigger.put >= kept; });
+}
+
+bool UnitOfWork::hasTriggerOf(store::QueueId queue, MQLONG triggerType) const
+{
+    return std::any_of(triggers_.begin(), triggers_.end(), [&](const UnitTrigger &trigger) {
+        return trigger.queue.queue->id == queue && trigger.queue.queue->triggerType == triggerType;
+    });
 }
 
 void UnitOfWork::roomForGet(std::size_t number)
@@ -78,6 +87,7 @@ void UnitOfWork::roomForGet(std::size_t number)
 
 void UnitOfWork::clear()
 {
+    triggers_.clear();
     emptyList(puts_);
     emptyList(gets_);
     bodies_.clear();
@@ -100,6 +110,10 @@ Outcome commit(Connection &connection)
     }
     if (connection.unit.empty()) return success();
     const Outcome outcome = connection.store->commit(connection.unit.content());
+    if (outcome.Reason == MQRC_BACKED_OUT)
+        triggersBackedOut(connection, connection.unit);
+    else
+        triggersCommitted(connection, connection.unit);
     connection.unit.clear();
     return isInterrupted(connection, outcome) ? warning(MQRC_BACKED_OUT) : outcome;
 }
@@ -112,6 +126,7 @@ Outcome backOut(Connection &connection)
         return success();
     }
     const Outcome outcome = connection.store->backOut(connection.unit.content());
+    triggersBackedOut(connection, connection.unit);
     connection.unit.clear();
     return isInterrupted(connection, outcome) ? success() : outcome;
 }

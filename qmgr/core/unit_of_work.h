@@ -10,8 +10,10 @@
 #include <cstddef>
 #include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
+#include "qmgr/objects/catalog.h"
 #include "qmgr/store/attachment.h"
 #include "qmgr/store/message.h"
 #include "qmgr/store/outcome.h"
@@ -36,6 +38,13 @@ private:
     std::size_t used_ = 0; // of the last block
 };
 
+// A trigger message among the puts of a unit (trigger.h).
+struct UnitTrigger {
+    objects::QueueHold queue; // that was triggered, as it was defined then
+    objects::QueueHold initiation;
+    std::size_t put = 0; // which of the puts it is
+};
+
 class UnitOfWork {
 public:
     bool empty() const { return puts_.empty() && gets_.empty(); }
@@ -54,6 +63,11 @@ public:
     // Takes back the puts behind the first `kept` ones, with their places on their queues.
     void takeBackPuts(store::Attachment &store, std::size_t kept);
 
+    // The last put is a trigger message.
+    void addTrigger(UnitTrigger trigger) { triggers_.push_back(std::move(trigger)); }
+    const std::vector<UnitTrigger> &triggers() const { return triggers_; }
+    bool hasTriggerOf(store::QueueId queue, MQLONG triggerType) const;
+
     void roomForGet(std::size_t number = 1);
     void addGet(const store::TakenMessage &message) { gets_.push_back(message); }
 
@@ -70,6 +84,7 @@ public:
 private:
     std::vector<store::NewMessage> puts_;
     std::vector<store::TakenMessage> gets_;
+    std::vector<UnitTrigger> triggers_;
     BodyMemory bodies_;
     bool lost_ = false;
 };

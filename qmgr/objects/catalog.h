@@ -18,6 +18,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "qmgr/objects/queue_definition.h"
 #include "qmgr/objects/queue_manager_definition.h"
@@ -72,6 +73,13 @@ public:
     }
     bool unchanged(const QueueHold &hold) const { return hold.version == attachment_->definitionVersion(); }
 
+    // ---- For triggering ----
+
+    // The process definition of that name; null if there is none.
+    std::shared_ptr<const ObjectDefinition> process(std::string_view name);
+    // The names of the local queues with TRIGGER whose INITQ is this one.
+    std::vector<std::string> triggeredBy(std::string_view initiationQueue);
+
 private:
     using Known = std::map<std::string, QueueHold, std::less<>>;
 
@@ -91,6 +99,10 @@ private:
     Known reached_; // under names of this queue manager that lead to another queue
     std::shared_ptr<const QueueManagerDefinition> queueManager_;
     std::uint64_t queueManagerVersion_ = 0;
+    std::map<std::string, std::shared_ptr<const ObjectDefinition>, std::less<>> processes_;
+    std::uint64_t processesVersion_ = 0;
+    std::multimap<std::string, std::string, std::less<>> triggeredBy_; // initiation queue, triggered queue
+    std::uint64_t triggeredByVersion_ = 0;
 };
 
 } // namespace mqrig::qmgr::objects

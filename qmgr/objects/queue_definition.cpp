@@ -1,5 +1,6 @@
 #include "qmgr/objects/queue_definition.h"
 
+#include "cmqcfc.h"
 #include "qmgr/objects/object_name.h"
 
 namespace mqrig::qmgr::objects {
@@ -40,6 +41,10 @@ QueueDefinition QueueDefinition::from(ObjectDefinition object, store::QueueId id
     queue.serviceInterval = object.number(MQIA_Q_SERVICE_INTERVAL);
     queue.serviceIntervalEvent = object.number(MQIA_Q_SERVICE_INTERVAL_EVENT);
     queue.definitionType = object.number(MQIA_DEFINITION_TYPE);
+
+    queue.watchesPuts =
+        (queue.triggerControl == MQTC_ON && queue.triggerType != MQTT_NONE) || queue.depthHighEvent == MQEVR_ENABLED;
+    queue.watchesGets = queue.depthLowEvent == MQEVR_ENABLED;
 
     fillField(queue.name, object.name());
     fillField(queue.initiationQueue, object.text(MQCA_INITIATION_Q_NAME));

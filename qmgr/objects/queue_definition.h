@@ -54,6 +54,8 @@ struct QueueDefinition {
     MQLONG serviceInterval = 0;      // milliseconds
     MQLONG serviceIntervalEvent = 0; // MQQSIE_
     MQLONG definitionType = 0;       // MQQDT_
+    bool watchesPuts = false;        // a put may trigger, or make a depth event
+    bool watchesGets = false;        // a get may make a depth event
 
     // Blank-padded, as the MQI's fields want them.
     std::array<char, MQ_Q_NAME_LENGTH> name{};
