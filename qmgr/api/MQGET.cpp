@@ -8,6 +8,7 @@
 #include "qmgr/convert/message.h"
 #include "qmgr/core/connections.h"
 #include "qmgr/core/delivery.h"
+#include "qmgr/core/events.h"
 #include "qmgr/core/get.h"
 #include "qmgr/core/message_handles.h"
 #include "qmgr/objects/object_name.h"
@@ -167,7 +168,10 @@ Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, M
         request.extensionCcsid = use->queueManager().codedCharSetId;
     core::GotMessage got;
     Outcome outcome = core::getMessage(*use, *object, request, got);
-    if (outcome.failed()) return outcome;
+    if (outcome.failed()) {
+        core::callEvent(*use, outcome, *object);
+        return outcome;
+    }
     if ((gmo.Options & MQGMO_CONVERT) != 0 && outcome.Reason != MQRC_TRUNCATED_MSG_FAILED)
         if (const Outcome converted =
                 convertGot(md, gmo.Options, use->queueManager().codedCharSetId, request.buffer, got);

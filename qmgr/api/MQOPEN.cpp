@@ -3,6 +3,7 @@
 #include "qmgr/api/option_table.h"
 #include "qmgr/api/structures.h"
 #include "qmgr/core/connections.h"
+#include "qmgr/core/events.h"
 #include "qmgr/core/open.h"
 
 using namespace mqrig::qmgr;
@@ -53,7 +54,10 @@ Outcome open(MQHCONN Hconn, PMQVOID pObjDesc, MQLONG options, PMQHOBJ pHobj)
     if (const MQLONG reason = api::checkObject(od, selects)) return failure(reason);
 
     const Outcome opened = core::openObject(*use, api::objectName(od), options, *pHobj);
-    if (opened.failed()) return opened;
+    if (opened.failed()) {
+        core::callEvent(*use, opened, api::objectName(od));
+        return opened;
+    }
     tell(*use, *use->handles.find(*pHobj), options, pObjDesc);
     return opened;
 }

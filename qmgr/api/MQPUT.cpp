@@ -7,6 +7,7 @@
 #include "qmgr/api/put_handles.h"
 #include "qmgr/api/structures.h"
 #include "qmgr/core/connections.h"
+#include "qmgr/core/events.h"
 #include "qmgr/core/put.h"
 
 using namespace mqrig::qmgr;
@@ -36,7 +37,10 @@ Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, M
     const objects::QueueDefinition &queue = *object->hold.queue;
     const Outcome outcome = core::putMessage(
         *use, queue, {call.pmo.Options, object->options, call.pmo.Context, &object->logicalOrder}, call.message);
-    if (outcome.failed()) return outcome;
+    if (outcome.failed()) {
+        core::callEvent(*use, outcome, *object);
+        return outcome;
+    }
     if (handles) handles->rememberPut(call);
     api::storePutMd(call.message.header.md, pMsgDesc);
     api::storePmo(api::resolvedNames(*use, queue, api::toldBy(call.pmo)), api::countsOf(queue), pPutMsgOpts);

@@ -6,6 +6,7 @@
 #include "qmgr/api/put_handles.h"
 #include "qmgr/api/structures.h"
 #include "qmgr/core/connections.h"
+#include "qmgr/core/events.h"
 #include "qmgr/core/open.h"
 #include "qmgr/core/put.h"
 
@@ -31,14 +32,20 @@ Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgO
     if (const MQLONG reason = api::checkObject(od, api::Selects::No)) return failure(reason);
 
     const objects::FoundQueue found = core::resolveForPut(*use, api::objectName(od));
-    if (found.outcome.failed()) return found.outcome;
+    if (found.outcome.failed()) {
+        core::callEvent(*use, found.outcome, api::objectName(od));
+        return found.outcome;
+    }
     std::optional<api::PutHandles> handles;
     if (api::usesHandles(call)) [[unlikely]]
         if (const Outcome applied = handles.emplace().apply(Hconn, *use, call); applied.failed()) return applied;
     const objects::QueueDefinition &queue = *found.hold.queue;
     const Outcome outcome =
         core::putMessage(*use, queue, {call.pmo.Options, openOptions, call.pmo.Context, nullptr}, call.message);
-    if (outcome.failed()) return outcome;
+    if (outcome.failed()) {
+        core::callEvent(*use, outcome, api::objectName(od));
+        return outcome;
+    }
     if (handles) handles->rememberPut(call);
     const api::ResolvedNames names = api::resolvedNames(*use, queue, api::toldBy(call.pmo));
     api::storeOd(names, api::countsOf(queue), MQOT_Q, pObjDesc);

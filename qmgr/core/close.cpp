@@ -1,6 +1,8 @@
 #include <memory>
 
 #include "qmgr/core/open.h"
+#include "qmgr/core/trigger.h"
+#include "qmgr/objects/object_name.h"
 
 namespace mqrig::qmgr::core {
 
@@ -19,7 +21,9 @@ Outcome closeObject(Connection &connection, MQHOBJ hobj)
         if (queue.objectId != queue.id) transaction.addOpens(queue.objectId, -opens);
         return success();
     });
-    return counted.failed() ? counted : unfinished;
+    if (counted.failed()) return counted;
+    if (opens.input != 0) triggerAfterClose(connection, objects::fieldText(queue.name));
+    return unfinished;
 }
 
 } // namespace mqrig::qmgr::core

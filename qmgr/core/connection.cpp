@@ -8,6 +8,7 @@
 #include "qmgr/core/callbacks.h"
 #include "qmgr/core/command_server.h"
 #include "qmgr/core/connections.h"
+#include "qmgr/core/events.h"
 #include "qmgr/objects/object_name.h"
 #include "qmgr/objects/system_objects.h"
 #include "qmgr/store/paths.h"
@@ -83,6 +84,7 @@ Outcome connect(const ConnectRequest &request, MQHCONN &hconn)
     auto connection = std::make_unique<Connection>(std::move(attached.attachment), request, storeFolder);
     if (connection->catalog.queueManager() == nullptr) return failure(MQRC_OBJECT_DAMAGED);
     watchRequests(*connection);
+    if (connection->store->announcesStart()) startEvent(*connection);
     hconn = addConnection(std::move(connection));
     return hconn == MQHC_UNUSABLE_HCONN ? failure(MQRC_MAX_CONNS_LIMIT_REACHED) : attached.outcome;
 }

@@ -74,14 +74,15 @@ bool turnSwitches(store::Attachment &store, const objects::QueueDefinition &queu
     const auto *const row = std::find_if(std::begin(rows), std::end(rows),
                                          [reason](const Switches &each) { return each.reason == reason; });
     if (row == std::end(rows)) return false;
-    const Outcome turned =
-        objects::changeDefinition(store, MQOT_Q, queue.object.name(), [&](ObjectDefinition &object, store::QueueId id) {
-            if (id != queue.id || object.number(row->own) != MQEVR_ENABLED) return failure(MQRC_NONE);
-            object.set(row->own, MQEVR_DISABLED);
-            for (const MQLONG other : row->others)
-                object.set(other, MQEVR_ENABLED);
-            return success();
-        });
+    const Outcome turned = objects::changeDefinition(store, MQOT_Q, objects::fieldText(queue.name),
+                                                     [&](ObjectDefinition &object, store::QueueId id) {
+                                                         if (id != queue.id || object.number(row->own) != MQEVR_ENABLED)
+                                                             return failure(MQRC_NONE);
+                                                         object.set(row->own, MQEVR_DISABLED);
+                                                         for (const MQLONG other : row->others)
+                                                             object.set(other, MQEVR_ENABLED);
+                                                         return success();
+                                                     });
     return !turned.failed();
 }
 
@@ -98,7 +99,7 @@ void makePerformanceEvent(Connection &connection, const objects::QueueDefinition
 
     constexpr std::int64_t microseconds = 1'000'000;
     PcfWriter event = eventOf(connection, MQCMD_PERFM_EVENT, reason);
-    event.text(MQCA_BASE_Q_NAME, queue.object.name(), MQ_Q_NAME_LENGTH);
+    event.text(MQCA_BASE_Q_NAME, objects::fieldText(queue.name), MQ_Q_NAME_LENGTH);
     event.integer(MQIA_TIME_SINCE_RESET,
                   static_cast<MQLONG>((store::currentTime() - statistics.resetTime) / microseconds));
     event.integer(MQIA_HIGH_Q_DEPTH, static_cast<MQLONG>(statistics.highDepth));
@@ -146,23 +147,61 @@ void nameObject(PcfWriter &event, const ObjectName &name)
     }
 }
 
-void nameBaseQueue(PcfWriter &event, MQLONG reason, const EventObject &object)
+// The queue that an alias stands for.
+void nameBaseQueue(Connection &connection, PcfWriter &event, MQLONG reason, const ObjectName &name)
 {
-    if (reason != MQRC_UNKNOWN_ALIAS_BASE_Q && reason != MQRC_ALIAS_BASE_Q_TYPE_ERROR) return;
-    event.text(MQCA_BASE_OBJECT_NAME, object.baseQueue, MQ_Q_NAME_LENGTH);
-    if (reason == MQRC_ALIAS_BASE_Q_TYPE_ERROR) event.integer(MQIA_Q_TYPE, object.baseType);
+    const objects::FoundQueue alias = connection.catalog.definition(name.name);
+    if (alias.outcome.failed()) return;
+    const std::string base(alias.hold.queue->object.text(MQCA_BASE_OBJECT_NAME));
+    event.text(MQCA_BASE_OBJECT_NAME, base, MQ_Q_NAME_LENGTH);
+    if (reason != MQRC_ALIAS_BASE_Q_TYPE_ERROR) return;
+    if (const objects::FoundQueue found = connection.catalog.definition(base); !found.outcome.failed())
+        event.integer(MQIA_Q_TYPE, found.hold.queue->type);
 }
 
-void makeCallEvent(Connection &connection, MQLONG reason, const EventObject &object)
+// The transmission queue on the way to a name: that of the remote queue's definition, or the one that is named as the
+// queue manager.
+void nameTransmissionQueue(Connection &connection, PcfWriter &event, const ObjectName &name)
+{
+    std::string queue(name.queueManager);
+    if (const objects::FoundQueue found = connection.catalog.definition(name.name); !found.outcome.failed()) {
+        const ObjectDefinition &remote = found.hold.queue->object;
+        queue = remote.text(MQCA_XMIT_Q_NAME);
+        if (queue.empty()) queue = remote.text(MQCA_REMOTE_Q_MGR_NAME);
+    }
+    event.text(MQCA_XMIT_Q_NAME, queue, MQ_Q_NAME_LENGTH);
+}
+
+// What only events of this reason tell.
+void nameOthers(Connection &connection, PcfWriter &event, MQLONG reason, const ObjectName &name)
+{
+    switch (reason) {
+    case MQRC_UNKNOWN_ALIAS_BASE_Q:
+    case MQRC_ALIAS_BASE_Q_TYPE_ERROR:
+        return nameBaseQueue(connection, event, reason, name);
+    case MQRC_UNKNOWN_XMIT_Q:
+    case MQRC_XMIT_Q_TYPE_ERROR:
+    case MQRC_XMIT_Q_USAGE_ERROR:
+        return nameTransmissionQueue(connection, event, name);
+    case MQRC_UNKNOWN_DEF_XMIT_Q:
+    case MQRC_DEF_XMIT_Q_TYPE_ERROR:
+    case MQRC_DEF_XMIT_Q_USAGE_ERROR:
+        return event.text(MQCA_XMIT_Q_NAME, objects::fieldText(connection.queueManager().defaultXmitQueue),
+                          MQ_Q_NAME_LENGTH);
+    default:
+        return;
+    }
+}
+
+void makeCallEvent(Connection &connection, MQLONG reason, const ObjectName &name)
 {
     if (switchOf(connection.queueManager(), reason) != MQEVR_ENABLED) return;
     PcfWriter event = eventOf(connection, MQCMD_Q_MGR_EVENT, reason);
-    nameObject(event, object.name);
-    nameBaseQueue(event, reason, object);
-    if (!object.xmitQueue.empty()) event.text(MQCA_XMIT_Q_NAME, object.xmitQueue, MQ_Q_NAME_LENGTH);
+    nameObject(event, name);
+    nameOthers(connection, event, reason, name);
     event.integer(MQIA_APPL_TYPE, MQAT_DEFAULT);
     event.text(MQCACF_APPL_NAME, objects::fieldText(connection.identity.putApplName), MQ_APPL_NAME_LENGTH);
-    const std::string_view queueManager = object.name.queueManager;
+    const std::string_view queueManager = name.queueManager;
     if (!queueManager.empty() && queueManager != connection.store->queueManagerName())
         event.text(MQCACF_OBJECT_Q_MGR_NAME, queueManager, MQ_Q_MGR_NAME_LENGTH);
     send(connection, queueManagerEvents, event);
@@ -192,9 +231,16 @@ void performanceEvent(Connection &connection, const objects::QueueDefinition &qu
 {
     quietly([&] { makePerformanceEvent(connection, queue, reason); });
 }
-void callEvent(Connection &connection, const Outcome &outcome, const EventObject &object) noexcept
+void callEvent(Connection &connection, const Outcome &outcome, const ObjectName &name) noexcept
 {
-    if (outcome.failed()) quietly([&] { makeCallEvent(connection, outcome.Reason, object); });
+    if (outcome.failed()) quietly([&] { makeCallEvent(connection, outcome.Reason, name); });
+}
+
+void callEvent(Connection &connection, const Outcome &outcome, const OpenObject &object) noexcept
+{
+    if (object.type != MQOT_Q || object.hold.queue == nullptr) return;
+    const objects::QueueDefinition &queue = *object.hold.queue;
+    callEvent(connection, outcome, ObjectName{MQOT_Q, queue.object.name(), queue.askedQueueManager});
 }
 
 void startEvent(Connection &connection) noexcept

@@ -42,16 +42,12 @@ inline bool isLow(const objects::QueueDefinition &queue, std::uint32_t depth)
 // of the queue begin anew.
 void performanceEvent(Connection &connection, const objects::QueueDefinition &queue, MQLONG reason) noexcept;
 
-// What a call that failed was about.
-struct EventObject {
-    ObjectName name;                 // as in the object descriptor
-    std::string_view baseQueue = {}; // of an alias
-    MQLONG baseType = MQQT_LOCAL;    // of a base queue of the wrong type (MQQT_)
-    std::string_view xmitQueue = {}; // of a remote queue
-};
+// A call about an object has failed, for a reason that may be an event's: other reasons are passed over. `name`: as in
+// the object descriptor.
+void callEvent(Connection &connection, const Outcome &outcome, const ObjectName &name) noexcept;
 
-// A call has failed, for a reason that may be an event's; other reasons are passed over.
-void callEvent(Connection &connection, const Outcome &outcome, const EventObject &object) noexcept;
+// The same for a call on a handle.
+void callEvent(Connection &connection, const Outcome &outcome, const OpenObject &object) noexcept;
 
 void startEvent(Connection &connection) noexcept;
 // MQRQ_Q_MGR_STOPPING or MQRQ_Q_MGR_QUIESCING.

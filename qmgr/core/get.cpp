@@ -5,6 +5,7 @@
 
 #include "qmgr/core/command_server.h"
 #include "qmgr/core/delivery.h"
+#include "qmgr/core/events.h"
 #include "qmgr/core/expiry.h"
 #include "qmgr/core/ordered_get.h"
 #include "qmgr/core/reconnect.h"
@@ -86,6 +87,17 @@ void saveContext(OpenObject &object, const GetRequest &request, const Outcome &o
         object.savedContext = contextOf(got.header.md);
 }
 
+// A get that removed a message may have brought the depth down to the limit of an event.
+void watchDepth(Connection &connection, const objects::QueueDefinition &queue)
+{
+    std::uint32_t depth = 0;
+    const Outcome looked = connection.store->read([&](store::ReadTransaction &transaction) {
+        depth = transaction.queue(queue.id).depth;
+        return success();
+    });
+    if (!looked.failed() && isLow(queue, depth)) performanceEvent(connection, queue, MQRC_Q_DEPTH_LOW);
+}
+
 } // namespace
 
 GotMessage::GotMessage() = default;
@@ -104,6 +116,9 @@ Outcome getMessage(Connection &connection, OpenObject &object, const GetRequest 
         outcome = lookUntilFound(connection, object, request, got);
     }
     if (outcome.failed()) return outcome;
+    const objects::QueueDefinition &queue = *object.hold.queue;
+    if (queue.watchesGets && !request.has(browseOptions) && outcome.Reason != MQRC_TRUNCATED_MSG_FAILED)
+        watchDepth(connection, queue);
     outcome = notePosition(object, request, outcome, got);
     got.header.md.Expiry = remainingExpiry(got.header);
     if (got.unpacked) properties::setForm(got.header.md, got.unpacked->form);

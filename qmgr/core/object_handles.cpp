@@ -31,4 +31,13 @@ std::unique_ptr<OpenObject> ObjectHandles::remove(MQHOBJ hobj)
     return std::move(place.object);
 }
 
+std::vector<MQHOBJ> ObjectHandles::all() const
+{
+    std::vector<MQHOBJ> handles;
+    for (std::size_t place = 0; place < places_.size(); ++place)
+        if (places_[place].object != nullptr)
+            handles.push_back(static_cast<MQHOBJ>(places_[place].uses << placeBits | (place + firstPlace)));
+    return handles;
+}
+
 } // namespace mqrig::qmgr::core

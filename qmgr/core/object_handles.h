@@ -71,6 +71,7 @@ public:
         return true;
     }
     std::size_t size() const { return open_; }
+    std::vector<MQHOBJ> all() const;
 
 private:
     static constexpr unsigned placeBits = 20;

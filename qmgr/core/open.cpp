@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "qmgr/core/trigger.h"
 #include "qmgr/objects/object_name.h"
 
 namespace mqrig::qmgr::core {
@@ -151,10 +152,12 @@ Outcome openObject(Connection &connection, const ObjectName &name, MQLONG option
         connection.handles.remove(added);
         throw;
     }
-    if (outcome.failed())
+    if (outcome.failed()) {
         connection.handles.remove(added);
-    else
-        hobj = added;
+        return outcome;
+    }
+    hobj = added;
+    if (opened.opens.input != 0) triggerAfterOpen(connection, *opened.hold.queue);
     return outcome;
 }
 

@@ -129,7 +129,7 @@ Outcome placeSegments(Connection &connection, const objects::QueueDefinition &qu
     if (own && store::isPersistent(message.header) && (connection.begun || !connection.unit.empty()))
         return failure(MQRC_UOW_NOT_AVAILABLE);
 
-    PrivateUnit privateUnit(*connection.store);
+    PrivateUnit privateUnit(connection);
     UnitOfWork &unit = own ? *privateUnit : request.unit != nullptr ? *request.unit : connection.unit;
     PutRequest segmentRequest = request;
     if (own) segmentRequest.unit = &unit;

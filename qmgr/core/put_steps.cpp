@@ -4,6 +4,7 @@
 
 #include "qmgr/core/events.h"
 #include "qmgr/core/trigger.h"
+#include "qmgr/objects/object_name.h"
 
 namespace mqrig::qmgr::core {
 namespace {
@@ -35,7 +36,7 @@ Outcome bookWatchedPut(Connection &connection, UnitOfWork &unit, const objects::
                        const store::NewMessage &message)
 {
     const std::size_t kept = unit.puts();
-    const objects::FoundQueue found = connection.catalog.queue(queue.object.name());
+    const objects::FoundQueue found = connection.catalog.definition(objects::fieldText(queue.name));
     if (found.outcome.failed()) return failure(MQRC_Q_DELETED);
     Trigger trigger(connection, unit, found.hold, TriggerCause::Put);
     std::uint32_t depth = 0;
@@ -44,11 +45,16 @@ Outcome bookWatchedPut(Connection &connection, UnitOfWork &unit, const objects::
         depth = transaction.queue(queue.id).depth;
     });
     if (booked.failed()) return booked;
+    Outcome triggered = failure(MQRC_STORAGE_NOT_AVAILABLE);
     try {
-        trigger.put();
+        triggered = trigger.put();
     } catch (...) {
         unit.takeBackPuts(*connection.store, kept);
         throw;
+    }
+    if (triggered.failed()) {
+        unit.takeBackPuts(*connection.store, kept);
+        return triggered;
     }
     if (queue.depthHighEvent == MQEVR_ENABLED && isHigh(queue, depth))
         performanceEvent(connection, queue, MQRC_Q_DEPTH_HIGH);

@@ -81,19 +81,6 @@ MQMD reportDescriptor(Connection &connection, const store::MessageHeader &header
     return md;
 }
 
-bool isOfStore(const Outcome &outcome)
-{
-    switch (outcome.Reason) {
-    case MQRC_STORAGE_NOT_AVAILABLE:
-    case MQRC_RESOURCE_PROBLEM:
-    case MQRC_CONNECTION_BROKEN:
-    case MQRC_UNEXPECTED_ERROR:
-        return outcome.failed();
-    default:
-        return false;
-    }
-}
-
 Outcome send(Connection &connection, UnitOfWork &unit, const store::MessageHeader &about, std::size_t bodyLength,
              std::span<const std::byte> part, MQLONG feedback)
 {

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "qmgr/core/trigger.h"
 #include "qmgr/objects/attribute.h"
 #include "qmgr/objects/attribute_value.h"
 #include "qmgr/objects/definition_change.h"
@@ -109,6 +110,7 @@ Outcome set(Connection &connection, OpenObject &object, const SetRequest &reques
         return success();
     };
     const Outcome changed = objects::changeDefinition(*connection.store, MQOT_Q, opened.name(), change);
+    if (!changed.failed()) triggerAfterChange(connection, opened.name());
     return changed.Reason == MQRC_UNKNOWN_OBJECT_NAME ? failure(MQRC_Q_DELETED) : changed;
 }
 

@@ -35,6 +35,19 @@ Outcome book(Connection &connection, UnitOfWork &unit, const objects::QueueDefin
 
 } // namespace
 
+bool isOfStore(const Outcome &outcome)
+{
+    switch (outcome.Reason) {
+    case MQRC_STORAGE_NOT_AVAILABLE:
+    case MQRC_RESOURCE_PROBLEM:
+    case MQRC_CONNECTION_BROKEN:
+    case MQRC_UNEXPECTED_ERROR:
+        return outcome.failed();
+    default:
+        return false;
+    }
+}
+
 MQMD queueManagerDescriptor(Connection &connection, const char *format)
 {
     MQMD md = defaultDescriptor;

@@ -20,6 +20,9 @@
 
 namespace mqrig::qmgr::core {
 
+// Whether a put failed for the store's reasons, not its queue's: what belongs together with it cannot be either.
+bool isOfStore(const Outcome &outcome);
+
 // The descriptor of a message that the queue manager makes: a datagram without identifiers (MsgId is made by the
 // put), priority and persistence as the queue's definition has them, no reply queue, this queue manager in ReplyToQMgr,
 // no identity, this queue manager as its origin, put now. Version 2.

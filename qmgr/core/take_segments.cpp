@@ -52,7 +52,7 @@ Outcome takeLocked(Connection &connection, bool inUnitOfWork, const LogicalMessa
                    const std::vector<store::TakenMessage> &messages)
 {
     LockedGets lock(*connection.store, messages);
-    PrivateUnit own(*connection.store);
+    PrivateUnit own(connection);
     UnitOfWork &unit = inUnitOfWork ? connection.unit : *own;
     unit.roomForGet(messages.size());
     const std::size_t puts = unit.puts();

@@ -46,7 +46,7 @@ MQTM triggerMessage(const objects::QueueDefinition &queue, const objects::Object
 
 void turnOff(store::Attachment &store, const objects::QueueDefinition &queue)
 {
-    (void)objects::changeDefinition(store, MQOT_Q, queue.object.name(),
+    (void)objects::changeDefinition(store, MQOT_Q, objects::fieldText(queue.name),
                                     [&](objects::ObjectDefinition &object, store::QueueId id) {
                                         if (id != queue.id) return failure(MQRC_Q_DELETED);
                                         object.set(MQIA_TRIGGER_CONTROL, MQTC_OFF);
@@ -66,29 +66,29 @@ private:
     Connection &connection_;
 };
 
-// Puts it on the initiation queue, else on the dead-letter queue, else nowhere.
-bool putTriggerMessage(Connection &connection, UnitOfWork &unit, const objects::QueueHold &initiation,
-                       store::NewMessage &message)
+// Puts it on the initiation queue, else on the dead-letter queue. Failed: nowhere.
+Outcome putTriggerMessage(Connection &connection, UnitOfWork &unit, const objects::QueueHold &initiation,
+                          store::NewMessage &message)
 {
     const Triggering triggering(connection);
     const Outcome put = putByQueueManager(connection, unit, initiation, message);
-    if (!put.failed()) return true;
-    const ObjectName destination{MQOT_Q, initiation.queue->object.name(), {}};
-    return !putOnDeadLetterQueue(connection, unit, put.Reason, destination, message).failed();
+    if (!put.failed() || isOfStore(put)) return put;
+    const ObjectName destination{MQOT_Q, objects::fieldText(initiation.queue->name), {}};
+    return putOnDeadLetterQueue(connection, unit, put.Reason, destination, message);
 }
 
-void triggerInOwnUnit(Connection &connection, const objects::QueueHold &queue, TriggerCause cause)
+void triggerInOwnUnit(Connection &connection, std::string_view queue, TriggerCause cause)
 {
-    if (!isOn(*queue.queue) || connection.triggering) return;
+    const objects::FoundQueue found = connection.catalog.definition(queue);
+    if (found.outcome.failed() || found.hold.queue->type != MQQT_LOCAL || !isOn(*found.hold.queue)) return;
     PrivateUnit unit(connection);
-    Trigger trigger(connection, *unit, queue, cause);
+    Trigger trigger(connection, *unit, found.hold, cause);
     const Outcome judged = connection.store->update(0, [&](store::WriteTransaction &transaction) {
         trigger.judge(transaction);
         return success();
     });
     if (judged.failed()) return;
-    trigger.put();
-    (void)unit.commit();
+    if (!trigger.put().failed()) (void)unit.commit();
 }
 
 void turnOffDepthTriggers(Connection &connection, const UnitOfWork &unit)
@@ -106,7 +106,7 @@ void putAgain(Connection &connection, const UnitOfWork &unit)
         // One that went to the dead-letter queue instead is not made again.
         if (!survives || message.key.queue != trigger.initiation.queue->id) continue;
         PrivateUnit again(connection);
-        if (putTriggerMessage(connection, *again, trigger.initiation, message)) (void)again.commit();
+        if (!putTriggerMessage(connection, *again, trigger.initiation, message).failed()) (void)again.commit();
     }
 }
 
@@ -119,7 +119,7 @@ Trigger::Trigger(Connection &connection, UnitOfWork &unit, const objects::QueueH
     if (!isOn(triggered) || connection.triggering || unit.hasTriggerOf(triggered.id, MQTT_DEPTH)) return;
     const std::string_view initiation = objects::fieldText(triggered.initiationQueue);
     if (initiation.empty()) return;
-    objects::FoundQueue found = connection.catalog.queue(initiation);
+    objects::FoundQueue found = connection.catalog.definition(initiation);
     if (found.outcome.failed() || !servesAsInitiationQueue(*found.hold.queue)) return;
     initiation_ = std::move(found.hold);
     const std::string_view process = objects::fieldText(triggered.process);
@@ -176,36 +176,36 @@ void Trigger::judge(store::WriteTransaction &transaction, MQLONG priority)
     if (due_) transaction.noteTrigger(queue_.queue->id);
 }
 
-void Trigger::put()
+Outcome Trigger::put()
 {
-    if (!due_) return;
+    if (!due_) return success();
     const MQTM content = triggerMessage(*queue_.queue, process_.get());
     store::NewMessage message{};
     message.header.md = queueManagerDescriptor(connection_, MQFMT_TRIGGER);
     message.header.md.Persistence = MQPER_NOT_PERSISTENT;
     message.body = {reinterpret_cast<const std::byte *>(&content), sizeof content};
-    if (putTriggerMessage(connection_, unit_, initiation_, message))
-        unit_.addTrigger({queue_, initiation_, unit_.puts() - 1});
+    const Outcome put = putTriggerMessage(connection_, unit_, initiation_, message);
+    if (put.failed()) return isOfStore(put) ? put : success();
+    unit_.addTrigger({queue_, initiation_, unit_.puts() - 1});
+    return success();
 }
 
-void triggerAfterClose(Connection &connection, const objects::QueueHold &queue)
+void triggerAfterClose(Connection &connection, std::string_view queue)
 {
     triggerInOwnUnit(connection, queue, TriggerCause::Close);
 }
 
 void triggerAfterChange(Connection &connection, std::string_view queue)
 {
-    const objects::FoundQueue found = connection.catalog.queue(queue);
-    if (!found.outcome.failed() && found.hold.queue->type == MQQT_LOCAL)
-        triggerInOwnUnit(connection, found.hold, TriggerCause::Change);
+    triggerInOwnUnit(connection, queue, TriggerCause::Change);
 }
 
 void triggerAfterOpen(Connection &connection, const objects::QueueDefinition &initiationQueue)
 {
-    for (const std::string &name : connection.catalog.triggeredBy(initiationQueue.object.name())) {
-        const objects::FoundQueue found = connection.catalog.queue(name);
-        if (!found.outcome.failed()) triggerInOwnUnit(connection, found.hold, TriggerCause::Monitor);
-    }
+    // Requesters open such queues by the thousand; no definition names one.
+    if (initiationQueue.definitionType == MQQDT_TEMPORARY_DYNAMIC) return;
+    for (const std::string &name : connection.catalog.triggeredBy(objects::fieldText(initiationQueue.name)))
+        triggerInOwnUnit(connection, name, TriggerCause::Monitor);
 }
 
 void triggersCommitted(Connection &connection, const UnitOfWork &unit) noexcept

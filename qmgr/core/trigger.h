@@ -37,8 +37,9 @@ public:
 
     // Inside the transaction that made the change. `priority`: of the message that was put.
     void judge(store::WriteTransaction &transaction, MQLONG priority = 0);
-    // After it: puts the trigger message, if one is due.
-    void put();
+    // After it: puts the trigger message, if one is due. No queue that takes it: it is dropped. Fails for the reasons
+    // of the store only.
+    Outcome put();
 
 private:
     bool isDue(store::WriteTransaction &transaction, MQLONG priority) const;
@@ -55,7 +56,7 @@ private:
 };
 
 // The causes that are no put; each makes its messages in units of its own.
-void triggerAfterClose(Connection &connection, const objects::QueueHold &queue);
+void triggerAfterClose(Connection &connection, std::string_view queue);
 void triggerAfterChange(Connection &connection, std::string_view queue);
 void triggerAfterOpen(Connection &connection, const objects::QueueDefinition &initiationQueue);
 

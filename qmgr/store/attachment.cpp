@@ -110,6 +110,13 @@ std::int64_t Attachment::startTime() const
     return store_->control().started.load(std::memory_order_relaxed);
 }
 
+bool Attachment::announcesStart() const
+{
+    // The load first: every connection asks.
+    std::atomic<std::uint32_t> &told = store_->control().startTold;
+    return told.load(std::memory_order_relaxed) == 0 && told.exchange(1) == 0;
+}
+
 std::uint64_t Attachment::uniqueNumber() const
 {
     return store_->control().sequence.fetch_add(1, std::memory_order_relaxed);

@@ -98,6 +98,8 @@ public:
     [[nodiscard]] const std::string &queueManagerName() const;
     // [any] When the queue manager was started, microseconds since 1970 UTC.
     [[nodiscard]] std::int64_t startTime() const;
+    // True for the first that asks in this life of the queue manager.
+    [[nodiscard]] bool announcesStart() const;
     // Number of this connection's slot: unique among the connections alive now.
     [[nodiscard]] std::uint32_t slot() const { return slot_; }
     // Number of this connection: never used again while the queue manager runs. For connection ids.

@@ -100,6 +100,11 @@ void QueueManagerTest::defineQueue(const std::string &name, Attributes attribute
     define(objects::ObjectKind::LocalQueue, name, {}, attributes);
 }
 
+void QueueManagerTest::defineProcess(const std::string &name)
+{
+    define(objects::ObjectKind::Process, name, {}, {});
+}
+
 void QueueManagerTest::defineAlias(const std::string &name, std::string_view base, Attributes attributes)
 {
     define(objects::ObjectKind::AliasQueue, name, {{MQCA_BASE_Q_NAME, base}}, attributes);

@@ -125,6 +125,7 @@ public:
     // ---- Administration, as another program does it ----
     void createQueueManager(const std::string &name);
     void defineQueue(const std::string &name, Attributes attributes = {});
+    void defineProcess(const std::string &name);
     void define(objects::ObjectKind kind, const std::string &name, Texts texts, Attributes attributes = {});
     void defineAlias(const std::string &name, std::string_view base, Attributes attributes = {});
     // XMITQ may be blank.
