@@ -113,13 +113,13 @@ FoundQueue Catalog::keep(Known &known, std::string_view name, QueueHold hold)
 
 std::shared_ptr<const ObjectDefinition> Catalog::process(std::string_view name)
 {
-    const std::uint64_t version = attachment_.definitionVersion();
+    const std::uint64_t version = attachment_->definitionVersion();
     if (processesVersion_ != version) processes_.clear();
     processesVersion_ = version;
     if (const auto known = processes_.find(name); known != processes_.end()) return known->second;
 
     std::shared_ptr<const ObjectDefinition> found;
-    if (const auto stored = attachment_.findDefinition(MQOT_PROCESS, name))
+    if (const auto stored = attachment_->findDefinition(MQOT_PROCESS, name))
         if (auto object = ObjectDefinition::decode(stored->bytes))
             found = std::make_shared<const ObjectDefinition>(std::move(*object));
     processes_.emplace(name, found);
@@ -128,10 +128,10 @@ std::shared_ptr<const ObjectDefinition> Catalog::process(std::string_view name)
 
 std::vector<std::string> Catalog::triggeredBy(std::string_view initiationQueue)
 {
-    const std::uint64_t version = attachment_.definitionVersion();
+    const std::uint64_t version = attachment_->definitionVersion();
     if (triggeredByVersion_ != version) {
         triggeredBy_.clear();
-        for (const store::Definition &stored : attachment_.definitions(MQOT_Q)) {
+        for (const store::Definition &stored : attachment_->definitions(MQOT_Q)) {
             const auto object = ObjectDefinition::decode(stored.bytes);
             if (!object || object->kind() != ObjectKind::LocalQueue) continue;
             if (object->number(MQIA_TRIGGER_CONTROL) == MQTC_ON)
