@@ -7,6 +7,7 @@
 #include "qmgr/core/dead_letter.h"
 #include "qmgr/core/expiry.h"
 #include "qmgr/core/header_chain.h"
+#include "qmgr/core/put_properties.h"
 #include "qmgr/core/put_steps.h"
 #include "qmgr/core/system_put.h"
 #include "qmgr/objects/object_name.h"
@@ -87,8 +88,16 @@ Outcome send(Connection &connection, UnitOfWork &unit, const store::MessageHeade
     store::NewMessage report{};
     report.header.md = reportDescriptor(connection, about, bodyLength, feedback);
     report.header.coreFlags = about.coreFlags;
-    report.header.coreLength = about.coreLength;
     report.body = part;
+    std::vector<std::byte> copied;
+    if (about.coreLength != 0) {
+        // Of the properties those that may be copied into a report.
+        const std::size_t properties = std::min<std::size_t>(about.coreLength, part.size());
+        copied = copiedProperties(part.first(properties), MQCOPY_REPORT);
+        report.header.coreLength = static_cast<std::uint32_t>(copied.size());
+        copied.insert(copied.end(), part.begin() + static_cast<std::ptrdiff_t>(properties), part.end());
+        report.body = copied;
+    }
     const ObjectName destination{MQOT_Q, objects::fieldText(about.md.ReplyToQ),
                                  objects::fieldText(about.md.ReplyToQMgr)};
     const Outcome sent = putOrDeadLetter(connection, unit, destination, report);

@@ -71,6 +71,15 @@ std::optional<Escape> escapeAt(std::string_view text)
     return Escape{value, end + 1};
 }
 
+// Whether an underscore could be taken for the beginning of an escape. What follows the digits does not count: it may
+// become an underscore itself. A dot's is no escape to anybody.
+bool looksLikeEscape(std::string_view text)
+{
+    constexpr std::size_t fewest = 6;
+    if (!text.starts_with("_x") || text.size() < fewest || text.starts_with("_x002E_")) return false;
+    return text.substr(2, fewest - 2).find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+}
+
 void appendEscape(char32_t character, std::string &text)
 {
     constexpr char digits[] = "0123456789ABCDEF";
@@ -106,8 +115,7 @@ void appendElementName(std::string_view element, std::string &text)
 {
     bool first = true;
     for (std::size_t at = 0; at < element.size(); first = false) {
-        // An underscore that would begin an escape is one itself.
-        if (escapeAt(element.substr(at))) {
+        if (looksLikeEscape(element.substr(at))) {
             appendEscape('_', text);
             ++at;
             continue;

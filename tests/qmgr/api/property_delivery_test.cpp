@@ -350,6 +350,22 @@ TEST_F(PropertyDelivery, ActionsChooseWhatIsCopied)
     EXPECT_EQ(putWith(MQHM_NONE, "", {MQMD_DEFAULT}, hmsg, MQACTP_REPLY), failed(MQRC_HMSG_ERROR));
 }
 
+TEST_F(PropertyDelivery, ReportsCopyWhatMayBeReported)
+{
+    defineQueue("ANSWERS");
+    MQPD pd = {MQPD_DEFAULT};
+    set(hmsg, "yes", MQTYPE_STRING, "1", {MQSMPO_DEFAULT}, pd);
+    pd.CopyOptions = MQCOPY_REPLY;
+    set(hmsg, "no", MQTYPE_STRING, "1", {MQSMPO_DEFAULT}, pd);
+    MQMD md = version2Md();
+    md.Report = MQRO_COA_WITH_FULL_DATA;
+    setText(md.ReplyToQ, "ANSWERS");
+    ASSERT_EQ(putWith(hmsg, "hello", md), ok);
+    q1 = open(hconn, "ANSWERS", everything);
+    EXPECT_EQ(getInto(target).body, "hello");
+    EXPECT_EQ(shown(target), "yes=1");
+}
+
 TEST_F(PropertyDelivery, NewHandleGoesBeforeTheOriginal)
 {
     set(hmsg, "a", "old");

@@ -204,6 +204,8 @@ TEST(FolderWriter, EscapesWhatElementsCannotHold)
     EXPECT_EQ(written("usr", {text("a", "\r\n\t\x01")}), "<usr><a>&#13;\n\t&#1;</a></usr>");
     EXPECT_EQ(written("usr", {text("$x", "1")}), "<usr><_x0024_x>1</_x0024_x></usr>");
     EXPECT_EQ(written("usr", {text("_x0024_", "1")}), "<usr><_x005F_x0024_>1</_x005F_x0024_></usr>");
+    EXPECT_EQ(written("usr", {text("_x0041$", "1")}), "<usr><_x005F_x0041_x0024_>1</_x005F_x0041_x0024_></usr>");
+    EXPECT_EQ(written("usr", {text("a_x002E_b", "1")}), "<usr><a_x002E_b>1</a_x002E_b></usr>");
     EXPECT_EQ(written("usr", {text("a", "\xFFz")}), "<usr><a>\uFFFDz</a></usr>") << "no text of its set";
 }
 
