@@ -518,6 +518,38 @@ TEST_P(KilledServer, IsReplacedByAProgramThatWaitsForTheReply)
     EXPECT_EQ(get(hconn, replies, md, gmo).codes, ok);
 }
 
+TEST_P(KilledServer, WhileAnotherProgramWaitsForTheReplyIsReplacedByIt)
+{
+    // It tells when it has the request, and sleeps until it is killed.
+    static int taken[2];
+    ASSERT_EQ(pipe(taken), 0);
+    const pid_t server = fork();
+    if (server == 0) {
+        MQHCONN other = connect();
+        store::seams.reached = [](store::Step reached) {
+            if (reached != store::Step::RequestTaken) return;
+            EXPECT_EQ(write(taken[1], "x", 1), 1);
+            for (;;)
+                pause();
+        };
+        sendFrom(other, ping(), GetParam());
+        _exit(1);
+    }
+    char mark = 0;
+    ASSERT_EQ(read(taken[0], &mark, 1), 1);
+    std::thread killer([server] {
+        usleep(300000); // so that the get below has begun to wait, as a rule
+        kill(server, SIGKILL);
+    });
+    MQGMO gmo = gmoWith(MQGMO_WAIT | MQGMO_NO_SYNCPOINT);
+    gmo.WaitInterval = 15000;
+    EXPECT_EQ(get(hconn, replies, {MQMD_DEFAULT}, gmo).codes, ok);
+    killer.join();
+    waitpid(server, nullptr, 0);
+    ::close(taken[0]);
+    ::close(taken[1]);
+}
+
 INSTANTIATE_TEST_SUITE_P(Persistence, KilledServer, ::testing::Values(MQPER_NOT_PERSISTENT, MQPER_PERSISTENT));
 
 TEST_F(CommandServer, RequestsOfManyProcessesAreEachServedOnce)
