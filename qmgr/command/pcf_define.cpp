@@ -7,7 +7,6 @@ namespace mqrig::qmgr::command {
 namespace {
 
 using objects::ObjectDefinition;
-using objects::ObjectKind;
 
 // "2026-11-21" and "09.30.05" in local time, as objects carry them, one behind the other.
 std::string stampOf(std::int64_t microseconds)

@@ -11,7 +11,6 @@ namespace mqrig::qmgr::command {
 namespace {
 
 using objects::Attribute;
-using objects::AttributeValue;
 using objects::ObjectKind;
 
 // What a queue manager's status has beside its name.
