@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -42,7 +43,7 @@ Outcome bufferToHandle(MQHCONN Hconn, MQHMSG Hmsg, const void *pBufMsgHOpts, voi
         // What is left is never longer than what was there.
         const std::span<const std::byte> rest = buffer.subspan(split.restAt);
         std::memmove(buffer.data() + split.headers.size(), rest.data(), rest.size());
-        std::memcpy(buffer.data(), split.headers.data(), split.headers.size());
+        std::copy(split.headers.begin(), split.headers.end(), buffer.data());
         *pDataLength = static_cast<MQLONG>(split.length(buffer.size()));
         properties::setForm(md, split.form);
         api::storeMd(md, pMsgDesc);

@@ -1,4 +1,5 @@
-#include <cstring>
+#include <algorithm>
+#include <cstddef>
 #include <vector>
 
 #include "qmgr/api/api.h"
@@ -44,7 +45,7 @@ Outcome handleToBuffer(MQHCONN Hconn, MQHMSG Hmsg, const void *pMsgHBufOpts, con
     const std::vector<std::byte> header = properties::makeHeader(wanted, form);
     *pDataLength = static_cast<MQLONG>(header.size());
     if (header.size() > static_cast<std::size_t>(bufferLength)) return failure(MQRC_PROPERTY_VALUE_TOO_BIG);
-    std::memcpy(pBuffer, header.data(), header.size());
+    std::copy(header.begin(), header.end(), static_cast<std::byte *>(pBuffer));
     properties::setForm(md, properties::withHeader(form));
     api::storeMd(md, pMsgDesc);
     if ((mhbo.Options & MQMHBO_DELETE_PROPERTIES) != 0) handle->properties.removeAll(pattern);

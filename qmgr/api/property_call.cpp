@@ -6,7 +6,7 @@ namespace mqrig::qmgr::api {
 namespace {
 
 // Bytes of the longest name in any character set, and one character more.
-constexpr std::size_t mostNameBytes = 4 * (MQ_MAX_PROPERTY_NAME_LENGTH + 1);
+constexpr std::size_t mostNameBytes = 4 * std::size_t{MQ_MAX_PROPERTY_NAME_LENGTH + 1};
 constexpr MQLONG copyOptions = MQCOPY_ALL | MQCOPY_FORWARD | MQCOPY_PUBLISH | MQCOPY_REPLY | MQCOPY_REPORT;
 
 // Where the text lies; null if the structure does not say, or says it twice.
