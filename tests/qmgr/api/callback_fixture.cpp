@@ -7,7 +7,6 @@
 #include <thread>
 
 #include "qmgr/core/reconnect.h"
-#include "qmgr/store/queue_managers.h"
 
 namespace mqrig::qmgr::testing {
 namespace {
@@ -71,11 +70,6 @@ CallbackTest::~CallbackTest()
 void CallbackTest::reconnectAsLongAsMq()
 {
     core::reconnectTimes = timesOfMq;
-}
-
-void CallbackTest::endToReconnect()
-{
-    ASSERT_FALSE(store::endQueueManager(storeFolder(), "QM1", store::End::Reconnect).failed());
 }
 
 MQCBD CallbackTest::handlerInto(Diary &diary, MQLONG options)

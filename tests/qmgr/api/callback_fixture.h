@@ -45,8 +45,6 @@ public:
     CallbackTest();
     ~CallbackTest() override;
 
-    void endToReconnect();
-
     // An event handler that writes into the diary.
     static MQCBD handlerInto(Diary &diary, MQLONG options = MQCBDO_NONE);
     static Codes manage(MQHCONN hconn, MQLONG operation, MQCBD cbd);

@@ -156,6 +156,11 @@ void QueueManagerTest::endImmediate()
     ASSERT_FALSE(store::endQueueManager(storeFolder_, "QM1", store::End::Immediate).failed());
 }
 
+void QueueManagerTest::endToReconnect()
+{
+    ASSERT_FALSE(store::endQueueManager(storeFolder_, "QM1", store::End::Reconnect).failed());
+}
+
 void QueueManagerTest::start()
 {
     ASSERT_FALSE(store::startQueueManager(storeFolder_, "QM1").failed());

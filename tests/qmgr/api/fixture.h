@@ -139,6 +139,7 @@ public:
     void deleteQueue(const std::string &name);
     void endQuiesce();
     void endImmediate();
+    void endToReconnect();
     void start();
     void restart()
     {

@@ -1,10 +1,12 @@
 // A small MQI program for tests with several processes. Each argument is a step:
 //   connect            connect to QM1                  disconnect
+//   follow             connect to QM1 with MQCNO_RECONNECT_Q_MGR
 //   open               open Q1 for input, output and browsing
 //   exclusive          open Q1 for exclusive input
 //   put:TEXT           put outside a unit of work      puts:N:TEXT      put TEXT0 to TEXT(N-1)
 //   unitput:TEXT       put under syncpoint             persistent:TEXT  put a persistent message
 //   get  unitget       get, no wait                    getwait:MS       get with a wait
+//   getquiesce:MS      get with a wait that fails when the queue manager quiesces
 //   openwith:N         open Q1 with these options      getwith:N        get with these options
 //   drain:MS           get with that wait until there is nothing more
 //   commit  backout
@@ -76,6 +78,12 @@ void step(std::string_view what, const std::string &text)
         MQCHAR48 name = "QM1";
         MQCONN(name, &hconn, &CompCode, &Reason);
         report("MQCONN");
+    } else if (what == "follow") {
+        MQCHAR48 name = "QM1";
+        MQCNO cno = {MQCNO_DEFAULT};
+        cno.Options = MQCNO_RECONNECT_Q_MGR;
+        MQCONNX(name, &cno, &hconn, &CompCode, &Reason);
+        report("MQCONNX");
     } else if (what == "disconnect") {
         MQDISC(&hconn, &CompCode, &Reason);
         report("MQDISC");
@@ -104,6 +112,8 @@ void step(std::string_view what, const std::string &text)
         open(std::atoi(text.c_str()));
     } else if (what == "getwith") {
         get(std::atoi(text.c_str()), 0);
+    } else if (what == "getquiesce") {
+        get(MQGMO_NO_SYNCPOINT | MQGMO_WAIT | MQGMO_FAIL_IF_QUIESCING, std::atoi(text.c_str()));
     } else if (what == "drain") {
         while (get(MQGMO_NO_SYNCPOINT | MQGMO_WAIT, std::atoi(text.c_str()))) {
         }

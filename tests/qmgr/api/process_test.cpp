@@ -12,6 +12,8 @@
 #include <set>
 #include <thread>
 
+#include "qmgr/store/queue_managers.h"
+
 namespace mqrig::qmgr::testing {
 namespace {
 
@@ -203,6 +205,45 @@ TEST_F(Processes, ImmediateEndReachesWaitingProcesses)
     EXPECT_EQ(getter.line(), "ready");
     endImmediate();
     EXPECT_EQ(getter.rest(), (Lines{"MQGET 2162", "MQCMIT 2009"}));
+}
+
+TEST_F(Processes, QuiescingReachesWaitingProcessesThatAskedForIt)
+{
+    Program asked({"connect", "open", "say:ready", "getquiesce:15000", "disconnect"});
+    Program waits({"connect", "open", "say:ready", "getwait:15000", "disconnect"});
+    EXPECT_EQ(asked.line(), "ready");
+    EXPECT_EQ(waits.line(), "ready");
+    MQHCONN hconn = connect();
+    const MQHOBJ q1 = open(hconn, "Q1", MQOO_OUTPUT);
+    endQuiesce();
+    EXPECT_EQ(asked.rest(), Lines{"MQGET 2161"});
+    EXPECT_EQ(put(hconn, q1, "still served"), ok);
+    EXPECT_EQ(waits.rest(), Lines{"got still served"});
+    EXPECT_EQ(disconnect(hconn), ok);
+    EXPECT_EQ(store::stateOf(storeFolder(), "QM1").state, store::State::Ended);
+}
+
+TEST_F(Processes, ProcessesThatFollowTheQueueManagerGoOnInItsNextLife)
+{
+    Program getter({"follow", "open", "say:ready", "getwait:15000", "disconnect"});
+    EXPECT_EQ(getter.line(), "ready");
+    endToReconnect();
+    start();
+    run({"connect", "open", "put:after the restart"});
+    EXPECT_EQ(getter.rest(), Lines{"got after the restart"});
+}
+
+TEST_F(Processes, KilledWhileItLooksForTheQueueManagerItLeavesNothing)
+{
+    Program victim({"follow", "exclusive", "say:ready", "getwait:15000"});
+    EXPECT_EQ(victim.line(), "ready");
+    endToReconnect();
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    victim.kill();
+    start();
+    EXPECT_EQ(run({"connect", "exclusive"}), Lines{});
+    endQuiesce();
+    EXPECT_EQ(store::stateOf(storeFolder(), "QM1").state, store::State::Ended);
 }
 
 TEST_F(Processes, PersistentMessagesOutliveARestartWhoeverPutThem)
