@@ -18,7 +18,9 @@ Outcome close(MQHCONN Hconn, PMQHOBJ pHobj, MQLONG options)
         return failure(MQRC_OPTIONS_ERROR);
     if (const MQLONG reason = api::checkOptions(api::OptionField::Close, options)) return failure(reason);
     const MQHOBJ hobj = *pHobj;
-    const Outcome closed = core::closeObject(*use, *pHobj);
+    const Outcome closed = core::closeObject(*use, hobj, options);
+    // Where a queue was not to be deleted the handle stays.
+    if (use->handles.find(hobj) != nullptr) return closed;
     if (!closed.failed()) api::forgetConsumer(use, hobj);
     *pHobj = MQHO_UNUSABLE_HOBJ;
     return closed;

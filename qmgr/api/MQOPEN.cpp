@@ -31,12 +31,14 @@ MQLONG checkOpenOptions(MQLONG options)
 // The queue's names are told to those who handle its messages, or who ask for them.
 void tell(const core::Connection &connection, const core::OpenObject &object, MQLONG options, void *od)
 {
-    const bool namesQueue = object.type == MQOT_Q && (options & (messageOptions | MQOO_RESOLVE_LOCAL_Q)) != 0;
+    const bool namesQueue =
+        object.type == MQOT_Q && ((options & (messageOptions | MQOO_RESOLVE_LOCAL_Q)) != 0 || object.made);
     if (!namesQueue) {
         api::storeOd({}, {}, object.type == MQOT_Q ? MQOT_Q : MQOT_NONE, od);
         return;
     }
     const objects::QueueDefinition &queue = *object.hold.queue;
+    if (object.made) api::storeMadeQueue({queue.name.data(), connection.queueManagerName.data()}, od);
     const api::Told told = (options & MQOO_RESOLVE_LOCAL_Q) != 0 ? api::Told::LocalQueue : api::Told::Destination;
     api::storeOd(api::resolvedNames(connection, queue, told), api::countsOf(queue), MQOT_Q, od);
 }

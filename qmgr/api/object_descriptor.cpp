@@ -15,7 +15,8 @@ MQLONG checkObject(const MQOD &od, Selects selects)
 
 core::ObjectName objectName(const MQOD &od)
 {
-    return {od.ObjectType, objects::fieldText(od.ObjectName), objects::fieldText(od.ObjectQMgrName)};
+    return {od.ObjectType, objects::fieldText(od.ObjectName), objects::fieldText(od.ObjectQMgrName),
+            objects::fieldText(od.DynamicQName)};
 }
 
 ResolvedNames resolvedNames(const core::Connection &connection, const objects::QueueDefinition &queue, Told told)

@@ -25,7 +25,6 @@ constexpr std::string_view noAccounting = "no accounting or activity records are
 constexpr std::string_view noAuthority = "the store belongs to one user: there is no other user to check";
 constexpr std::string_view zosOnly = "the MQI has it on z/OS only";
 constexpr std::string_view topicsOnly = "it is for topics";
-constexpr std::string_view dynamicOnly = "it is for dynamic queues";
 constexpr std::string_view subscriptionOnly = "it is for subscriptions";
 
 constexpr OptionRow connectRows[] = {
@@ -84,8 +83,8 @@ constexpr OptionRow openRows[] = {
 };
 
 constexpr OptionRow closeRows[] = {
-    refused("MQCO_DELETE", MQCO_DELETE, MQRC_OPTION_NOT_VALID_FOR_TYPE, dynamicOnly),
-    refused("MQCO_DELETE_PURGE", MQCO_DELETE_PURGE, MQRC_OPTION_NOT_VALID_FOR_TYPE, dynamicOnly),
+    done("MQCO_DELETE", MQCO_DELETE),
+    done("MQCO_DELETE_PURGE", MQCO_DELETE_PURGE),
     refused("MQCO_KEEP_SUB", MQCO_KEEP_SUB, MQRC_OPTION_NOT_VALID_FOR_TYPE, subscriptionOnly),
     refused("MQCO_REMOVE_SUB", MQCO_REMOVE_SUB, MQRC_OPTION_NOT_VALID_FOR_TYPE, subscriptionOnly),
     noEffect("MQCO_QUIESCE", MQCO_QUIESCE, "no messages are read ahead"),

@@ -188,6 +188,13 @@ void storeOd(const ResolvedNames &names, const DestinationCounts &counts, MQLONG
     od.ResolvedType = resolvedType;
 }
 
+void storeMadeQueue(const ResolvedNames &names, void *to)
+{
+    MQOD &od = *static_cast<MQOD *>(to);
+    storeName(od.ObjectName, names.queue);
+    storeName(od.ObjectQMgrName, names.queueManager);
+}
+
 void storePmo(const ResolvedNames &names, const DestinationCounts &counts, void *to)
 {
     MQPMO &pmo = *static_cast<MQPMO *>(to);

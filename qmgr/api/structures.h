@@ -43,6 +43,8 @@ struct DestinationCounts {
     MQLONG invalid = 0;
 };
 void storeOd(const ResolvedNames &names, const DestinationCounts &counts, MQLONG resolvedType, void *to);
+// The name of a queue that MQOPEN has made.
+void storeMadeQueue(const ResolvedNames &names, void *to);
 void storePmo(const ResolvedNames &names, const DestinationCounts &counts, void *to);
 
 struct GotFields {

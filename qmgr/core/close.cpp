@@ -1,17 +1,27 @@
 #include <memory>
 
+#include "qmgr/core/dynamic_queue.h"
 #include "qmgr/core/open.h"
 #include "qmgr/core/trigger.h"
 #include "qmgr/objects/object_name.h"
 
 namespace mqrig::qmgr::core {
 
-Outcome closeObject(Connection &connection, MQHOBJ hobj)
+Outcome closeObject(Connection &connection, MQHOBJ hobj, MQLONG options)
 {
+    if ((options & (MQCO_DELETE | MQCO_DELETE_PURGE)) != 0) {
+        const OpenObject *closing = connection.handles.find(hobj);
+        if (closing == nullptr) return failure(MQRC_HOBJ_ERROR);
+        if (const Outcome deleted = deleteByClose(connection, *closing, options); deleted.failed()) return deleted;
+    }
     const std::unique_ptr<OpenObject> object = connection.handles.remove(hobj);
     if (object == nullptr) return failure(MQRC_HOBJ_ERROR);
     if (object->type != MQOT_Q) return success();
     const Outcome unfinished = object->logicalOrder != nullptr ? judgeClose(*object->logicalOrder) : success();
+    if (object->ownsQueue()) {
+        const Outcome removed = removeDynamicQueue(connection, *object->hold.queue);
+        return removed.failed() ? removed : unfinished;
+    }
     const store::OpenCounts &opens = object->opens;
     if (opens.input == 0 && opens.output == 0 && opens.browse == 0) return unfinished;
     const objects::QueueDefinition &queue = *object->hold.queue;

@@ -24,6 +24,7 @@ struct OpenObject {
     objects::QueueHold hold; // of a queue: its messages, and in `object` what MQINQ and MQSET work on
     std::string name;        // of a process or namelist, which is read (catalog.object) whenever it is asked
     store::OpenCounts opens; // what this handle adds to the counts of its queue
+    bool made = false;       // the queue was made by this MQOPEN
 
     // Where browsing stands: the last message that a browse returned. It may be gone since.
     std::optional<store::MessageKey> cursor;
@@ -44,6 +45,8 @@ struct OpenObject {
     };
     Asked asked;
 
+    // Whether the queue goes with the handle.
+    bool ownsQueue() const { return made && store::isTemporary(hold.queue->id); }
     bool allows(MQLONG anyOf) const { return (options & anyOf) != 0; }
 };
 

@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "qmgr/core/dynamic_queue.h"
 #include "qmgr/core/trigger.h"
 #include "qmgr/objects/object_name.h"
 
@@ -66,6 +67,10 @@ Outcome countOpen(store::Attachment &store, const objects::QueueDefinition &queu
 // whether or not the name leads to messages.
 objects::FoundQueue findQueue(Connection &connection, const ObjectName &name, MQLONG options)
 {
+    if (isLocal(connection, name.queueManager)) {
+        objects::FoundQueue named = connection.catalog.definition(name.name);
+        if (named.outcome.failed() || named.hold.queue->type == MQQT_MODEL) return named;
+    }
     const bool forMessages = (options & (inputOptions | MQOO_BROWSE | MQOO_OUTPUT)) != 0;
     if (!forMessages && isLocal(connection, name.queueManager)) return connection.catalog.definition(name.name);
     objects::FoundQueue found = connection.catalog.queue(name.name, name.queueManager);
@@ -81,11 +86,20 @@ objects::FoundQueue findQueue(Connection &connection, const ObjectName &name, MQ
 Outcome openQueue(Connection &connection, const ObjectName &name, OpenObject &object)
 {
     objects::FoundQueue found = findQueue(connection, name, object.options);
+    // What a killed program has left is not opened.
+    if (!found.outcome.failed() && store::isTemporary(found.hold.queue->id) && connection.store->releaseDead())
+        found = findQueue(connection, name, object.options);
+    if (!found.outcome.failed() && found.hold.queue->type == MQQT_MODEL) {
+        found = makeDynamicQueue(connection, found.hold.queue->object, name.dynamicName);
+        object.made = true;
+    }
     if (found.outcome.failed()) return found.outcome;
     object.options = grantedOptions(*found.hold.queue, object.options);
     object.opens = countsOf(object.options);
     object.hold = std::move(found.hold);
-    return countOpen(*connection.store, *object.hold.queue, object.opens);
+    const Outcome counted = countOpen(*connection.store, *object.hold.queue, object.opens);
+    if (counted.failed() && object.made) (void)removeDynamicQueue(connection, *object.hold.queue);
+    return counted;
 }
 
 Outcome openQueueManager(const Connection &connection, const ObjectName &name, const OpenObject &object)

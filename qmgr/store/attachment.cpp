@@ -23,6 +23,8 @@ Attached Attachment::on(const std::shared_ptr<Store> &store)
     const auto taken = store->takeSlot();
     if (taken.outcome.failed()) return {taken.outcome, nullptr};
     std::unique_ptr<Attachment> attachment(new Attachment(store, taken.slot));
+    // What killed programs have left behind, their temporary queues above all, goes with the next one that comes.
+    attachment->releaseDead();
     // Asked after the slot is taken: whoever quiesces the queue manager counts slots after setting the state, so
     // either it has seen ours or we see its state.
     switch (attachment->state()) {
@@ -134,6 +136,7 @@ std::optional<Definition> Attachment::findDefinition(MQLONG type, std::string_vi
 
 std::vector<Definition> Attachment::definitions(MQLONG type)
 {
+    releaseDead();
     return store_->definitions(type);
 }
 
@@ -145,6 +148,16 @@ Outcome Attachment::define(Definition &definition)
 Outcome Attachment::alter(const Definition &definition, std::optional<std::string_view> seen)
 {
     return store_->alter(definition, seen);
+}
+
+Outcome Attachment::defineTemporary(Definition &definition)
+{
+    return store_->defineTemporary(slot_, definition);
+}
+
+Outcome Attachment::removeTemporary(const Definition &definition)
+{
+    return store_->removeTemporary(slot_, definition.queue, definition.name);
 }
 
 Outcome Attachment::remove(MQLONG type, std::string_view name, const std::function<Outcome(const QueueStatus &)> &mayGo)

@@ -116,17 +116,23 @@ public:
     // parsed for as long as definitionVersion() stays the same. These calls take the log lock; never call them inside
     // a transaction.
 
-    // [any] Changes whenever any definition changes; one load.
+    // [any] Changes whenever any definition changes or goes, and when one that is kept on disk comes; one load.
     [[nodiscard]] std::uint64_t definitionVersion() const;
     // Empty if there is none (or storage failed: then the next change or transaction says so).
     [[nodiscard]] std::optional<Definition> findDefinition(MQLONG type, std::string_view name);
-    // All of one type in name order; all types with MQOT_ALL.
+    // All of one type in name order; all types with MQOT_ALL. Temporary queues of dead connections are removed first.
     [[nodiscard]] std::vector<Definition> definitions(MQLONG type);
     // MQRC_OBJECT_ALREADY_EXISTS. `queue` of the argument is ignored; the number given is left in it.
     Outcome define(Definition &definition);
     // Replaces the bytes. MQRC_UNKNOWN_OBJECT_NAME. With `seen` only while the stored bytes are still these, else
     // MQRC_OBJECT_CHANGED: who changes a part of them reads again, so that no change of another is lost.
     Outcome alter(const Definition &definition, std::optional<std::string_view> seen = std::nullopt);
+    // Makes a queue that goes with this connection: removed with its messages by removeTemporary, when the connection
+    // ends, when its process is found dead, at the latest with the life of the queue manager. It is in no log: no disk
+    // is waited for, and nothing persistent may be put on it. MQRC_OBJECT_ALREADY_EXISTS. A new queue changes nothing
+    // that is known: definitionVersion() stays. Units of work with messages on a queue that has gone go on without.
+    Outcome defineTemporary(Definition &definition);
+    Outcome removeTemporary(const Definition &definition);
     // Deletes a definition, and a queue's messages with it. `mayGo` sees the queue's counters inside the transaction
     // that removes it and may refuse (MQRC_OBJECT_IN_USE, MQRC_Q_NOT_EMPTY); null allows. MQRC_UNKNOWN_OBJECT_NAME.
     Outcome remove(MQLONG type, std::string_view name, const std::function<Outcome(const QueueStatus &)> &mayGo);

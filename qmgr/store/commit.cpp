@@ -405,7 +405,11 @@ Outcome Store::commit(std::uint32_t slot, const Unit &unit)
         ticket = persistent ? transaction.ticket() : 0;
         for (const NewMessage &put : unit.puts) {
             const MessageKey &key = put.key;
-            if (!transaction.exists(key.queue)) return failure(MQRC_Q_DELETED);
+            if (!transaction.exists(key.queue)) {
+                if (!isTemporary(key.queue)) return failure(MQRC_Q_DELETED);
+                transaction.unbookPut(key.queue); // the message would have gone with its queue
+                continue;
+            }
             transaction.insertMessage(put);
             QueueStatus &status = transaction.counters(key.queue);
             status.uncommitted -= 1;
@@ -417,6 +421,7 @@ Outcome Store::commit(std::uint32_t slot, const Unit &unit)
         }
         for (const TakenMessage &get : unit.gets) {
             const auto hold = transaction.holdOf(get.key);
+            if (!hold && isTemporary(get.key.queue)) continue; // the queue has gone, and its messages with it
             if (!hold || hold->kind != HoldKind::Got || hold->slot != slot) return failure(MQRC_BACKED_OUT);
             if (persistent) {
                 transaction.changeHold(get.key, {.kind = HoldKind::Prepared, .slot = slot, .ticket = ticket});

@@ -77,6 +77,7 @@ struct ControlBlock {
     std::atomic<std::uint32_t> requestsWaiting; // 0: it is certain that none is there; see requests.cpp
 
     alignas(64) std::atomic<std::uint64_t> sequence; // next number for a message
+    std::atomic<std::uint32_t> temporaryQueues;      // numbers given to temporary queues
 
     alignas(64) pthread_mutex_t requestLock; // process-shared, robust: who works off the requests
 

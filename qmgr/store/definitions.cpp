@@ -97,9 +97,10 @@ Outcome Store::alter(const Definition &definition, std::optional<std::string_vie
     const auto known = findDefinition(definition.type, definition.name);
     if (!known) return failure(MQRC_UNKNOWN_OBJECT_NAME);
     if (seen && *seen != known->bytes) return failure(MQRC_OBJECT_CHANGED);
-    if (const Outcome begun = log_->begin(); begun.failed()) return begun;
     Definition changed = definition;
     changed.queue = known->queue;
+    if (isTemporary(changed.queue)) return storeLive(changed);
+    if (const Outcome begun = log_->begin(); begun.failed()) return begun;
     return logAndStore(changed);
 }
 
@@ -110,11 +111,21 @@ Outcome Store::logAndStore(const Definition &definition)
     log_->advance(control().stamp.generation, 0);
     if (const Outcome logged = log_->commit(); logged.failed()) return judgeLog(logged);
     reached(Step::DefinitionLogged);
+    const Outcome stored = storeLive(definition);
+    if (stored.failed()) control().logUnfinished = 1;
+    return stored;
+}
+
+// Brings a definition to the live state and tells everybody.
+Outcome Store::storeLive(const Definition &definition)
+{
     const Outcome stored = update(definition.bytes.size() + 4096, 0, [&](WriteTransaction &transaction) {
+        // A temporary queue may go at any moment, and does not come to life again.
+        if (isTemporary(definition.queue) && !transaction.exists(definition.queue))
+            return failure(MQRC_UNKNOWN_OBJECT_NAME);
         putDefinition(transaction, definition);
         return success();
     });
-    if (stored.failed()) control().logUnfinished = 1;
     control().definitionVersion.fetch_add(1);
     // A getter that sleeps looks again: its queue may have been inhibited.
     if (definition.queue != 0) wakeGetters(definition.queue);
@@ -170,8 +181,7 @@ Outcome Store::sweep(const Definition &definition)
     });
     const QueueId queue = definition.queue;
     if (queue == 0) return outcome;
-    for (const LiveKey &records : {LiveKey::bodiesOf(queue), LiveKey::marksOf(queue), LiveKey::indexesOf(queue),
-                                   LiveKey::holdsOf(queue), LiveKey::messagesOf(queue)}) {
+    for (const LiveKey &records : LiveKey::everythingOf(queue)) {
         bool more = true;
         while (more && !outcome.failed()) {
             outcome = update(0, 0, [&](WriteTransaction &transaction) {
@@ -193,7 +203,7 @@ Outcome Store::reloadDefinitions()
     });
     if (outcome.failed()) return outcome;
     for (const Definition &live : definitions(MQOT_ALL)) {
-        if (logged.contains({live.type, live.name})) continue;
+        if (isTemporary(live.queue) || logged.contains({live.type, live.name})) continue;
         if (const Outcome swept = sweep(live); swept.failed()) return swept;
     }
     const Outcome stored = update(1, 0, [&](WriteTransaction &transaction) {

@@ -13,6 +13,7 @@
 //   'M' queue                         -> QueueStatus: on the page of the queue's first messages, which a get changes anyway
 //   'M' queue order sequence          -> MessageHeader, then the body unless it is large
 //   'S' slot queue                    -> Booking: what the connection has of the queue
+//   'T' slot queue                    -> name: a temporary queue that the connection has made
 //   'U' ticket                        -> a prepared unit of work: UnitRecord, then its steps
 // clang-format on
 #pragma once
@@ -45,6 +46,8 @@ public:
     static LiveKey booking(std::uint32_t slot, QueueId queue) { return LiveKey('S').u32(slot).u32(queue); }
     static LiveKey bookingsOf(std::uint32_t slot) { return LiveKey('S').u32(slot); }
     static LiveKey bookings() { return LiveKey('S'); }
+    static LiveKey temporary(std::uint32_t slot, QueueId queue) { return LiveKey('T').u32(slot).u32(queue); }
+    static LiveKey temporariesOf(std::uint32_t slot) { return LiveKey('T').u32(slot); }
     static LiveKey unit(Ticket ticket) { return LiveKey('U').u64(ticket); }
     static LiveKey units() { return LiveKey('U'); }
     static LiveKey definitions() { return LiveKey('D'); }
@@ -77,6 +80,12 @@ public:
         std::fill(behind.bytes_.begin() + size_, behind.bytes_.end(), std::uint8_t{0xFF});
         behind.size_ = behind.bytes_.size();
         return behind;
+    }
+
+    // The prefixes of all records that hang on a queue, its counters included.
+    static std::array<LiveKey, 5> everythingOf(QueueId queue)
+    {
+        return {bodiesOf(queue), marksOf(queue), indexesOf(queue), holdsOf(queue), messagesOf(queue)};
     }
 
     LiveKey place(const MessageKey &key) const { return LiveKey(*this).u8(key.order).u64(key.sequence); }

@@ -13,7 +13,13 @@
 namespace mqrig::qmgr::store {
 
 using QueueId = std::uint32_t; // numeric id of a queue, never used again once the queue is deleted; 0 is no queue
-using Ticket = std::uint64_t;  // a prepared unit of work; 0 is none: nothing had to be logged
+// Temporary queues have numbers apart from the others.
+constexpr QueueId temporaryNumbers = 0x80000000;
+[[nodiscard]] constexpr bool isTemporary(QueueId queue)
+{
+    return (queue & temporaryNumbers) != 0;
+}
+using Ticket = std::uint64_t;                  // a prepared unit of work; 0 is none: nothing had to be logged
 using MessageId = std::span<const MQBYTE, 24>; // MsgId, CorrelId or GroupId
 using MessageToken = std::array<MQBYTE, 16>;
 

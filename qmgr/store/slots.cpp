@@ -158,6 +158,7 @@ bool Store::releaseDead()
 void Store::cleanUp(std::uint32_t number)
 {
     if (control().state == State::Ended) return;
+    removeTemporariesOf(number);
     const bool mayHold = control().slots[number].holds != 0;
     const Outcome cleaned = update(0, number, [&](WriteTransaction &transaction) {
         std::vector<MessageKey> gots;

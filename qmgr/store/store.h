@@ -10,6 +10,7 @@
 //   slots.cpp         connections of this and other processes, the clean-up of dead ones
 //   commit.cpp        units of work: prepare, log, flip (the protocol and why it is right)
 //   definitions.cpp   object definitions
+//   temporary_queues.cpp  queues that go with their connection
 //   requests.cpp      whether requests to the queue manager wait, and whose turn it is to serve them
 //   waiting.cpp       sleeping and waking, state changes
 //   queue_managers.cpp  create, delete, list, start, end
@@ -115,6 +116,11 @@ public:
     Outcome alter(const Definition &definition, std::optional<std::string_view> seen);
     Outcome remove(MQLONG type, std::string_view name, const std::function<Outcome(const QueueStatus &)> &mayGo);
 
+    // ---- Temporary queues (temporary_queues.cpp) ----
+    Outcome defineTemporary(std::uint32_t slot, Definition &definition);
+    Outcome removeTemporary(std::uint32_t slot, QueueId queue, std::string_view name);
+    void removeTemporariesOf(std::uint32_t slot);
+
     // ---- Waiting (waiting.cpp) ----
     [[nodiscard]] WaitCell &cellOf(QueueId queue) const;
     void wakeGetters(QueueId queue);
@@ -160,6 +166,7 @@ private:
     Outcome logOwn(const LogLock &lock, Ticket ticket, OwnOutcome &&outcome);
     Outcome judgeLog(const Outcome &outcome);
     Outcome logAndStore(const Definition &definition);
+    Outcome storeLive(const Definition &definition);
     Outcome sweep(const Definition &definition);
     Outcome reloadDefinitions();
     Outcome logState(State state);

@@ -382,6 +382,10 @@ void WriteTransaction::addOpens(QueueId queue, const OpenCounts &change)
 {
     const bool opening = change.input > 0 || change.output > 0 || change.browse > 0;
     if (opening && !mustExist(queue)) return;
+    if (!exists(queue)) { // nothing is counted any more
+        booking(queue) = {};
+        return;
+    }
     addToOpens(queue, change);
     add(booking(queue).opens, change);
 }

@@ -1,0 +1,76 @@
+// Temporary queues: they belong to the connection that made them and go with it.
+//
+// They stand in the live state only. So they are made and removed without waiting for a disk, and a restart forgets
+// them, as it forgets the non-persistent messages on them, which are the only ones they take. A record under the slot
+// of the connection says what is to be removed; it is the last one to go, so that whoever cleans up behind a killed
+// process goes on where that one was, also if it was killed removing them.
+//
+// Others may be using the queue. Its counters go with its definition: from then on nothing can be put on it, booked or
+// opened. What units of work of others had there is passed over when they commit (commit.cpp).
+
+#include "qmgr/store/store.h"
+#include "qmgr/store/transaction_scratch.h"
+#include "qmgr/store/transaction_walk.h"
+
+namespace mqrig::qmgr::store {
+
+namespace {
+
+constexpr int recordsAtOnce = 2000;
+
+} // namespace
+
+Outcome Store::defineTemporary(std::uint32_t slot, Definition &definition)
+{
+    if (definition.name.empty() || definition.name.size() > MQ_OBJECT_NAME_LENGTH)
+        return failure(MQRC_OBJECT_NAME_ERROR);
+    definition.queue = temporaryNumbers | control().temporaryQueues.fetch_add(1);
+    return update(definition.bytes.size() + 4096, slot, [&](WriteTransaction &transaction) {
+        const bool known = transaction.get(LiveKey::definition(definition.type, definition.name)).data != nullptr;
+        if (known || transaction.exists(definition.queue)) return failure(MQRC_OBJECT_ALREADY_EXISTS);
+        putDefinition(transaction, definition);
+        transaction.store(LiveKey::temporary(slot, definition.queue), definition.name.data(), definition.name.size());
+        return success();
+    });
+}
+
+Outcome Store::removeTemporary(std::uint32_t slot, QueueId queue, std::string_view name)
+{
+    const LiveKey definition = LiveKey::definition(MQOT_Q, name);
+    Outcome outcome;
+    for (bool more = true; more && !outcome.failed();) {
+        outcome = update(0, slot, [&](WriteTransaction &transaction) {
+            // Another queue may have the name by now.
+            if (recordIn<QueueId>(transaction.get(definition)) == queue) transaction.erase(definition);
+            transaction.erase(LiveKey::queue(queue));
+            more = false;
+            for (const LiveKey &records : LiveKey::everythingOf(queue))
+                more |= transaction.eraseSome(records, recordsAtOnce);
+            if (!more) {
+                transaction.erase(LiveKey::booking(slot, queue));
+                transaction.erase(LiveKey::temporary(slot, queue));
+            }
+            return success();
+        });
+    }
+    control().definitionVersion.fetch_add(1);
+    wakeGetters(queue);
+    return outcome;
+}
+
+void Store::removeTemporariesOf(std::uint32_t slot)
+{
+    std::vector<std::pair<QueueId, std::string>> queues;
+    const Outcome found = read([&](ReadTransaction &transaction) {
+        transaction.forEach(LiveKey::temporariesOf(slot), [&](const MDB_val &key, const MDB_val &value) {
+            queues.emplace_back(numberAtEnd<QueueId>(key),
+                                std::string(static_cast<const char *>(value.mv_data), value.mv_size));
+        });
+        return success();
+    });
+    static_cast<void>(found);
+    for (const auto &[queue, name] : queues)
+        static_cast<void>(removeTemporary(slot, queue, name));
+}
+
+} // namespace mqrig::qmgr::store
