@@ -1,4 +1,5 @@
 #include "qmgr/api/api.h"
+#include "qmgr/api/distribution_records.h"
 #include "qmgr/api/object_descriptor.h"
 #include "qmgr/api/option_table.h"
 #include "qmgr/api/structures.h"
@@ -15,6 +16,10 @@ constexpr MQLONG messageOptions = inputOptions | MQOO_BROWSE | MQOO_OUTPUT;
 constexpr MQLONG purposes = messageOptions | MQOO_INQUIRE | MQOO_SET;
 constexpr MQLONG outputContexts =
     MQOO_PASS_IDENTITY_CONTEXT | MQOO_PASS_ALL_CONTEXT | MQOO_SET_IDENTITY_CONTEXT | MQOO_SET_ALL_CONTEXT;
+
+// Those that a distribution list has a use for.
+constexpr MQLONG listOptions = MQOO_OUTPUT | outputContexts | MQOO_ALTERNATE_USER_AUTHORITY | MQOO_FAIL_IF_QUIESCING |
+                               MQOO_BIND_ON_OPEN | MQOO_BIND_NOT_FIXED | MQOO_BIND_ON_GROUP | MQOO_NO_MULTICAST;
 
 MQLONG checkOpenOptions(MQLONG options)
 {
@@ -43,6 +48,22 @@ void tell(const core::Connection &connection, const core::OpenObject &object, MQ
     api::storeOd(api::resolvedNames(connection, queue, told), api::countsOf(queue), MQOT_Q, od);
 }
 
+Outcome openList(core::Connection &connection, const MQOD &od, MQLONG options, void *pObjDesc, MQHOBJ &hobj)
+{
+    core::DistributionList list;
+    api::ResponseRecords responses;
+    if (const MQLONG reason = api::loadList(od, pObjDesc, list)) return failure(reason);
+    if (const MQLONG reason = responses.load(od, pObjDesc)) return failure(reason);
+    if ((options & ~listOptions) != 0) return failure(MQRC_OPTION_NOT_VALID_FOR_TYPE);
+
+    const Outcome opened = core::openList(connection, list, options, hobj);
+    if (opened.failed() && list.destinations.front().outcome.ok()) return opened; // none was tried
+    const core::DistributionList &tried = opened.failed() ? list : *connection.handles.find(hobj)->list;
+    responses.store(tried, opened);
+    api::storeOd({}, api::countsOf(tried), MQOT_Q, pObjDesc);
+    return opened;
+}
+
 Outcome open(MQHCONN Hconn, PMQVOID pObjDesc, MQLONG options, PMQHOBJ pHobj)
 {
     const core::ConnectionUse use(Hconn);
@@ -55,6 +76,7 @@ Outcome open(MQHCONN Hconn, PMQVOID pObjDesc, MQLONG options, PMQHOBJ pHobj)
     const api::Selects selects = (options & (inputOptions | MQOO_BROWSE)) != 0 ? api::Selects::Yes : api::Selects::No;
     if (const MQLONG reason = api::checkObject(od, selects)) return failure(reason);
 
+    if (od.RecsPresent > 0) return openList(*use, od, options, pObjDesc, *pHobj);
     const Outcome opened = core::openObject(*use, api::objectName(od), options, *pHobj);
     if (opened.failed()) {
         core::callEvent(*use, opened, api::objectName(od));

@@ -1,18 +1,41 @@
 #include <optional>
 
 #include "qmgr/api/api.h"
+#include "qmgr/api/distribution_records.h"
 #include "qmgr/api/follow_options.h"
 #include "qmgr/api/object_descriptor.h"
 #include "qmgr/api/put_call.h"
 #include "qmgr/api/put_handles.h"
 #include "qmgr/api/structures.h"
 #include "qmgr/core/connections.h"
+#include "qmgr/core/distribution_list.h"
 #include "qmgr/core/events.h"
 #include "qmgr/core/put.h"
 
 using namespace mqrig::qmgr;
 
 namespace {
+
+Outcome putToList(MQHCONN Hconn, core::Connection &connection, core::OpenObject &object, PMQVOID pMsgDesc,
+                  PMQVOID pPutMsgOpts, api::PutCall &call)
+{
+    core::PutRecords records;
+    api::ResponseRecords responses;
+    if (const MQLONG reason = api::loadPutRecords(call.pmo, pPutMsgOpts, records)) return failure(reason);
+    if (const MQLONG reason = responses.load(call.pmo, pPutMsgOpts)) return failure(reason);
+    std::optional<api::PutHandles> handles;
+    if (api::usesHandles(call))
+        if (const Outcome applied = handles.emplace().apply(Hconn, connection, call); applied.failed()) return applied;
+    const Outcome outcome = core::putToList(connection, *object.list,
+                                            {call.pmo.Options, object.options, call.pmo.Context, &object.logicalOrder},
+                                            records, call.message);
+    responses.store(*object.list, outcome);
+    api::storePmo({}, api::countsOf(*object.list), pPutMsgOpts);
+    if (outcome.failed()) return outcome;
+    if (handles) handles->rememberPut(call);
+    api::storePutMd(call.message.header.md, pMsgDesc);
+    return outcome;
+}
 
 Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, MQLONG bufferLength, PMQVOID pBuffer)
 {
@@ -29,6 +52,9 @@ Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, M
         return failure(MQRC_WRONG_MD_VERSION);
     if (const MQLONG reason = api::checkToFollow(*use, call.pmo)) return failure(reason);
     if (!object->allows(MQOO_OUTPUT)) return failure(MQRC_NOT_OPEN_FOR_OUTPUT);
+    if (object->list != nullptr) [[unlikely]]
+        return putToList(Hconn, *use, *object, pMsgDesc, pPutMsgOpts, call);
+    if (call.pmo.RecsPresent != 0) return failure(MQRC_RECS_PRESENT_ERROR);
     if (const Outcome there = use->catalog.refresh(object->hold); there.failed()) return there;
 
     std::optional<api::PutHandles> handles;

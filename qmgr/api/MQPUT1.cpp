@@ -1,11 +1,13 @@
 #include <optional>
 
 #include "qmgr/api/api.h"
+#include "qmgr/api/distribution_records.h"
 #include "qmgr/api/object_descriptor.h"
 #include "qmgr/api/put_call.h"
 #include "qmgr/api/put_handles.h"
 #include "qmgr/api/structures.h"
 #include "qmgr/core/connections.h"
+#include "qmgr/core/distribution_list.h"
 #include "qmgr/core/events.h"
 #include "qmgr/core/open.h"
 #include "qmgr/core/put.h"
@@ -16,6 +18,34 @@ namespace {
 
 // The open that MQPUT1 stands for has the rights that its options need.
 constexpr MQLONG openOptions = MQOO_OUTPUT | MQOO_SET_ALL_CONTEXT;
+
+// Responses go where the object descriptor says; records of the put options are served too.
+Outcome put1ToList(MQHCONN Hconn, core::Connection &connection, const MQOD &od, PMQVOID pObjDesc, PMQVOID pMsgDesc,
+                   PMQVOID pPutMsgOpts, api::PutCall &call)
+{
+    core::DistributionList list;
+    core::PutRecords records;
+    api::ResponseRecords responses;
+    api::ResponseRecords putResponses;
+    if (const MQLONG reason = api::loadList(od, pObjDesc, list)) return failure(reason);
+    if (const MQLONG reason = responses.load(od, pObjDesc)) return failure(reason);
+    if (const MQLONG reason = api::loadPutRecords(call.pmo, pPutMsgOpts, records)) return failure(reason);
+    if (const MQLONG reason = putResponses.load(call.pmo, pPutMsgOpts)) return failure(reason);
+    std::optional<api::PutHandles> handles;
+    if (api::usesHandles(call))
+        if (const Outcome applied = handles.emplace().apply(Hconn, connection, call); applied.failed()) return applied;
+    core::resolveList(connection, list);
+    const Outcome outcome = core::putToList(
+        connection, list, {call.pmo.Options, openOptions, call.pmo.Context, nullptr}, records, call.message);
+    responses.store(list, outcome);
+    putResponses.store(list, outcome);
+    api::storeOd({}, api::countsOf(list), MQOT_Q, pObjDesc);
+    api::storePmo({}, api::countsOf(list), pPutMsgOpts);
+    if (outcome.failed()) return outcome;
+    if (handles) handles->rememberPut(call);
+    api::storePutMd(call.message.header.md, pMsgDesc);
+    return outcome;
+}
 
 Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, MQLONG bufferLength,
              PMQVOID pBuffer)
@@ -31,6 +61,8 @@ Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgO
     const MQOD od = api::loadOd(pObjDesc);
     if (const MQLONG reason = api::checkObject(od, api::Selects::No)) return failure(reason);
 
+    if (od.RecsPresent > 0) return put1ToList(Hconn, *use, od, pObjDesc, pMsgDesc, pPutMsgOpts, call);
+    if (call.pmo.RecsPresent != 0) return failure(MQRC_RECS_PRESENT_ERROR);
     const objects::FoundQueue found = core::resolveForPut(*use, api::objectName(od));
     if (found.outcome.failed()) {
         core::callEvent(*use, found.outcome, api::objectName(od));

@@ -7,7 +7,6 @@ namespace mqrig::qmgr::api {
 MQLONG checkObject(const MQOD &od, Selects selects)
 {
     if (od.RecsPresent < 0) return MQRC_RECS_PRESENT_ERROR;
-    if (od.RecsPresent > 0) return MQRC_FUNCTION_NOT_SUPPORTED;
     const MQCHARV &selection = od.SelectionString;
     const bool given = selection.VSLength != 0 && (selection.VSPtr != nullptr || selection.VSOffset != 0);
     return selects == Selects::Yes && given ? MQRC_FUNCTION_NOT_SUPPORTED : MQRC_NONE;
@@ -28,6 +27,12 @@ ResolvedNames resolvedNames(const core::Connection &connection, const objects::Q
 DestinationCounts countsOf(const objects::QueueDefinition &queue)
 {
     return {queue.remote ? 0 : 1, queue.remote ? 1 : 0, 0};
+}
+
+DestinationCounts countsOf(const core::DistributionList &list)
+{
+    const core::ListCounts counts = core::countsOf(list);
+    return {counts.known, counts.unknown, counts.invalid};
 }
 
 } // namespace mqrig::qmgr::api

@@ -4,12 +4,13 @@
 #include "cmqc.h"
 #include "qmgr/api/structures.h"
 #include "qmgr/core/connection.h"
+#include "qmgr/core/distribution_list.h"
 #include "qmgr/core/open.h"
 
 namespace mqrig::qmgr::api {
 
-// What of a checked and loaded MQOD is not honoured: distribution lists (MQRC_RECS_PRESENT_ERROR for an impossible
-// count), and selection strings where `selects` says that they would count.
+// What is wrong with a checked and loaded MQOD (MQRC_RECS_PRESENT_ERROR), or is not honoured: selection strings where
+// `selects` says that they would count.
 enum class Selects { No, Yes };
 MQLONG checkObject(const MQOD &od, Selects selects);
 
@@ -26,5 +27,7 @@ inline Told toldBy(const MQPMO &pmo)
 ResolvedNames resolvedNames(const core::Connection &connection, const objects::QueueDefinition &queue, Told told);
 // One queue that was opened or put to.
 DestinationCounts countsOf(const objects::QueueDefinition &queue);
+// All that were.
+DestinationCounts countsOf(const core::DistributionList &list);
 
 } // namespace mqrig::qmgr::api

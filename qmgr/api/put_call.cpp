@@ -18,12 +18,6 @@ MQLONG checkPutOptions(MQLONG options)
     return wrong ? MQRC_OPTIONS_ERROR : MQRC_NONE;
 }
 
-// The parts of an MQPMO for distribution lists, of which there are none.
-MQLONG checkRecords(const MQPMO &pmo)
-{
-    return pmo.RecsPresent != 0 ? MQRC_RECS_PRESENT_ERROR : MQRC_NONE;
-}
-
 } // namespace
 
 MQLONG loadPut(const void *msgDesc, const void *putMsgOpts, MQLONG bufferLength, const void *buffer,
@@ -36,7 +30,7 @@ MQLONG loadPut(const void *msgDesc, const void *putMsgOpts, MQLONG bufferLength,
 
     call.pmo = loadPmo(putMsgOpts);
     if (const MQLONG reason = checkPutOptions(call.pmo.Options)) return reason;
-    if (const MQLONG reason = checkRecords(call.pmo)) return reason;
+    if (call.pmo.RecsPresent < 0) return MQRC_RECS_PRESENT_ERROR;
 
     MQMD &md = call.message.header.md;
     loadMd(msgDesc, md);

@@ -1,5 +1,6 @@
 #include <memory>
 
+#include "qmgr/core/distribution_list.h"
 #include "qmgr/core/dynamic_queue.h"
 #include "qmgr/core/open.h"
 #include "qmgr/core/trigger.h"
@@ -17,6 +18,7 @@ Outcome closeObject(Connection &connection, MQHOBJ hobj, MQLONG options)
     const std::unique_ptr<OpenObject> object = connection.handles.remove(hobj);
     if (object == nullptr) return failure(MQRC_HOBJ_ERROR);
     if (object->type != MQOT_Q) return success();
+    if (object->list != nullptr) return closeList(connection, *object->list);
     const Outcome unfinished = object->logicalOrder != nullptr ? judgeClose(*object->logicalOrder) : success();
     if (object->ownsQueue()) {
         const Outcome removed = removeDynamicQueue(connection, *object->hold.queue);

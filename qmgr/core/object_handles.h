@@ -11,6 +11,7 @@
 #include "cmqc.h"
 #include "qmgr/core/browse_marks.h"
 #include "qmgr/core/context.h"
+#include "qmgr/core/destination.h"
 #include "qmgr/core/logical_order.h"
 #include "qmgr/objects/catalog.h"
 #include "qmgr/store/message.h"
@@ -42,8 +43,12 @@ struct OpenObject {
         std::string name;
         std::string queueManager;
         MQLONG options = 0;
+        std::string dynamicName; // of the temporary queue that was made of the model `name`
     };
     Asked asked;
+
+    // Several queues for output instead of one; then there is no `hold`.
+    std::unique_ptr<DistributionList> list;
 
     // Whether the queue goes with the handle.
     bool ownsQueue() const { return made && store::isTemporary(hold.queue->id); }

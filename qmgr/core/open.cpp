@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "qmgr/core/distribution_list.h"
 #include "qmgr/core/dynamic_queue.h"
 #include "qmgr/core/trigger.h"
 #include "qmgr/objects/object_name.h"
@@ -83,6 +84,12 @@ objects::FoundQueue findQueue(Connection &connection, const ObjectName &name, MQ
     return wrong ? objects::FoundQueue{failure(MQRC_OPTION_NOT_VALID_FOR_TYPE), {}} : found;
 }
 
+// What to open in another life of the queue manager: a temporary queue will have gone and is made again.
+void rememberMade(const objects::QueueDefinition &queue, OpenObject &object)
+{
+    (store::isTemporary(queue.id) ? object.asked.dynamicName : object.asked.name) = queue.object.name();
+}
+
 Outcome openQueue(Connection &connection, const ObjectName &name, OpenObject &object)
 {
     objects::FoundQueue found = findQueue(connection, name, object.options);
@@ -92,6 +99,7 @@ Outcome openQueue(Connection &connection, const ObjectName &name, OpenObject &ob
     if (!found.outcome.failed() && found.hold.queue->type == MQQT_MODEL) {
         found = makeDynamicQueue(connection, found.hold.queue->object, name.dynamicName);
         object.made = true;
+        if (!found.outcome.failed()) rememberMade(*found.hold.queue, object);
     }
     if (found.outcome.failed()) return found.outcome;
     object.options = grantedOptions(*found.hold.queue, object.options);
@@ -144,17 +152,23 @@ objects::FoundQueue resolveForPut(Connection &connection, const ObjectName &name
     return {failure(name.type == MQOT_TOPIC ? MQRC_FUNCTION_NOT_SUPPORTED : MQRC_OBJECT_TYPE_ERROR), {}};
 }
 
-Outcome openObject(Connection &connection, const ObjectName &name, MQLONG options, MQHOBJ &hobj)
+Outcome mayOpen(Connection &connection, MQLONG options)
 {
     if ((options & MQOO_FAIL_IF_QUIESCING) != 0 && connection.store->state() == store::State::Quiescing)
         return failure(MQRC_Q_MGR_QUIESCING);
     if (connection.handles.size() >= static_cast<std::size_t>(connection.queueManager().maxHandles))
         return failure(MQRC_HANDLE_NOT_AVAILABLE);
+    return success();
+}
+
+Outcome openObject(Connection &connection, const ObjectName &name, MQLONG options, MQHOBJ &hobj)
+{
+    if (const Outcome may = mayOpen(connection, options); may.failed()) return may;
 
     auto object = std::make_unique<OpenObject>();
     object->type = name.type;
     object->options = options;
-    object->asked = {std::string(name.name), std::string(name.queueManager), options};
+    object->asked = {std::string(name.name), std::string(name.queueManager), options, {}};
     // The handle first: once the open is counted in the store nothing may fail.
     OpenObject &opened = *object;
     const MQHOBJ added = connection.handles.add(std::move(object));
@@ -177,11 +191,12 @@ Outcome openObject(Connection &connection, const ObjectName &name, MQLONG option
 
 Outcome reopenObject(Connection &connection, OpenObject &object)
 {
+    if (object.list != nullptr) return reopenList(connection, object);
     OpenObject again;
     again.type = object.type;
     again.options = object.asked.options;
     again.asked = object.asked;
-    const ObjectName name{object.type, object.asked.name, object.asked.queueManager};
+    const ObjectName name{object.type, object.asked.name, object.asked.queueManager, object.asked.dynamicName};
     if (const Outcome opened = openByType(connection, name, again); opened.failed()) return opened;
     again.savedContext = object.savedContext;
     // Messages that outlive the queue manager's end keep their keys, so browsing goes on where it stood.

@@ -22,6 +22,9 @@ struct ObjectName {
 // messages cannot be put.
 objects::FoundQueue resolveForPut(Connection &connection, const ObjectName &name);
 
+// What every MQOPEN asks first: MQRC_Q_MGR_QUIESCING, MQRC_HANDLE_NOT_AVAILABLE.
+Outcome mayOpen(Connection &connection, MQLONG options);
+
 // Opens the object with options (MQOO_, checked) and leaves its handle in `hobj`. Beside the reasons of name
 // resolution: MQRC_OBJECT_TYPE_ERROR, MQRC_OPTION_NOT_VALID_FOR_TYPE, MQRC_OBJECT_IN_USE, MQRC_HANDLE_NOT_AVAILABLE,
 // MQRC_Q_MGR_QUIESCING, and for a model queue those of makeDynamicQueue.

@@ -78,7 +78,7 @@ Outcome placeOnTransmissionQueue(Connection &connection, const objects::QueueDef
                                  const PutRequest &request, store::NewMessage &message)
 {
     if (queue.remote) {
-        TransmissionMessage onItsWay(connection, queue, message);
+        TransmissionMessage onItsWay(connection, queue, message, request.distribution);
         return place(connection, queue, request, onItsWay.message());
     }
     const Outcome whole = checkOwnHeader(message);

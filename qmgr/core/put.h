@@ -14,12 +14,15 @@
 
 namespace mqrig::qmgr::core {
 
+class DistributionHeader;
+
 struct PutRequest {
     MQLONG options = MQPMO_NONE;      // checked: no two that exclude each other
     MQLONG openOptions = MQOO_OUTPUT; // MQOO_ bits of the handle; MQPUT1: those that its options ask for
     MQHOBJ contextHandle = MQHO_NONE; // MQPMO.Context
     std::unique_ptr<LogicalOrder> *logicalOrder = nullptr; // of the handle; MQPUT1 has none
-    UnitOfWork *unit = nullptr;       // that the message joins; none: as MQPMO_SYNCPOINT says
+    UnitOfWork *unit = nullptr;                            // that the message joins; none: as MQPMO_SYNCPOINT says
+    const DistributionHeader *distribution = nullptr;      // whom a message on a transmission queue is for, if several
 
     bool has(MQLONG anyOf) const { return (options & anyOf) != 0; }
 };

@@ -50,18 +50,23 @@ std::byte *append(std::byte *at, const void *from, std::size_t length)
 } // namespace
 
 TransmissionMessage::TransmissionMessage(Connection &connection, const objects::QueueDefinition &queue,
-                                         const store::NewMessage &original)
+                                         const store::NewMessage &original, const DistributionHeader *distribution)
     : message_(original)
 {
+    // Headers are made from the data outwards, each describing what stands behind it.
     const MQLONG ccsid = connection.queueManager().codedCharSetId;
     MQMD &md = message_.header.md;
     const MQMDE extension = extensionOf(md);
     const bool extended = !fitsVersion1(md);
     if (extended) describeHeader(md, MQFMT_MD_EXTENSION, ccsid);
+    const MQMD behindDistribution = md;
+    if (distribution != nullptr) describeHeader(md, MQFMT_DIST_HEADER, ccsid);
 
     MQXQH header = {MQXQH_DEFAULT};
-    std::copy(queue.remoteQueue.begin(), queue.remoteQueue.end(), header.RemoteQName);
-    std::copy(queue.remoteQueueManager.begin(), queue.remoteQueueManager.end(), header.RemoteQMgrName);
+    const bool one = distribution == nullptr;
+    objects::fillField(header.RemoteQName, sizeof header.RemoteQName, one ? objects::fieldText(queue.remoteQueue) : "");
+    objects::fillField(header.RemoteQMgrName, sizeof header.RemoteQMgrName,
+                       one ? objects::fieldText(queue.remoteQueueManager) : "");
     std::memcpy(&header.MsgDesc, &md, sizeof header.MsgDesc);
     header.MsgDesc.Version = MQMD_VERSION_1;
 
@@ -69,10 +74,12 @@ TransmissionMessage::TransmissionMessage(Connection &connection, const objects::
     describeHeader(md, MQFMT_XMIT_Q_HEADER, ccsid);
 
     const std::size_t properties = original.header.coreLength;
-    const std::size_t length = original.body.size() + sizeof header + (extended ? sizeof extension : 0);
+    const std::size_t length =
+        original.body.size() + sizeof header + (one ? 0 : distribution->size()) + (extended ? sizeof extension : 0);
     body_ = std::make_unique_for_overwrite<std::byte[]>(length);
     std::byte *at = append(body_.get(), original.body.data(), properties);
     at = append(at, &header, sizeof header);
+    if (!one) at = distribution->write(behindDistribution, at);
     if (extended) at = append(at, &extension, sizeof extension);
     append(at, original.body.data() + properties, original.body.size() - properties);
     message_.body = {body_.get(), length};

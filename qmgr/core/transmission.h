@@ -2,6 +2,7 @@
 //
 //   separate MQMD        made by the queue manager: what programs that read the transmission queue see
 //   MQXQH                where the message is going, and the program's MQMD in version 1
+//   MQDH                 to whom, if that are several
 //   MQMDE                what version 2 has beyond that, where it is not what every message has
 //   data
 //
@@ -13,6 +14,7 @@
 
 #include "cmqc.h"
 #include "qmgr/core/connection.h"
+#include "qmgr/core/distribution_header.h"
 #include "qmgr/objects/queue_definition.h"
 #include "qmgr/store/message.h"
 #include "qmgr/store/outcome.h"
@@ -26,8 +28,9 @@ inline constexpr MQLONG flagsOnlyElsewhere = MQMF_ACCEPT_UNSUP_IF_XMIT_MASK;
 class TransmissionMessage {
 public:
     // `original`: complete, context included. `queue`: the transmission queue with the names of the destination.
+    // `distribution`: the destinations, where they are several.
     TransmissionMessage(Connection &connection, const objects::QueueDefinition &queue,
-                        const store::NewMessage &original);
+                        const store::NewMessage &original, const DistributionHeader *distribution = nullptr);
 
     // Valid as long as this object.
     store::NewMessage &message() { return message_; }

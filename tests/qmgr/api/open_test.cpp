@@ -244,16 +244,6 @@ TEST_F(Open, UnknownObjectTypeIs2043)
     EXPECT_EQ(codesOf(odOfType(999, "Q1"), MQOO_OUTPUT), failed(MQRC_OBJECT_TYPE_ERROR));
 }
 
-TEST_F(Open, DistributionListIs2298)
-{
-    MQOD od = {MQOD_DEFAULT};
-    od.Version = MQOD_VERSION_2;
-    od.RecsPresent = 1;
-    EXPECT_EQ(codesOf(od, MQOO_OUTPUT), failed(MQRC_FUNCTION_NOT_SUPPORTED));
-    od.RecsPresent = -1;
-    EXPECT_EQ(codesOf(od, MQOO_OUTPUT), failed(MQRC_RECS_PRESENT_ERROR));
-}
-
 TEST_F(Open, SelectionStringIs2298)
 {
     char selection[] = "Colour = 'red'";
