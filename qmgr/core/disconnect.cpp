@@ -20,7 +20,7 @@ void closeTriggered(Connection &connection)
         if (object.opens.input == 0) continue;
         const std::string_view name = objects::fieldText(object.hold.queue->name);
         const objects::FoundQueue found = connection.catalog.definition(name);
-        if (!found.outcome.failed() && found.hold.queue->watchesPuts) (void)closeObject(connection, hobj);
+        if (!found.outcome.failed() && found.hold.queue->watchesPuts) (void)closeObject(connection, hobj, MQCO_NONE);
     }
 }
 

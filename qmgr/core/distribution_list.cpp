@@ -263,7 +263,7 @@ Outcome putToList(Connection &connection, DistributionList &list, const PutReque
     if (request.has(MQPMO_SYNCPOINT)) {
         put.run(nullptr);
     } else {
-        PrivateUnit unit(*connection.store);
+        PrivateUnit unit(connection);
         put.run(&*unit);
         if (const Outcome committed = unit.commit(); committed.failed())
             for (Destination &destination : list.destinations)
