@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <string>
 
+#include "qmgr/core/lifecycle.h"
 #include "qmgr/store/paths.h"
 #include "qmgr/store/queue_managers.h"
 #include "subcommand.h"
@@ -21,6 +22,7 @@ int endCommand(const Arguments &arguments)
 {
     const std::string name(arguments.names().front());
     const auto folder = qmgr::store::defaultStoreFolder();
+    qmgr::core::announceEnd(folder, name, howToEnd(arguments));
     const qmgr::Outcome outcome = qmgr::store::endQueueManager(folder, name, howToEnd(arguments));
     if (!outcome.ok()) return reportFailure(name, outcome);
 
