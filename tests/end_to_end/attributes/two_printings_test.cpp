@@ -36,6 +36,7 @@ struct TestObject {
     const char *display;   // what the command language calls it
     bool isQueue;
     std::vector<const char *> commands; // that make it
+    const char *firstUse = "true";      // what else makes it
 };
 std::ostream &operator<<(std::ostream &out, const TestObject &object)
 {
@@ -79,6 +80,13 @@ const TestObject testObjects[] = {
      {"DEFINE QLOCAL(QM9) USAGE(XMITQ)",
       "DEFINE QREMOTE(REMOTE) RNAME(THERE) RQMNAME(QM8) XMITQ(QM9) DESCR('Far away') CLUSTER(C) CLWLPRTY(5) +",
       "DEFBIND(NOTFIXED) DEFPRTY(6) DEFPSIST(YES) SCOPE(CELL)"}},
+    {"DynamicQueue",
+     "-q DYNAMIC",
+     "QLOCAL(DYNAMIC)",
+     true,
+     {"DEFINE QMODEL(MODEL) DEFTYPE(PERMDYN) DESCR('Made of a model') MAXDEPTH(7) DEFSOPT(SHARED) SHARE +",
+      "DEFPRTY(3) TRIGGER TRIGTYPE(EVERY) INITQ(INIT) QDEPTHHI(90) PROPCTL(ALL)"},
+     "mqrig -qm QM1 -q MODEL -dq DYNAMIC -inq MQIA_Q_TYPE"},
     {"Namelist",
      "-nl SHOPS",
      "NAMELIST(SHOPS)",
@@ -212,6 +220,7 @@ protected:
         for (const char *line : GetParam().commands)
             commands += std::string(line) + '\n';
         run(store_.path(), "rigqm create -d QM1 && rigqm mqsc QM1", commands);
+        run(store_.path(), GetParam().firstUse);
     }
 
     TemporaryFolder store_;

@@ -183,10 +183,11 @@ TEST_F(Mqsc, DisplayAllShowsEveryAttributeOnce)
 TEST_F(Mqsc, AnyBytesAreAnswered)
 {
     std::mt19937 random(2);
-    const std::vector<std::string> parts = {"DEF ",  "ALTER ", "DIS ",    "QL",         "QMGR ", "(",
-                                            ")",     "Q1",     "'",       ",",          ";",     "MAXDEPTH",
-                                            "DESCR", "*",      " ",       "9999999999", "\xff",  std::string(1, '\0'),
-                                            "WHERE", "LIKE",   "REPLACE "};
+    const std::vector<std::string> parts = {
+        "DEF ",  "ALTER ", "DIS ",     "QL",    "QMGR ", "(",  ")",          "Q1",    "'",
+        ",",     ";",      "MAXDEPTH", "DESCR", "*",     " ",  "9999999999", "\xff",  std::string(1, '\0'),
+        "WHERE", "LIKE",   "REPLACE ", "NL",    "QA",    "QS", "CONN",       "QUEUE", "NAMES",
+        "TYPE",  "HANDLE", " EQ ",     " CT "};
     for (int i = 0; i < 3000; ++i) {
         std::string line = "X";
         for (std::size_t n = random() % 12; n > 0; --n)
