@@ -9,6 +9,7 @@
 
 #include "qmgr/store/seams.h"
 #include "qmgr/store/store.h"
+#include "qmgr/store/thread_sanitizer.h"
 
 namespace mqrig::qmgr::store {
 
@@ -165,7 +166,10 @@ Outcome LiveEnvironment::beginRead(MDB_txn *&txn)
             }
         }
         const int code = txn == nullptr ? mdb_txn_begin(env_, nullptr, MDB_RDONLY, &txn) : mdb_txn_renew(txn);
-        if (code == 0) return success();
+        if (code == 0) {
+            takeUp(env_);
+            return success();
+        }
         if (txn != nullptr) mdb_txn_abort(txn);
         gate_.leave();
         if (code == MDB_MAP_RESIZED) continue; // grown since we looked: the published size is the new one by now
@@ -176,6 +180,7 @@ Outcome LiveEnvironment::beginRead(MDB_txn *&txn)
 
 void LiveEnvironment::endRead(MDB_txn *txn)
 {
+    handOver(env_);
     mdb_txn_reset(txn);
     {
         const std::scoped_lock lock(readersMutex_);
@@ -201,6 +206,7 @@ Outcome LiveEnvironment::beginWrite(MDB_txn *&txn, std::size_t room)
             gate_.leave();
             return outcomeOfLive(code);
         }
+        takeUp(env_);
         if (room == 0 || hasRoom(room) || hasFreePages(room)) return success();
         abortWrite(txn);
         txn = nullptr;
@@ -212,6 +218,7 @@ int LiveEnvironment::commitWrite(MDB_txn *txn)
 {
     int code = injectedError(StorageCall::LiveCommit);
     if (code == 0) {
+        handOver(env_);
         code = mdb_txn_commit(txn);
     } else {
         mdb_txn_abort(txn);

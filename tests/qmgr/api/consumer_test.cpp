@@ -179,6 +179,7 @@ TEST_F(Consumer, ItsCallsJoinTheUnitOfWorkThatItEnds)
     EXPECT_EQ(diary.entries(2)[1].md.BackoutCount, 1);
     EXPECT_EQ(depth("Q1"), 0);
     EXPECT_EQ(depth("Q2"), 1);
+    disconnect(hconn); // before what the callback uses goes
 }
 
 TEST_F(Consumer, SeveralTakeTurnsOneAtATime)
@@ -205,6 +206,7 @@ TEST_F(Consumer, SeveralTakeTurnsOneAtATime)
         EXPECT_NE(found[i], found[i + 1]);
     put(other, open(other, "Q2", MQOO_OUTPUT), "late");
     EXPECT_EQ(bodies(21).back(), "late");
+    disconnect(hconn); // before what the callback uses goes
 }
 
 TEST_F(Consumer, MayRegisterAnotherAndDeregisterItself)
@@ -244,6 +246,7 @@ TEST_F(Consumer, ClosingItsObjectDeregistersIt)
     put(other, otherQ1, "x");
     EXPECT_EQ(closed.get_future().get(), ok);
     EXPECT_EQ(diary.entries(2)[1].context.CallType, MQCBCT_DEREGISTER_CALL);
+    disconnect(hconn); // before what the callback uses goes
 }
 
 TEST_F(Consumer, DisconnectingStopsIt)
@@ -455,6 +458,7 @@ TEST_F(Consumer, StartWaitInACallbackIs2012)
     put(other, otherQ1, "x");
     control(hconn, MQOP_START);
     EXPECT_EQ(answered.get_future().get(), failed(MQRC_ENVIRONMENT_ERROR));
+    disconnect(hconn); // before what the callback uses goes
 }
 
 // ---- What is refused ----

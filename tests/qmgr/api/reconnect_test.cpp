@@ -175,6 +175,7 @@ TEST_F(Reconnect, CallsOfTheHandlerMeanwhileAre2219)
     MQHCONN other = connect();
     put(other, open(other, "Q1", MQOO_OUTPUT), "there");
     EXPECT_EQ(got.get().body, "there");
+    disconnect(hconn); // before what the callback uses goes
 }
 
 TEST_F(Reconnect, TheHandlerMayUseTheConnectionAgainWhenItIsToldSo)
@@ -189,6 +190,7 @@ TEST_F(Reconnect, TheHandlerMayUseTheConnectionAgainWhenItIsToldSo)
     start();
     EXPECT_EQ(made.get_future().get(), ok);
     EXPECT_EQ(call.get(), ok);
+    disconnect(hconn); // before what the callback uses goes
 }
 
 TEST_F(Reconnect, OthersAreEndedAtOnce)
