@@ -124,6 +124,7 @@ Trigger::Trigger(Connection &connection, UnitOfWork &unit, const objects::QueueH
     initiation_ = std::move(found.hold);
     const std::string_view process = objects::fieldText(triggered.process);
     if (!process.empty()) process_ = connection.catalog.process(process);
+    interval_ = std::int64_t{connection.queueManager().triggerInterval} * 1000;
     possible_ = process_ != nullptr || (process.empty() && triggered.usage == MQUS_TRANSMISSION);
 }
 
@@ -158,8 +159,7 @@ bool Trigger::isDue(store::WriteTransaction &transaction, MQLONG priority) const
     case MQTT_FIRST: {
         const std::uint32_t count = messages(transaction, 2);
         if (cause_ != TriggerCause::Put || count == 1) return count >= 1;
-        const std::int64_t interval = std::int64_t{connection_.queueManager().triggerInterval} * 1000;
-        return count > 1 && store::currentTime() - status.triggerTime >= interval;
+        return count > 1 && store::currentTime() - status.triggerTime >= interval_;
     }
     case MQTT_DEPTH: {
         const auto enough = static_cast<std::uint32_t>(std::max<MQLONG>(queue.triggerDepth, 1));

@@ -51,6 +51,7 @@ private:
     const TriggerCause cause_;
     objects::QueueHold initiation_;
     std::shared_ptr<const objects::ObjectDefinition> process_;
+    std::int64_t interval_ = 0; // TRIGINT in microseconds; read before the transaction, as all definitions are
     bool possible_ = false;
     bool due_ = false;
 };
