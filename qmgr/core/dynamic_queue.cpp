@@ -74,7 +74,16 @@ objects::FoundQueue makeDynamicQueue(Connection &connection, const ObjectDefinit
 
 Outcome removeDynamicQueue(Connection &connection, const objects::QueueDefinition &queue)
 {
-    if (!store::isTemporary(queue.id)) return connection.store->remove(MQOT_Q, queue.object.name(), nullptr);
+    if (!store::isTemporary(queue.id)) {
+        // Others may have found it by its name meanwhile: then it stays.
+        const auto unused = [](const store::QueueStatus &status) {
+            const store::OpenCounts &opens = status.opens;
+            const bool used = status.depth != 0 || status.held != 0 || status.uncommitted != 0 || opens.input != 0 ||
+                              opens.output != 0 || opens.browse != 0;
+            return used ? failure(MQRC_OBJECT_IN_USE) : success();
+        };
+        return connection.store->remove(MQOT_Q, queue.object.name(), unused);
+    }
     store::Definition definition;
     definition.type = MQOT_Q;
     definition.name = queue.object.name();
