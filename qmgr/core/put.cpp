@@ -31,15 +31,34 @@ bool reportsArrival(const objects::QueueDefinition &queue, const MQMD &md)
     return wantsArrivalReport(md) && queue.usage != MQUS_TRANSMISSION;
 }
 
+// Takes back what was put since, unless all of it is to be kept.
+class AllOrNone {
+public:
+    AllOrNone(store::Attachment &store, UnitOfWork &unit) : store_(store), unit_(unit), kept_(unit.puts()) {}
+    ~AllOrNone()
+    {
+        if (!all_) unit_.takeBackPuts(store_, kept_);
+    }
+    AllOrNone(const AllOrNone &) = delete;
+    AllOrNone &operator=(const AllOrNone &) = delete;
+    void keep() { all_ = true; }
+
+private:
+    store::Attachment &store_;
+    UnitOfWork &unit_;
+    std::size_t kept_;
+    bool all_ = false;
+};
+
 // The message and what goes with it: all of it or nothing.
 Outcome putInUnit(Connection &connection, UnitOfWork &unit, const objects::QueueDefinition &queue,
                   const store::NewMessage &message)
 {
-    const std::size_t kept = unit.puts();
+    if (!reportsArrival(queue, message.header.md)) return bookPut(connection, unit, queue, message);
+    AllOrNone all(*connection.store, unit);
     if (const Outcome booked = bookPut(connection, unit, queue, message); booked.failed()) return booked;
-    if (!reportsArrival(queue, message.header.md)) return success();
     const Outcome reported = reportArrival(connection, unit, message);
-    if (reported.failed()) unit.takeBackPuts(*connection.store, kept);
+    if (!reported.failed()) all.keep();
     return reported;
 }
 
@@ -99,25 +118,6 @@ std::size_t longestBody(Connection &connection, const objects::QueueDefinition &
     const std::size_t headers = queue.usage == MQUS_TRANSMISSION && queue.remote ? sizeof(MQXQH) + sizeof(MQMDE) : 0;
     return most - std::min(most, headers);
 }
-
-// Takes back what was put since, unless all of it is to be kept.
-class AllOrNone {
-public:
-    AllOrNone(store::Attachment &store, UnitOfWork &unit) : store_(store), unit_(unit), kept_(unit.puts()) {}
-    ~AllOrNone()
-    {
-        if (!all_) unit_.takeBackPuts(store_, kept_);
-    }
-    AllOrNone(const AllOrNone &) = delete;
-    AllOrNone &operator=(const AllOrNone &) = delete;
-    void keep() { all_ = true; }
-
-private:
-    store::Attachment &store_;
-    UnitOfWork &unit_;
-    std::size_t kept_;
-    bool all_ = false;
-};
 
 // All segments of a message that is too long, in one unit of work.
 Outcome placeSegments(Connection &connection, const objects::QueueDefinition &queue, const PutRequest &request,
