@@ -231,9 +231,13 @@ Outcome Store::end(End how)
             // Calls in progress complete: what they have prepared is logged now; what they prepare from now on is
             // refused by the log lock, and goes with the life.
             if (const Outcome logged = logPrepared(); logged.failed()) return logged;
-            if (const Outcome logged = logState(State::Ended); logged.failed()) return logged;
-            reached(Step::EndLogged);
+            // Before the log says so: whoever finishes the end for a process killed here says the same.
             control().reconnect = how == End::Reconnect ? 1 : 0;
+            if (const Outcome logged = logState(State::Ended); logged.failed()) {
+                if (control().state != State::Ended) control().reconnect = 0;
+                return logged;
+            }
+            reached(Step::EndLogged);
             endLife();
             return success();
         }
