@@ -55,14 +55,20 @@ void Store::wakeSlot(std::uint32_t number)
     futexWake(&slot.watch);
 }
 
-// The mark on the cell goes first: whoever marks it again after that has not slept yet, and whoever marked it before
-// is found in the slots.
+// The mark on the cell is 1 where somebody watches and 2 while the watchers are being woken; whoever watches again sets
+// it to 1 before going to sleep. It goes only when all have been woken, so that the next put does what a killed process
+// has left.
 void Store::wakeWatchers(QueueId queue)
 {
-    if (cellOf(queue).watched.exchange(0) == 0) return;
+    std::atomic<std::uint32_t> &mark = cellOf(queue).watched;
+    std::uint32_t watched = 1;
+    mark.compare_exchange_strong(watched, 2);
+    if (watched == 0) return;
     const std::uint64_t bit = watchBit(queue);
     for (std::uint32_t number = 0; number < control().slotLimit; ++number)
         if ((control().slots[number].watched & bit) != 0) wakeSlot(number);
+    std::uint32_t waking = 2;
+    mark.compare_exchange_strong(waking, 0);
 }
 
 void Store::wakeEverybody()
