@@ -64,21 +64,23 @@ public:
         return true;
     }
 
-    // With the turn. False where requests are left that cannot be served now.
-    bool serveAll()
+    // With the turn.
+    enum class Left { None, Held, Unserved };
+    Left serveAll()
     {
         while (store_.state() == store::State::Running) {
-            if (!findQueue()) return store_.noRequestsLeft();
-            if (queue_.hold.queue->inhibitGet == MQQA_GET_INHIBITED) return false;
+            if (!findQueue()) return store_.noRequestsLeft() ? Left::None : Left::Unserved;
+            if (queue_.hold.queue->inhibitGet == MQQA_GET_INHIBITED) return Left::Unserved;
             if (anyVisible()) {
-                if (!connect() || !serveNext()) return false;
+                if (!connect() || !serveNext()) return Left::Unserved;
             } else {
-                if (store_.noRequestsLeft()) return true;
-                // Held by a server that was killed, or by a program that gets from this queue.
-                if (!store_.releaseDead()) return true;
+                if (store_.noRequestsLeft()) return Left::None;
+                // Held by a program that gets from this queue, or by a server that was killed. Of one that is just
+                // dying the turn is free before its connection is seen to be dead.
+                if (!store_.releaseDead()) return Left::Held;
             }
         }
-        return false;
+        return Left::Unserved;
     }
 
 private:
@@ -241,12 +243,15 @@ Served serveRequests(Connection &program) noexcept
     try {
         for (;;) {
             CommandServer server(program);
+            CommandServer::Left left{};
             {
                 const store::Attachment::RequestTurn turn(store);
                 if (!turn) return Served::ByAnother;
-                if (!server.serveAll()) return Served::Done;
+                left = server.serveAll();
             }
-            if (!store.requestsWaiting() || !server.findQueue() || !server.anyVisible()) return Served::Done;
+            if (left == CommandServer::Left::Unserved) return Served::Done;
+            if (!store.requestsWaiting() || !server.findQueue() || !server.anyVisible())
+                return left == CommandServer::Left::Held ? Served::ByAnother : Served::Done;
         }
     } catch (...) {
         return Served::Done; // no memory: the requests stay where they are

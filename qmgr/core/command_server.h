@@ -25,7 +25,7 @@ namespace mqrig::qmgr::core {
 
 enum class Served {
     Done,      // none is left, or none can be served now
-    ByAnother, // another thread or process is at it; should it die, somebody has to look again
+    ByAnother, // another thread or process is at it or holds one; should it die, somebody has to look again
 };
 
 // Serves what waits. Never called inside a transaction of the store; the caller holds the program's connection.
