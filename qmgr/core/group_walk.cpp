@@ -1,8 +1,7 @@
 #include "qmgr/core/group_walk.h"
 
-#include <algorithm>
 #include <array>
-#include <iterator>
+#include <utility>
 
 #include "qmgr/core/search.h"
 
@@ -108,18 +107,23 @@ std::vector<Member> segmentsOf(store::Transaction &transaction, const Member &me
     return segments;
 }
 
+Availability::Walked Availability::walkedFor(const MQMD &md, bool wholeGroup)
+{
+    const auto group = std::to_array(md.GroupId);
+    if (wholeGroup) return {group, 0, 0, 0};
+    return {group, md.MsgSeqNumber, md.MsgType, md.MsgType == MQMT_REPORT ? md.Feedback : 0};
+}
+
 bool Availability::holdsForMember(const store::MessageKey &key, const store::MessageHeader &header)
 {
     const MQMD &md = header.md;
     const bool wholeGroup = needs_ == MQGMO_ALL_MSGS_AVAILABLE && has(md, MQMF_MSG_IN_GROUP);
     if (!wholeGroup && !has(md, MQMF_SEGMENT)) return true;
-    if (!wholeGroup && md.MsgType == MQMT_REPORT) return logicalMessageIsComplete(transaction_, key.queue, md, now_);
-    std::pair<std::array<MQBYTE, 24>, MQLONG> place{{}, wholeGroup ? 0 : md.MsgSeqNumber};
-    std::copy(std::begin(md.GroupId), std::end(md.GroupId), place.first.begin());
-    if (const auto known = known_.find(place); known != known_.end()) return known->second;
+    const Walked walked = walkedFor(md, wholeGroup);
+    if (const auto known = known_.find(walked); known != known_.end()) return known->second;
     const bool complete = wholeGroup ? groupIsComplete(transaction_, key.queue, md, now_)
                                      : logicalMessageIsComplete(transaction_, key.queue, md, now_);
-    known_.emplace(place, complete);
+    known_.emplace(walked, complete);
     return complete;
 }
 

@@ -6,8 +6,9 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <map>
-#include <utility>
+#include <tuple>
 #include <vector>
 
 #include "cmqc.h"
@@ -20,6 +21,12 @@ struct Member {
     store::MessageKey key;
     store::MessageHeader header;
 };
+
+// Whether both have the place of one logical message in a group.
+inline bool isSameLogicalMessage(const MQMD &one, const MQMD &other)
+{
+    return std::memcmp(one.GroupId, other.GroupId, sizeof one.GroupId) == 0 && one.MsgSeqNumber == other.MsgSeqNumber;
+}
 
 // The segments of the logical message to which this message belongs, from the first to the last, or the message itself
 // if it is no segment. Empty while one is missing. Of reports, only segments of a report of the same kind count.
@@ -46,8 +53,10 @@ private:
     store::Transaction &transaction_;
     MQLONG needs_;
     std::int64_t now_;
-    // By GroupId, and MsgSeqNumber or 0 for the whole group.
-    std::map<std::pair<std::array<MQBYTE, 24>, MQLONG>, bool> known_;
+    // By GroupId, MsgSeqNumber, MsgType and of reports Feedback; by GroupId alone for the whole group.
+    using Walked = std::tuple<std::array<MQBYTE, 24>, MQLONG, MQLONG, MQLONG>;
+    static Walked walkedFor(const MQMD &md, bool wholeGroup);
+    std::map<Walked, bool> known_;
 };
 
 } // namespace mqrig::qmgr::core

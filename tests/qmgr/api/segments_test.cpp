@@ -225,6 +225,31 @@ TEST_F(Segments, ReportsAboutSegmentsArePutTogetherByTheirKind)
     EXPECT_EQ(all(complete), (Bodies{"abcdef" + missing, "ABCDEF" + missing}));
 }
 
+TEST_F(Segments, IncompleteReportDoesNotHideOneOfAnotherKind)
+{
+    const auto report = [&](MQLONG feedback, MQLONG flags, std::string_view data) {
+        MQMD md = mdOf({"S", 1, flags});
+        md.MsgType = MQMT_REPORT;
+        md.Feedback = feedback;
+        md.OriginalLength = 2;
+        EXPECT_EQ(put(hconn, q1, data, md), ok);
+    };
+    report(MQFB_COA, MQMF_SEGMENT, "ab");
+    report(MQFB_COD, MQMF_LAST_SEGMENT, "AB");
+    EXPECT_EQ(all(complete), (Bodies{"AB"}));
+}
+
+TEST_F(Segments, IncompleteDatagramDoesNotHideARequest)
+{
+    putPiece({"S", 1, MQMF_SEGMENT}, "ab");
+    MQMD md = mdOf({"S", 1, MQMF_LAST_SEGMENT});
+    md.MsgType = MQMT_REQUEST;
+    setText(md.ReplyToQ, "Q1");
+    ASSERT_EQ(put(hconn, q1, "request", md), ok);
+    EXPECT_EQ(browsed(MQGMO_COMPLETE_MSG), (Bodies{"request"}));
+    EXPECT_EQ(all(complete), (Bodies{"request"}));
+}
+
 TEST_F(Segments, LargeSegmentsArePutTogether)
 {
     const std::string half(2000000, 'x');
