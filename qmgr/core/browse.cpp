@@ -20,14 +20,15 @@ namespace {
 constexpr std::size_t anyNumber = std::numeric_limits<std::size_t>::max();
 constexpr std::int64_t microsecondsPerMillisecond = 1000;
 
-// The message that `got` names, or with MQGMO_COMPLETE_MSG the logical message that it begins.
-Outcome deliverBrowsed(store::ReadTransaction &transaction, const GetRequest &request, GotMessage &got)
+// The message that `got` names, or with MQGMO_COMPLETE_MSG the logical message that it begins. Nothing if it
+// begins none: a segment is missing, or it is a double.
+std::optional<Outcome> deliverBrowsed(store::ReadTransaction &transaction, const GetRequest &request, GotMessage &got)
 {
     if (!request.has(MQGMO_COMPLETE_MSG) || (got.header.md.MsgFlags & MQMF_SEGMENT) == 0)
         return deliver(request, transaction.body(got.key), got);
     if (got.header.md.Offset != 0) return failure(MQRC_INVALID_MSG_UNDER_CURSOR);
     const std::optional<LogicalMessage> whole = assemble(transaction, {got.key, got.header}, store::currentTime());
-    if (!whole) return failure(MQRC_NO_MSG_UNDER_CURSOR);
+    if (!whole) return std::nullopt;
     got.header = whole->header;
     const Outcome outcome = deliver(request, whole->stored, got);
     return outcome.ok() ? whole->outcome : outcome;
@@ -84,7 +85,7 @@ private:
                 return failure(MQRC_NO_MSG_UNDER_CURSOR);
             got_.key = *object_.cursor;
             got_.header = *header;
-            return deliverBrowsed(transaction, request_, got_);
+            return deliverBrowsed(transaction, request_, got_).value_or(failure(MQRC_NO_MSG_UNDER_CURSOR));
         });
     }
 
@@ -99,6 +100,7 @@ private:
         firstOver_.reset();
         for (;;) {
             Look look{failure(MQRC_NO_MSG_AVAILABLE)};
+            bool nothing = false; // found, but nothing that can be delivered
             const Outcome looked = store_.read([&](store::ReadTransaction &transaction) {
                 showLocked(transaction);
                 search(transaction,
@@ -107,7 +109,9 @@ private:
                 if (found.end == SearchEnd::Found) {
                     got_.key = found.key;
                     got_.header = found.header;
-                    look.outcome = deliverBrowsed(transaction, request_, got_);
+                    const std::optional<Outcome> delivered = deliverBrowsed(transaction, request_, got_);
+                    nothing = !delivered;
+                    if (delivered) look.outcome = *delivered;
                 } else {
                     look.held = transaction.queue(queue).held != 0;
                 }
@@ -116,8 +120,8 @@ private:
             if (looked.failed()) return {looked};
             if (!expired.empty())
                 if (const Outcome removed = removeMet(expired); removed.failed()) return {removed};
-            if (found.end != SearchEnd::Stopped) return look;
-            behind = found.reached;
+            if (found.end != SearchEnd::Stopped && !nothing) return look;
+            behind = nothing ? found.key : found.reached;
         }
     }
 

@@ -106,26 +106,41 @@ private:
             transaction.showLocked(*object_.locked, store_.slot());
     }
 
+    // Whether the browse lock of this handle is on a segment of the message that `got` names.
+    bool locksPart() const
+    {
+        if (!object_.locked) return false;
+        std::optional<store::MessageHeader> locked;
+        static_cast<void>(store_.read([&](store::ReadTransaction &transaction) {
+            showLocked(transaction);
+            locked = transaction.find(*object_.locked);
+            return success();
+        }));
+        return locked && isSameLogicalMessage(locked->md, got_.header.md);
+    }
+
     // The segments of the message that `got` names are got together, as anybody gets them: without the browse lock of
-    // this handle on the first of them.
+    // this handle on one of them.
     std::optional<Outcome> takeWhole()
     {
-        if (object_.locked == got_.key)
+        if (locksPart())
             if (const Outcome unlocked = unlockMessage(connection_, object_); unlocked.failed()) return unlocked;
         return takeSegments(connection_, request_, got_);
     }
 
     // What other messages decide about is looked for in a snapshot, however few there are, and taken if it is still
-    // there. That the others are, too, was true when the call was made: no more is promised.
+    // there. That the others are, too, was true when the call was made: no more is promised. What could not be taken is
+    // gone, or a double that begins no logical message: the search goes on behind it and never meets it again.
     Look nextAvailable()
     {
+        std::optional<store::MessageKey> behind;
         for (;;) {
-            std::optional<store::MessageKey> behind;
             if (const Look look = searchSnapshot(behind); look.outcome.failed()) return look;
             got_.key = found_.key;
             got_.header = found_.header;
             const bool whole = request_.has(MQGMO_COMPLETE_MSG) && (found_.header.md.MsgFlags & MQMF_SEGMENT) != 0;
             if (const std::optional<Outcome> outcome = whole ? takeWhole() : takeFound()) return {*outcome};
+            behind = found_.key;
         }
     }
 

@@ -250,6 +250,54 @@ TEST_F(Segments, IncompleteDatagramDoesNotHideARequest)
     EXPECT_EQ(all(complete), (Bodies{"request"}));
 }
 
+// Two messages for one place: the first one counts, and the other begins nothing while that is there.
+TEST_F(Segments, DoubleIsNoCompleteMessageOfItsOwn)
+{
+    MQMD md = mdOf({"S", 1, MQMF_LAST_SEGMENT});
+    setBytes(md.MsgId, "A");
+    ASSERT_EQ(put(hconn, q1, "first", md), ok);
+    setBytes(md.MsgId, "B");
+    ASSERT_EQ(put(hconn, q1, "double", md), ok);
+    EXPECT_EQ(next(complete, MQMO_MATCH_MSG_ID, md).codes, failed(MQRC_NO_MSG_AVAILABLE));
+    EXPECT_EQ(depth("Q1"), 2);
+    EXPECT_EQ(next(complete).body, "first");
+    EXPECT_EQ(next(complete, MQMO_MATCH_MSG_ID, md).body, "double");
+}
+
+TEST_F(Segments, BrowseGoesOnBehindADouble)
+{
+    putPiece({"S", 1, MQMF_LAST_SEGMENT}, "first");
+    putPiece({"S", 1, MQMF_LAST_SEGMENT}, "double");
+    put(hconn, q1, "single");
+    EXPECT_EQ(browsed(MQGMO_COMPLETE_MSG), (Bodies{"first", "single"}));
+}
+
+TEST_F(Segments, HandleGetsTheMessageOfASegmentThatItHasLocked)
+{
+    putPiece({"S", 1, MQMF_SEGMENT}, "ab");
+    putPiece({"S", 1, MQMF_LAST_SEGMENT, 2}, "cd");
+    ASSERT_EQ(next(MQGMO_BROWSE_FIRST).body, "ab");
+    ASSERT_EQ(next(MQGMO_BROWSE_NEXT | MQGMO_LOCK).body, "cd");
+    const MQHOBJ other = open(hconn, "Q1", everything);
+    EXPECT_EQ(get(hconn, other, complete).codes, failed(MQRC_NO_MSG_AVAILABLE));
+    EXPECT_EQ(next(complete).body, "abcd");
+    EXPECT_EQ(depth("Q1"), 0);
+}
+
+TEST_F(Segments, CompleteMessageLeavesTheLockOnAnother)
+{
+    put(hconn, q1, "single");
+    putThree("S");
+    ASSERT_EQ(next(MQGMO_BROWSE_FIRST | MQGMO_LOCK).body, "single");
+    EXPECT_EQ(get(hconn, open(hconn, "Q1", everything), complete).body, "abcdef");
+    putThree("T");
+    MQMD md = version2Md();
+    setBytes(md.GroupId, "T");
+    EXPECT_EQ(next(complete, MQMO_MATCH_GROUP_ID, md).body, "abcdef");
+    EXPECT_EQ(get(hconn, open(hconn, "Q1", everything)).codes, failed(MQRC_NO_MSG_AVAILABLE));
+    EXPECT_EQ(next().body, "single");
+}
+
 TEST_F(Segments, LargeSegmentsArePutTogether)
 {
     const std::string half(2000000, 'x');
