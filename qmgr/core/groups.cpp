@@ -51,7 +51,8 @@ Outcome setOriginalLength(MQLONG length, MQLONG given, MQMD &md)
         md.OriginalLength = length;
         return success();
     }
-    if (given < length || given < (last ? 0 : 1)) return failure(MQRC_ORIGINAL_LENGTH_ERROR);
+    constexpr auto most = static_cast<MQLONG>(longestMessage);
+    if (given < length || given < (last ? 0 : 1) || given > most) return failure(MQRC_ORIGINAL_LENGTH_ERROR);
     md.OriginalLength = given;
     return success();
 }

@@ -14,6 +14,9 @@
 
 namespace mqrig::qmgr::core {
 
+// The most bytes that a message may have: 100 MiB.
+constexpr std::size_t longestMessage = 104857600;
+
 class DistributionHeader;
 
 struct PutRequest {

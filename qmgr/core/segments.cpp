@@ -5,6 +5,7 @@
 
 #include "qmgr/core/delivery.h"
 #include "qmgr/core/header_chain.h"
+#include "qmgr/core/put.h"
 
 namespace mqrig::qmgr::core {
 namespace {
@@ -18,11 +19,12 @@ MQLONG judgeNext(const MQMD &first, const MQMD &next)
     return next.Encoding == first.Encoding ? MQRC_NONE : MQRC_INCONSISTENT_ENCODINGS;
 }
 
-// The length of a segment within the logical message. A report may have less data than its original.
-std::size_t lengthOf(const Member &segment, std::size_t length)
+// The length of a segment within the logical message. A report may have less data than its original; zeros stand for
+// the rest of it if `filled`.
+std::size_t lengthOf(const Member &segment, std::size_t length, bool filled)
 {
     const MQMD &md = segment.header.md;
-    if (md.MsgType != MQMT_REPORT || md.OriginalLength < 0) return length;
+    if (!filled || md.MsgType != MQMT_REPORT || md.OriginalLength < 0) return length;
     return std::max(length, static_cast<std::size_t>(md.OriginalLength));
 }
 
@@ -34,10 +36,15 @@ std::optional<LogicalMessage> assemble(store::Transaction &transaction, const Me
     if (segments.empty() || segments.front().key != first.key) return std::nullopt;
 
     LogicalMessage whole{.parts = {}, .header = first.header, .stored = {}, .outcome = success()};
-    std::size_t total = 0;
-    for (const Member &segment : segments)
-        total += lengthOf(segment, segment.header.bodyLength);
-    whole.stored.reserve(total);
+    std::size_t length = 0;
+    std::size_t lengthFilled = 0;
+    for (const Member &segment : segments) {
+        length += lengthOf(segment, segment.header.bodyLength, false);
+        lengthFilled += lengthOf(segment, segment.header.bodyLength, true);
+    }
+    // The lengths of originals are what a sender claims: they do not make a message longer than one can be.
+    const bool filled = lengthFilled <= longestMessage;
+    whole.stored.reserve(filled ? lengthFilled : length);
     whole.parts.reserve(segments.size());
     for (const Member &segment : segments) {
         if (const MQLONG reason = judgeNext(first.header.md, segment.header.md)) {
@@ -49,7 +56,7 @@ std::optional<LogicalMessage> assemble(store::Transaction &transaction, const Me
         // Properties are those of the first one.
         const std::span<const std::byte> part = whole.parts.empty() ? stored : body;
         whole.stored.insert(whole.stored.end(), part.begin(), part.end());
-        whole.stored.resize(whole.stored.size() + lengthOf(segment, body.size()) - body.size());
+        whole.stored.resize(whole.stored.size() + lengthOf(segment, body.size(), filled) - body.size());
         whole.parts.push_back(segment);
     }
     // After an error of the store there are no bytes.

@@ -250,6 +250,26 @@ TEST_F(Segments, IncompleteDatagramDoesNotHideARequest)
     EXPECT_EQ(all(complete), (Bodies{"request"}));
 }
 
+TEST_F(Segments, ReportsOfMoreThanAMessageCanHaveAreNotFilled)
+{
+    const auto report = [&](MQLONG offset, MQLONG flags, std::string_view data, MQLONG originalLength) {
+        MQMD md = mdOf({"S", 1, flags, offset});
+        md.MsgType = MQMT_REPORT;
+        md.Feedback = MQFB_COA;
+        md.OriginalLength = originalLength;
+        return put(hconn, q1, data, md);
+    };
+    constexpr MQLONG most = 104857600;
+    EXPECT_EQ(report(0, MQMF_LAST_SEGMENT, "", 999999999), failed(MQRC_ORIGINAL_LENGTH_ERROR));
+    EXPECT_EQ(report(0, MQMF_LAST_SEGMENT, "", most + 1), failed(MQRC_ORIGINAL_LENGTH_ERROR));
+    ASSERT_EQ(report(0, MQMF_SEGMENT, "ab", most), ok);
+    ASSERT_EQ(report(most, MQMF_LAST_SEGMENT, "c", most), ok);
+    EXPECT_EQ(next(MQGMO_COMPLETE_MSG | MQGMO_BROWSE_FIRST).body, "abc");
+    const Got got = next(complete);
+    EXPECT_EQ(got.codes, ok);
+    EXPECT_EQ(got.dataLength, 3);
+}
+
 // Two messages for one place: the first one counts, and the other begins nothing while that is there.
 TEST_F(Segments, DoubleIsNoCompleteMessageOfItsOwn)
 {
