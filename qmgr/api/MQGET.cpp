@@ -1,5 +1,6 @@
 #include <cstddef>
 #include <span>
+#include <utility>
 
 #include "qmgr/api/api.h"
 #include "qmgr/api/follow_options.h"
@@ -120,12 +121,11 @@ bool usesHandle(const MQGMO &gmo)
     return gmo.MsgHandle != MQHM_NONE && (gmo.Options & (propertyOptions & ~MQGMO_PROPERTIES_IN_HANDLE)) == 0;
 }
 
-void fillHandle(core::GotMessage &got, core::MessageHandle &handle)
+// The message has left its queue: for want of memory it would be lost here, so nothing is made, only moved.
+void fillHandle(core::GotMessage &got, core::MessageHandle &handle) noexcept
 {
     handle.md = got.header.md;
-    if (!got.unpacked) return;
-    for (properties::Property &property : got.unpacked->properties)
-        handle.properties.add(std::move(property));
+    if (got.unpacked) handle.properties = std::move(got.unpacked->forHandle);
 }
 
 Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, MQLONG bufferLength, PMQVOID pBuffer,

@@ -1,8 +1,6 @@
 #include "qmgr/core/delivery.h"
 
 #include <cstring>
-#include <set>
-#include <string_view>
 #include <utility>
 
 #include "qmgr/core/md_extension.h"
@@ -33,16 +31,10 @@ std::vector<const properties::Property *> pointersTo(const Properties &propertie
     return pointers;
 }
 
-// What was set goes before what the body says under the same name.
-void appendOthers(Properties &properties, Properties &&inBody)
+void addAll(Properties &&from, properties::PropertySet &to)
 {
-    std::set<std::string_view> names;
-    for (const properties::Property &property : properties)
-        names.insert(property.name);
-    Properties others;
-    for (properties::Property &property : inBody)
-        if (!names.contains(property.name)) others.push_back(std::move(property));
-    properties.insert(properties.end(), std::make_move_iterator(others.begin()), std::make_move_iterator(others.end()));
+    for (properties::Property &property : from)
+        to.add(std::move(property));
 }
 
 class Unpacker {
@@ -64,11 +56,15 @@ public:
             break;
         case PropertyDelivery::InHandle:
             takeFromBody(splitBody());
-            message_->properties = std::move(set_);
-            appendOthers(message_->properties, std::move(inBody_));
+            addAll(std::move(set_), message_->forHandle);
+            // What was set goes before what the body says under the same name.
+            std::erase_if(inBody_, [&](const properties::Property &property) {
+                return message_->forHandle.find(property.name) != nullptr;
+            });
+            addAll(std::move(inBody_), message_->forHandle);
             break;
         case PropertyDelivery::SetInHandle:
-            message_->properties = std::move(set_);
+            addAll(std::move(set_), message_->forHandle);
             break;
         case PropertyDelivery::AsPut:
             break;

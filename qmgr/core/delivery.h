@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "qmgr/core/get.h"
-#include "qmgr/properties/property.h"
+#include "qmgr/properties/property_set.h"
 #include "qmgr/properties/rfh2.h"
 #include "qmgr/store/message.h"
 #include "qmgr/store/outcome.h"
@@ -44,10 +44,10 @@ constexpr bool fillsHandle(PropertyDelivery delivery)
 
 // A message that is not delivered as it stands: properties apart, or an extension of the descriptor in front.
 struct UnpackedMessage {
-    std::vector<std::byte> front;                 // headers in front of the rest
-    std::size_t restAt = 0;                       // in the stored bytes
-    properties::DataForm form;                    // of front and rest
-    std::vector<properties::Property> properties; // for the handle
+    std::vector<std::byte> front;      // headers in front of the rest
+    std::size_t restAt = 0;            // in the stored bytes
+    properties::DataForm form;         // of front and rest
+    properties::PropertySet forHandle; // whole before the message is taken: afterwards nothing may fail
 };
 
 // The parts of a stored message. After an error of the store there are no bytes: then both are empty.

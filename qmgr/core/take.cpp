@@ -4,6 +4,7 @@
 // only transaction that others wait for, so it looks at a few messages only: the rest of a long search goes over a
 // snapshot, and the transaction then begins behind the messages that the snapshot has shown to be of no interest.
 #include <cstddef>
+#include <new>
 #include <optional>
 #include <span>
 
@@ -87,10 +88,8 @@ public:
                 return answer;
             });
             if (updated.failed()) return {updated};
-            // What was found is the connection's own by now: reports about others do not stand in its way.
-            const Outcome reported = reportExpired(connection_, expired_);
-            if (found_.end == SearchEnd::Found) return {finish(taken)};
-            if (reported.failed()) return {reported};
+            if (found_.end == SearchEnd::Found) return {finishThenReport(taken)};
+            if (const Outcome reported = reportExpired(connection_, expired_); reported.failed()) return {reported};
             if (found_.end == SearchEnd::NotFound) return {failure(MQRC_NO_MSG_AVAILABLE), held};
             behind = found_.reached;
             if (expired_.full()) continue;
@@ -222,6 +221,18 @@ private:
         else
             taken.ticket = transaction.take(got_.key);
         return success();
+    }
+
+    // What was found is the connection's own by now, and perhaps locked: reports about others come behind it, and
+    // whatever becomes of them, the program has its message.
+    Outcome finishThenReport(const Taken &taken)
+    {
+        const Outcome finished = finish(taken);
+        try {
+            (void)reportExpired(connection_, expired_);
+        } catch (const std::bad_alloc &) { // NOLINT(bugprone-empty-catch): the reports are lost
+        }
+        return finished;
     }
 
     // After the transaction: the large body, the report, the place in the unit of work, the log.

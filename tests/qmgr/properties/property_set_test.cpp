@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -166,6 +167,22 @@ TEST(PropertySet, RemovesAllOfAPattern)
     set.clear();
     EXPECT_TRUE(set.empty());
     EXPECT_EQ(set.bytes(), 0u);
+}
+
+// A message handle takes over what a get has made.
+TEST(PropertySet, IsMovedWithAllThatItKnows)
+{
+    PropertySet from = setOf({{"a", "1"}, {"f.x", "2"}, {"b", "3"}});
+    PropertySet set = setOf({{"old", "0"}});
+    static_assert(std::is_nothrow_move_assignable_v<PropertySet>);
+    set = std::move(from);
+    EXPECT_EQ(shown(set), "a=1 b=3 f.x=2");
+    EXPECT_EQ(set.bytes(), 8u);
+    EXPECT_EQ(set.find("old"), nullptr);
+    ASSERT_NE(set.find("f.x"), nullptr);
+    set.add(text("c", "4"));
+    EXPECT_TRUE(set.remove("a"));
+    EXPECT_EQ(shown(set), "b=3 c=4 f.x=2");
 }
 
 TEST(PropertySet, HoldsTensOfThousands)
