@@ -72,8 +72,13 @@ public:
             makeHeader();
             break;
         case PropertyDelivery::InHeaderForJms:
+            // The body is read only where what was set does not decide.
+            if (properties::anyForJms(pointersTo(set_))) {
+                makeHeader();
+                break;
+            }
             const properties::Split split = splitBody();
-            if (properties::anyForJms(pointersTo(set_)) || properties::anyForJms(pointersTo(inBody_)))
+            if (properties::anyForJms(pointersTo(inBody_)))
                 makeHeader();
             else
                 takeFromBody(split);

@@ -9,6 +9,7 @@
 // How to add an attribute: a row in attributesOf of folder_reader.cpp, and its text in folder_writer.cpp.
 #pragma once
 
+#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,8 +26,12 @@ enum class FolderKind {
     Malformed,
 };
 
-// Reads what the text holds, appending to `properties`. Of a malformed text it may have appended some.
-FolderKind readFolder(std::string_view text, std::vector<Property> &properties);
+// Memory that the properties of one message may take beyond what goes with the length of their text.
+inline constexpr std::size_t folderAllowance = 65536;
+
+// Reads what the text holds, appending to `properties`. Of a malformed text it may have appended some. Malformed is
+// also what would take far more memory than its text, and more than is left of `allowance`, from which a folder takes.
+FolderKind readFolder(std::string_view text, std::vector<Property> &properties, std::size_t &allowance);
 
 // Whether a folder of this name holds properties without being marked with content='properties'.
 bool isPropertyFolder(std::string_view folder);

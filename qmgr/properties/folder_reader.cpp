@@ -14,9 +14,11 @@
 namespace mqrig::qmgr::properties {
 namespace {
 
-// Deeply nested elements repeat the names above them in every property: from here on it is no honest folder.
-constexpr std::size_t mostGrowth = 8;
-constexpr std::size_t alwaysAllowed = 65536;
+// Deeply nested elements repeat the names above them in every property, and the shortest ones make a property of four
+// bytes: from here on it is no honest folder. The shortest property that the writer writes, "<a></a>", is below that.
+constexpr std::size_t mostGrowth = 24;
+// Of a property itself, about, and the same on every platform: what one of them writes all of them read.
+constexpr std::size_t propertyCost = 128;
 constexpr std::size_t longestName = 4 * MQ_MAX_PROPERTY_NAME_LENGTH;
 
 constexpr std::string_view blanks = " \t\r\n";
@@ -59,8 +61,8 @@ void attributesOf(std::string_view name, const std::string &value, Attributes &a
 
 class Reader {
 public:
-    Reader(std::string_view text, std::vector<Property> &properties)
-        : text_(text), properties_(properties), room_(mostGrowth * text.size() + alwaysAllowed)
+    Reader(std::string_view text, std::vector<Property> &properties, std::size_t allowance)
+        : text_(text), properties_(properties), room_(mostGrowth * text.size() + allowance)
     {
     }
 
@@ -73,6 +75,8 @@ public:
         }
         return open_.empty() && isBlank(value_) ? FolderKind::Properties : FolderKind::Malformed;
     }
+
+    std::size_t room() const { return room_; }
 
 private:
     // An element whose end has not been met.
@@ -148,7 +152,7 @@ private:
         property.name = nameInFolder(path.substr(0, folder), path.substr(folder + 1));
         property.descriptor = element.attributes.descriptor;
         readValue(element.attributes, property);
-        const std::size_t size = property.name.size() + property.value.size();
+        const std::size_t size = propertyCost + property.name.size() + property.value.size();
         if (size > room_) return false;
         room_ -= size;
         properties_.push_back(std::move(property));
@@ -256,7 +260,7 @@ private:
 
     std::string_view text_;
     std::vector<Property> &properties_;
-    std::size_t room_; // for what the properties hold
+    std::size_t room_; // for the properties
     std::size_t at_ = 0;
     std::vector<Element> open_;
     std::string path_;
@@ -266,12 +270,15 @@ private:
 
 } // namespace
 
-FolderKind readFolder(std::string_view text, std::vector<Property> &properties)
+FolderKind readFolder(std::string_view text, std::vector<Property> &properties, std::size_t &allowance)
 {
     // Zero bytes at the end fill some programs' folders up.
     while (text.ends_with('\0'))
         text.remove_suffix(1);
-    return Reader(text, properties).read();
+    Reader reader(text, properties, allowance);
+    const FolderKind kind = reader.read();
+    if (kind == FolderKind::Properties) allowance = std::min(allowance, reader.room());
+    return kind;
 }
 
 } // namespace mqrig::qmgr::properties

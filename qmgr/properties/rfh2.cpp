@@ -126,7 +126,7 @@ struct Remainder {
 };
 
 Remainder takeFolders(std::span<const std::byte> pairs, const DataForm &form, const Fixed &fixed,
-                      std::vector<Property> &properties)
+                      std::vector<Property> &properties, std::size_t &allowance)
 {
     Remainder remainder;
     const TextForm written{fixed.nameValueCcsid, form.encoding};
@@ -149,7 +149,7 @@ Remainder takeFolders(std::span<const std::byte> pairs, const DataForm &form, co
         const std::size_t before = properties.size();
         FolderKind kind = FolderKind::Malformed;
         if (convertText(textIn(pairs.subspan(sizeof(MQLONG), pair - sizeof(MQLONG))), written, {}, text))
-            kind = readFolder(text, properties);
+            kind = readFolder(text, properties, allowance);
         if (kind == FolderKind::Properties) {
             remainder.anyTaken = true;
         } else {
@@ -181,7 +181,8 @@ public:
                 break;
             }
             const auto header = body_.subspan(split_.restAt, fixed->length);
-            const Remainder remainder = takeFolders(header.subspan(fixedLength), form_, *fixed, properties_);
+            const Remainder remainder =
+                takeFolders(header.subspan(fixedLength), form_, *fixed, properties_, allowance_);
             fault(remainder.reason);
             going = remainder.reason != MQRC_RFH_ERROR;
             anyTaken = anyTaken || remainder.anyTaken;
@@ -232,6 +233,7 @@ private:
     std::span<const std::byte> body_;
     DataForm form_; // of what comes next
     std::vector<Property> &properties_;
+    std::size_t allowance_ = folderAllowance; // one for all headers
     Split split_;
     std::optional<std::size_t> last_; // where the last header that stays begins
     DataForm lastForm_;

@@ -229,6 +229,23 @@ TEST_F(PropertyDelivery, MalformedHeadersStayInTheBody)
     }
 }
 
+TEST_F(PropertyDelivery, FoldersThatWouldTakeFarMoreMemoryStayInTheBody)
+{
+    std::string folder = "<usr>";
+    for (int i = 0; i < 100000; ++i)
+        folder += "<b/>";
+    const std::string body = withFolders({folder + "</usr>"}, "hello");
+    for (int i = 0; i < 2; ++i)
+        ASSERT_EQ(put(hconn, q1, body, ofFormat("MQHRF2")), ok);
+    const Got got = getInto(target, MQGMO_PROPERTIES_IN_HANDLE, 500000);
+    EXPECT_EQ(got.codes, ok);
+    EXPECT_EQ(got.body, body);
+    EXPECT_EQ(shown(target), "");
+    const Got plain = get(hconn, q1, version2Md(), gmoWith(MQGMO_NO_SYNCPOINT), 500000);
+    EXPECT_EQ(plain.codes, ok);
+    EXPECT_EQ(plain.body, body);
+}
+
 TEST_F(PropertyDelivery, WhatWasSetGoesBeforeTheBody)
 {
     set(hmsg, "a", "handle");

@@ -15,7 +15,8 @@ struct Read {
 Read read(std::string_view text)
 {
     Read result;
-    result.kind = readFolder(text, result.properties);
+    std::size_t allowance = folderAllowance;
+    result.kind = readFolder(text, result.properties, allowance);
     return result;
 }
 
@@ -187,6 +188,43 @@ TEST(FolderReader, NamesDoNotMultiplyTheMemory)
     for (int i = 0; i < 1000; ++i)
         text += "</abc>";
     EXPECT_EQ(read(text + "</usr>").kind, FolderKind::Malformed);
+}
+
+std::string repeated(std::string_view element, int times)
+{
+    std::string text = "<usr>";
+    for (int i = 0; i < times; ++i)
+        text += element;
+    return text + "</usr>";
+}
+
+TEST(FolderReader, EmptyElementsDoNotMultiplyTheMemory)
+{
+    const Read result = read(repeated("<b/>", 1000000));
+    EXPECT_EQ(result.kind, FolderKind::Malformed);
+    // Memory is bounded while the text is read, not afterwards.
+    EXPECT_LT(result.properties.size(), 1000000u);
+    EXPECT_EQ(read(repeated("<b/>", 1000)).kind, FolderKind::Properties);
+}
+
+TEST(FolderReader, ManySmallPropertiesAreAllowed)
+{
+    EXPECT_EQ(read(repeated("<a>1</a>", 100000)).properties.size(), 100000u);
+    EXPECT_EQ(read(repeated("<a></a>", 100000)).kind, FolderKind::Properties);
+}
+
+TEST(FolderReader, FoldersShareTheirAllowance)
+{
+    std::vector<Property> properties;
+    std::size_t allowance = folderAllowance;
+    const std::string folder = repeated("<b/>", 1500);
+    EXPECT_EQ(readFolder(folder, properties, allowance), FolderKind::Properties);
+    const std::size_t left = allowance;
+    EXPECT_LT(left, folderAllowance);
+    EXPECT_EQ(readFolder(folder, properties, allowance), FolderKind::Malformed);
+    EXPECT_EQ(allowance, left) << "what is refused takes nothing";
+    EXPECT_EQ(readFolder("<usr><colour>red</colour></usr>", properties, allowance), FolderKind::Properties);
+    EXPECT_EQ(allowance, left) << "a folder does with what goes with its text";
 }
 
 TEST(FolderWriter, WritesTypesAndGroups)
