@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "qmgr/properties/record.h"
@@ -119,17 +120,20 @@ Outcome attachProperties(Connection &connection, const PutHandles &handles, stor
     return success();
 }
 
-void rememberPut(const PutHandles &handles, const MQMD &md, std::span<const std::byte> record)
+void rememberPut(const PutHandles &handles, const MQMD &md, std::span<const std::byte> record) noexcept
 {
     if (handles.original != nullptr) handles.original->properties.resetCursor();
     if (handles.created == nullptr) return;
-    std::vector<properties::Property> put;
-    (void)properties::readRecord(record, put);
-    properties::PropertySet all;
-    for (properties::Property &property : put)
-        all.add(std::move(property));
-    handles.created->properties = std::move(all);
-    handles.created->md = md;
+    try {
+        std::vector<properties::Property> put;
+        (void)properties::readRecord(record, put);
+        properties::PropertySet all;
+        for (properties::Property &property : put)
+            all.add(std::move(property));
+        handles.created->properties = std::move(all);
+        handles.created->md = md;
+    } catch (const std::bad_alloc &) { // NOLINT(bugprone-empty-catch): see the header
+    }
 }
 
 std::vector<std::byte> copiedProperties(std::span<const std::byte> stored, MQLONG relation)

@@ -29,7 +29,8 @@ Outcome attachProperties(Connection &connection, const PutHandles &handles, stor
                          std::vector<std::byte> &stored);
 
 // After the put: the new handle is that of the message which was put. `record`: its properties as they are stored.
-void rememberPut(const PutHandles &handles, const MQMD &md, std::span<const std::byte> record);
+// For want of memory the handle keeps what it had: a put that is done is not told to have failed, or it is done again.
+void rememberPut(const PutHandles &handles, const MQMD &md, std::span<const std::byte> record) noexcept;
 
 // Those of a stored message's properties that are copied into another one. `relation`: MQCOPY_REPORT and its like.
 std::vector<std::byte> copiedProperties(std::span<const std::byte> stored, MQLONG relation);
