@@ -33,8 +33,11 @@ void openDestination(Connection &connection, Destination &destination)
 {
     find(connection, destination);
     if (destination.outcome.failed()) return;
-    destination.outcome = countOutput(*connection.store, *destination.hold.queue, oneOutput);
-    if (destination.outcome.failed()) destination.hold = {};
+    // The destination has its queue only once the open is counted: closeList, which also cleans up after an exception,
+    // counts down for every queue that it sees.
+    objects::QueueHold hold = std::exchange(destination.hold, {});
+    destination.outcome = countOutput(*connection.store, *hold.queue, oneOutput);
+    if (!destination.outcome.failed()) destination.hold = std::move(hold);
 }
 
 // One put of a list, destination by destination.
@@ -212,8 +215,8 @@ Outcome openList(Connection &connection, DistributionList &list, MQLONG options,
         for (Destination &destination : list.destinations)
             openDestination(connection, destination);
     } catch (...) {
-        (void)closeList(connection, list);
         connection.handles.remove(added);
+        (void)closeList(connection, list);
         throw;
     }
     const Outcome outcome = combined(list);
