@@ -16,8 +16,8 @@ using namespace std::chrono_literals;
 constexpr std::size_t firstBuffer = 4096;
 // How long a consumer is left alone whose queue has its gets inhibited.
 constexpr auto troublePause = 1s;
-// How often the thread looks whether those live who hold messages, like any getter.
-constexpr auto holdersPause = 500ms;
+// How often the thread looks for what wakes nobody, such as the death of who holds messages, like any getter.
+constexpr auto oftenPause = 500ms;
 
 // What ends the consuming for all consumers of the connection.
 bool endsConnection(MQLONG reason)
@@ -249,13 +249,16 @@ Consumers::Turn Consumers::nothingFor(Consumer &consumer)
     return {true};
 }
 
-// Which queues the consumers have, and whether messages on them are held. True if there are others than before.
+// Which queues the consumers have, and whether something may bring them a message that wakes nobody: the death of who
+// holds one, a mark that runs out, a request that the program serving it leaves behind. True if there are others than
+// before.
 bool Consumers::lookAtQueues(const List &consumers)
 {
     std::vector<store::QueueId> queues;
-    held_ = false;
+    looksOften_ = false;
     const core::ConnectionUse use(hconn_);
     if (use.outcome().failed()) return false;
+    looksOften_ = use->store->requestsWaiting();
     for (const auto &consumer : consumers) {
         if (consumer->gone || consumer->suspended) continue;
         const core::OpenObject *object = use->handles.find(consumer->request.hobj);
@@ -263,8 +266,10 @@ bool Consumers::lookAtQueues(const List &consumers)
         queues.push_back(object->hold.queue->id);
     }
     static_cast<void>(use->store->read([&](store::ReadTransaction &transaction) {
-        for (const store::QueueId queue : queues)
-            held_ = held_ || transaction.queue(queue).held != 0;
+        for (const store::QueueId queue : queues) {
+            const store::QueueStatus status = transaction.queue(queue);
+            looksOften_ = looksOften_ || status.held != 0 || status.marked != 0;
+        }
         return success();
     }));
     const bool others = queues != queues_;
@@ -275,10 +280,13 @@ bool Consumers::lookAtQueues(const List &consumers)
 store::Deadline Consumers::whenToLookAgain(const List &consumers) const
 {
     store::Deadline until = store::unlimitedWait;
-    if (held_) until = Clock::now() + holdersPause;
+    if (looksOften_) until = Clock::now() + oftenPause;
     for (const auto &consumer : consumers) {
         if (consumer->gone || consumer->suspended) continue;
-        if (consumer->told != MQRC_NONE) until = std::min(until, consumer->notBefore);
+        if (consumer->told != MQRC_NONE) { // its interval may pass before it has a turn
+            until = std::min(until, consumer->notBefore);
+            continue;
+        }
         const MQGMO &gmo = consumer->request.gmo;
         if ((gmo.Options & MQGMO_WAIT) != 0 && gmo.WaitInterval > 0 && consumer->wants(MQCBDO_EVENT_CALL))
             until = std::min(until, consumer->waitingSince + std::chrono::milliseconds(gmo.WaitInterval));

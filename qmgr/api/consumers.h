@@ -85,7 +85,7 @@ private:
     std::vector<std::byte> buffer_;
     std::size_t next_ = 0;
     std::vector<store::QueueId> queues_;
-    bool held_ = false; // somebody holds messages of these queues
+    bool looksOften_ = false; // messages may come without a wake
 };
 
 // The consumers of a connection, made at the first use.
