@@ -142,8 +142,14 @@ void Callbacks::postEvent(const Outcome &what)
 void Callbacks::ask(std::unique_lock<std::mutex> &lock, const Outcome &what, Answer &answer)
 {
     if (!handler_ || handler_->suspended) return;
-    calls_.push_back({*handler_, MQCBCT_EVENT_CALL, what, answer.delay, running_ ? nullptr : &answer, MQHO_NONE});
-    if (running_) return;
+    Call call{*handler_, MQCBCT_EVENT_CALL, what, answer.delay, nullptr, MQHO_NONE};
+    if (running_) {
+        calls_.push_back(std::move(call));
+        return;
+    }
+    // Before the calls that have not begun: those, too, might wait for the connection.
+    call.answer = &answer;
+    calls_.push_front(std::move(call));
     if (ofThisThread == this) {
         while (!answer.given)
             makeCall(lock);
@@ -186,10 +192,10 @@ void Callbacks::stop()
 {
     {
         const std::lock_guard lock(mutex_);
+        ending_ = true;
         if (!thread_.joinable()) return;
         static_cast<void>(tellState());
         postLastCall();
-        ending_ = true;
         wake();
     }
     thread_.join();
@@ -288,21 +294,29 @@ void Callbacks::reconnect(std::unique_lock<std::mutex> &lock)
 Outcome Callbacks::control(MQLONG operation, MQPTR connectionArea)
 {
     std::unique_lock lock(mutex_);
+    // Another thread has disconnected meanwhile: no thread is there any more that would do it.
+    if (ending_) return failure(MQRC_HCONN_ERROR);
     switch (operation) {
     case MQOP_START:
     case MQOP_START_WAIT:
         return start(lock, operation, connectionArea);
     case MQOP_STOP:
-        reach(lock, Stage::Stopped);
-        return success();
+        return reach(lock, Stage::Stopped);
     case MQOP_SUSPEND:
     case MQOP_RESUME:
         if (stage_ == Stage::Stopped) return failure(MQRC_OPERATION_NOT_ALLOWED);
-        reach(lock, operation == MQOP_SUSPEND ? Stage::Suspended : Stage::Started);
-        return success();
+        return reach(lock, operation == MQOP_SUSPEND ? Stage::Suspended : Stage::Started);
     default:
         return failure(MQRC_OPERATION_ERROR);
     }
+}
+
+// Waits for the condition; false if the connection ends first.
+template <typename Condition>
+bool Callbacks::await(std::unique_lock<std::mutex> &lock, Condition condition)
+{
+    changed_.wait(lock, [&] { return ending_ || condition(); });
+    return condition();
 }
 
 Outcome Callbacks::start(std::unique_lock<std::mutex> &lock, MQLONG operation, MQPTR connectionArea)
@@ -326,10 +340,12 @@ Outcome Callbacks::start(std::unique_lock<std::mutex> &lock, MQLONG operation, M
     waits_ = waits;
     wanted_ = Stage::Started;
     wake();
-    changed_.wait(lock, [this, starts = starts_] { return starts_ != starts; });
+    bool done = await(lock, [this, starts = starts_] { return starts_ != starts; });
     const bool refused = startRefused_;
-    if (waits || refused) changed_.wait(lock, [this] { return stage_ != Stage::Started && stage_ == wanted_; });
+    if (done && (waits || refused))
+        done = await(lock, [this] { return stage_ != Stage::Started && stage_ == wanted_; });
     waits_ = false;
+    if (!done) return failure(MQRC_HCONN_ERROR);
     if (refused) return failure(MQRC_CONNECTION_STOPPED);
     if (!waits) return success();
     if (stage_ == Stage::Suspended) return warning(MQRC_CONNECTION_SUSPENDED);
@@ -337,12 +353,13 @@ Outcome Callbacks::start(std::unique_lock<std::mutex> &lock, MQLONG operation, M
 }
 
 // Waits for it, unless on the thread that has to do it.
-void Callbacks::reach(std::unique_lock<std::mutex> &lock, Stage stage)
+Outcome Callbacks::reach(std::unique_lock<std::mutex> &lock, Stage stage)
 {
-    if (wanted_ == stage && stage_ == stage) return;
+    if (wanted_ == stage && stage_ == stage) return success();
     wanted_ = stage;
     wake();
-    if (ofThisThread != this) changed_.wait(lock, [this] { return stage_ == wanted_; });
+    if (ofThisThread == this) return success();
+    return await(lock, [this] { return stage_ == wanted_; }) ? success() : failure(MQRC_HCONN_ERROR);
 }
 
 void Callbacks::changeStage(std::unique_lock<std::mutex> &lock)
@@ -381,6 +398,7 @@ store::Deadline Callbacks::consumeOnce(std::unique_lock<std::mutex> &lock, const
     const bool active = consuming_->anyActive();
     lock.lock();
     running_ = false;
+    changed_.notify_all();
     if (done.ended != MQRC_NONE || (waits_ && !active && wanted_ == Stage::Started)) {
         ended_ = done.ended != MQRC_NONE ? done.ended : MQRC_NO_CALLBACKS_ACTIVE;
         wanted_ = Stage::Stopped;

@@ -70,7 +70,7 @@ public:
     // MQCTL, without the connection: MQOP_START, MQOP_START_WAIT, MQOP_STOP, MQOP_SUSPEND, MQOP_RESUME. Returns when it
     // has come true; on the thread itself at once, and it comes true when the callback has returned.
     // MQRC_OPERATION_NOT_ALLOWED, MQRC_HCONN_ASYNC_ACTIVE, MQRC_ENVIRONMENT_ERROR, MQRC_NO_CALLBACKS_ACTIVE,
-    // MQRC_CONNECTION_STOPPED; warning MQRC_CONNECTION_SUSPENDED.
+    // MQRC_CONNECTION_STOPPED; warning MQRC_CONNECTION_SUSPENDED; MQRC_HCONN_ERROR: disconnected meanwhile.
     Outcome control(MQLONG operation, MQPTR connectionArea);
 
     // ---- The reconnection; the caller has the connection ----
@@ -122,7 +122,9 @@ private:
     void reconnect(std::unique_lock<std::mutex> &lock);
     void wake();
     Outcome start(std::unique_lock<std::mutex> &lock, MQLONG operation, MQPTR connectionArea);
-    void reach(std::unique_lock<std::mutex> &lock, Stage stage);
+    Outcome reach(std::unique_lock<std::mutex> &lock, Stage stage);
+    template <typename Condition>
+    bool await(std::unique_lock<std::mutex> &lock, Condition condition);
     void changeStage(std::unique_lock<std::mutex> &lock);
     store::Deadline consumeOnce(std::unique_lock<std::mutex> &lock, const store::Watch &watch);
 

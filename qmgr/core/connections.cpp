@@ -103,6 +103,13 @@ ConnectionEntry *freeEntry(Table &connections)
     return entry.release();
 }
 
+void giveBack(ConnectionEntry *entry)
+{
+    Table &connections = *table.load(std::memory_order_acquire);
+    const std::lock_guard lock(connections.growing);
+    connections.free.push_back(entry); // there is room: freeEntry
+}
+
 } // namespace
 
 MQHCONN addConnection(std::unique_ptr<Connection> connection)
@@ -183,10 +190,10 @@ std::shared_ptr<Callbacks> ConnectionUse::consumingCallbacks(MQHCONN hconn)
 
 void ConnectionUse::announceRemoval(MQHCONN hconn)
 {
-    if (ConnectionEntry *entry = entryOf(hconn)) {
-        entry->leaving.store(hconn);
-        store::futexWake(&entry->leaving);
-    }
+    ConnectionEntry *entry = entryOf(hconn);
+    if (entry == nullptr || (entry->special.load(std::memory_order_relaxed) & special::neverBlocks) != 0) return;
+    entry->leaving.store(hconn);
+    store::futexWake(&entry->leaving);
 }
 
 const std::shared_ptr<Callbacks> &ConnectionUse::callbacks()
@@ -201,7 +208,11 @@ const std::shared_ptr<Callbacks> &ConnectionUse::callbacks()
 
 ConnectionUse::~ConnectionUse()
 {
-    if (connection_ == nullptr || outcome_.failed()) return;
+    if (connection_ == nullptr) {
+        if (entry_ != nullptr) giveBack(entry_);
+        return;
+    }
+    if (outcome_.failed()) return;
     if (connection_->store->requestsWaiting()) [[unlikely]]
         serveRequests(*connection_);
 }
@@ -213,9 +224,6 @@ std::unique_ptr<Connection> ConnectionUse::remove()
     entry_->special.store(0, std::memory_order_relaxed);
     lock_.unlock();
     connection_ = nullptr;
-    Table &connections = *table.load(std::memory_order_acquire);
-    const std::lock_guard lock(connections.growing);
-    connections.free.push_back(entry_);
     return connection;
 }
 

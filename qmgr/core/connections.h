@@ -47,7 +47,8 @@ public:
     Connection &operator*() const { return *connection_; }
     Connection *operator->() const { return connection_; }
 
-    // Takes the connection out of the table; its number means nothing from now on.
+    // Takes the connection out of the table; its number means nothing from now on. Its place in the table is not given
+    // to another before the end of the use, so that its callbacks can be stopped first.
     std::unique_ptr<Connection> remove();
 
     // The connection's callbacks, made at the first use.
@@ -56,7 +57,8 @@ public:
     // Those of a connection whose consumers have it at the moment; null where that is not so.
     static std::shared_ptr<Callbacks> consumingCallbacks(MQHCONN hconn);
 
-    // Lets a reconnection end that the connection is in: it is about to be disconnected.
+    // Lets a reconnection end that the connection is in: it is about to be disconnected. Not with
+    // MQCNO_HANDLE_SHARE_NO_BLOCK: there the MQDISC is refused while the reconnection is in progress.
     static void announceRemoval(MQHCONN hconn);
 
 private:

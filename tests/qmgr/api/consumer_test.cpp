@@ -6,6 +6,9 @@
 #include <future>
 #include <thread>
 
+#include "qmgr/core/callbacks.h"
+#include "qmgr/core/connections.h"
+
 namespace mqrig::qmgr::testing {
 namespace {
 
@@ -325,6 +328,30 @@ TEST_F(Consumer, BrowsingShowsEachMessageOnce)
     EXPECT_EQ(bodies(3), (Bodies{"1", "2", "3"}));
     EXPECT_EQ(diary.entries(3)[2].context.CallType, MQCBCT_MSG_NOT_REMOVED);
     EXPECT_EQ(depth("Q1"), 3);
+}
+
+TEST_F(Consumer, SeesWhoseMarkRunsOut)
+{
+    alterQueueManager({{MQIA_MSG_MARK_BROWSE_INTERVAL, 300}});
+    const MQHOBJ marking = open(other, "Q1", MQOO_BROWSE | MQOO_CO_OP);
+    put(other, otherQ1, "marked");
+    EXPECT_EQ(get(other, marking, {MQMD_DEFAULT}, gmo(MQGMO_BROWSE_FIRST | MQGMO_MARK_BROWSE_CO_OP)).body, "marked");
+    const MQHOBJ browsing = open(hconn, "Q1", MQOO_BROWSE | MQOO_CO_OP);
+    manage(hconn, MQOP_REGISTER, consumerInto(diary), browsing, {MQMD_DEFAULT},
+           gmo(MQGMO_BROWSE_FIRST | MQGMO_UNMARKED_BROWSE_MSG | MQGMO_MARK_BROWSE_CO_OP));
+    control(hconn, MQOP_START);
+    EXPECT_EQ(bodies(1), Bodies{"marked"});
+}
+
+TEST_F(Consumer, ControllingWhatAnotherThreadHasDisconnectedIs2018)
+{
+    consume();
+    // As far as an MQCTL has come when another thread disconnects.
+    const std::shared_ptr<core::Callbacks> callbacks = core::ConnectionUse(hconn).callbacks();
+    EXPECT_EQ(control(hconn, MQOP_START), ok);
+    EXPECT_EQ(disconnect(hconn), ok);
+    for (const MQLONG operation : {MQOP_START, MQOP_STOP, MQOP_SUSPEND, MQOP_RESUME})
+        EXPECT_EQ(callbacks->control(operation, nullptr).Reason, MQRC_HCONN_ERROR);
 }
 
 TEST_F(Consumer, TheSelectionHoldsForEachMessage)

@@ -8,6 +8,8 @@
 #include <set>
 #include <thread>
 
+#include "qmgr/core/callbacks.h"
+#include "qmgr/core/connections.h"
 #include "qmgr/store/queue_managers.h"
 
 namespace mqrig::qmgr::testing {
@@ -72,6 +74,39 @@ TEST_F(Reconnect, AWaitingGetGoesOn)
     MQHCONN other = connect();
     put(other, open(other, "Q1", MQOO_OUTPUT), "after the restart");
     EXPECT_EQ(got.get().body, "after the restart");
+}
+
+TEST_F(Reconnect, ADisconnectThatWasRefusedChangesNothing)
+{
+    MQHCONN impatient = connectWith(MQCNO_RECONNECT_Q_MGR | MQCNO_HANDLE_SHARE_NO_BLOCK);
+    const MQHOBJ its = open(impatient, "Q1", everything);
+    auto got = std::async(std::launch::async, [&] { return get(impatient, its, version2Md(), waiting()); });
+    MQHCONN same = impatient;
+    EXPECT_TRUE(comesTrue([&] { return commit(impatient) == failed(MQRC_CALL_IN_PROGRESS); }));
+    EXPECT_EQ(disconnect(same), failed(MQRC_CALL_IN_PROGRESS));
+    endToReconnect();
+    std::this_thread::sleep_for(50ms);
+    start();
+    MQHCONN other = connect();
+    put(other, open(other, "Q1", MQOO_OUTPUT), "there");
+    EXPECT_EQ(got.get().body, "there");
+    EXPECT_EQ(disconnect(impatient), ok);
+}
+
+TEST_F(Reconnect, AFirstCallThatUsesTheConnectionDoesNotHoldItUp)
+{
+    diary.then = [](MQHCONN its, MQCBC &context) {
+        if (context.CallType == MQCBCT_REGISTER_CALL) commit(its);
+    };
+    {
+        // As a call that finds the queue manager ended before the handler has had its first call.
+        core::ConnectionUse use(hconn);
+        const std::shared_ptr<core::Callbacks> &callbacks = use.callbacks();
+        const core::Callback handler{&Diary::callback, &diary, MQCBDO_REGISTER_CALL, false};
+        ASSERT_FALSE(callbacks->registerHandler(handler).failed());
+        EXPECT_EQ(callbacks->tellReconnecting(7), 7);
+    }
+    EXPECT_EQ(diary.entries(2).size(), 2U);
 }
 
 TEST_F(Reconnect, TheHandlerIsToldAndKeepsItsRegistration)
