@@ -110,9 +110,11 @@ Outcome manageCallback(MQHCONN Hconn, MQLONG operation, const void *callbackDesc
         MQCBD cbd = {MQCBD_DEFAULT};
         // Without one, the consumer of the object is meant; there is nothing in it that a registration could do
         // without.
-        if (callbackDesc != nullptr || (operation & MQOP_REGISTER) != 0) {
+        if (callbackDesc != nullptr) {
             if (const MQLONG reason = api::checkCbd(callbackDesc)) return failure(reason);
             cbd = *static_cast<const MQCBD *>(callbackDesc);
+        } else if ((operation & MQOP_REGISTER) != 0) {
+            return failure(MQRC_CBD_ERROR);
         }
         if (const MQLONG reason = checkDescriptor(cbd, operation)) return failure(reason);
         if ((cbd.Options & MQCBDO_FAIL_IF_QUIESCING) != 0 && use->store->state() == store::State::Quiescing)

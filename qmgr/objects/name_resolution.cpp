@@ -124,7 +124,7 @@ FoundQueue Catalog::resolveRemote(const QueueDefinition &remote)
     const std::string_view queueManager = remote.object.text(MQCA_REMOTE_Q_MGR_NAME);
     if (name.empty()) return failed(MQRC_REMOTE_Q_NAME_ERROR);
     if (isHere(queueManager)) return failed(MQRC_UNKNOWN_REMOTE_Q_MGR);
-    const FoundQueue transmission = transmissionQueue(remote.object.text(MQCA_XMIT_Q_NAME), queueManager);
+    FoundQueue transmission = transmissionQueue(remote.object.text(MQCA_XMIT_Q_NAME), queueManager);
     if (transmission.outcome.failed()) return transmission;
     QueueDefinition seen = seenAs(remote, *transmission.hold.queue);
     sendOn(seen, name, queueManager);
@@ -137,7 +137,7 @@ FoundQueue Catalog::resolveElsewhere(std::string_view name, std::string_view que
     if (!checkObjectName(queueManager)) return failed(MQRC_UNKNOWN_OBJECT_Q_MGR);
 
     const std::uint64_t version = attachment_->definitionVersion();
-    const FoundQueue named = definition(queueManager);
+    FoundQueue named = definition(queueManager);
     if (named.outcome.Reason == MQRC_OBJECT_DAMAGED) return named;
     const bool known = !named.outcome.failed();
     const bool isAlias = known && named.hold.queue->type == MQQT_REMOTE;
@@ -152,7 +152,7 @@ FoundQueue Catalog::resolveElsewhere(std::string_view name, std::string_view que
     }
     if (known && named.hold.queue->type == MQQT_MODEL) return failed(MQRC_UNKNOWN_REMOTE_Q_MGR);
 
-    const FoundQueue transmission = transmissionQueue(through, there);
+    FoundQueue transmission = transmissionQueue(through, there);
     if (transmission.outcome.failed()) return transmission;
     QueueDefinition seen =
         isAlias ? seenAs(*named.hold.queue, *transmission.hold.queue) : QueueDefinition(*transmission.hold.queue);

@@ -19,7 +19,7 @@ namespace {
 constexpr std::size_t mostGrowth = 24;
 // Of a property itself, about, and the same on every platform: what one of them writes all of them read.
 constexpr std::size_t propertyCost = 128;
-constexpr std::size_t longestName = 4 * MQ_MAX_PROPERTY_NAME_LENGTH;
+constexpr std::size_t longestName = std::size_t{4} * MQ_MAX_PROPERTY_NAME_LENGTH;
 
 constexpr std::string_view blanks = " \t\r\n";
 
