@@ -144,12 +144,12 @@ void Callbacks::ask(std::unique_lock<std::mutex> &lock, const Outcome &what, Ans
     if (!handler_ || handler_->suspended) return;
     Call call{*handler_, MQCBCT_EVENT_CALL, what, answer.delay, nullptr, MQHO_NONE};
     if (running_) {
-        calls_.push_back(std::move(call));
+        calls_.push_back(call);
         return;
     }
     // Before the calls that have not begun: those, too, might wait for the connection.
     call.answer = &answer;
-    calls_.push_front(std::move(call));
+    calls_.push_front(call);
     if (ofThisThread == this) {
         while (!answer.given)
             makeCall(lock);
