@@ -48,7 +48,7 @@ TEST(Forwarding, KilledAtRandomMomentsLosesAndDoublesNothing)
     for (int run = 0; killed < kills(); ++run) {
         ASSERT_LT(run, 100 * kills() + 100);
         const std::string forward =
-            "mqrig -qm QM1 -q " + from + " -oq " + to + " -r MQGMO_SYNCPOINT -ss MQPMO_SYNCPOINT";
+            "mqrig -qm QM1 -q " + from + " -oq " + to + " -r MQGMO_SYNCPOINT -ss MQPMO_SYNCPOINT MQPER_PERSISTENT";
         // The shell waits until the killed process is gone and answers how it ended.
         const CommandResult result =
             runShell(forward + " & sleep 0." + std::to_string(1000 + milliseconds(random)).substr(1) +
@@ -61,9 +61,11 @@ TEST(Forwarding, KilledAtRandomMomentsLosesAndDoublesNothing)
         ASSERT_EQ(result.exitCode, 2) << result.error; // the queue is empty
         std::swap(from, to);
     }
-    EXPECT_EQ(runShell("mqrig -qm QM1 -q " + from + " -oq " + to + " -r MQGMO_SYNCPOINT -ss MQPMO_SYNCPOINT", "", store)
-                  .exitCode,
-              2);
+    EXPECT_EQ(
+        runShell("mqrig -qm QM1 -q " + from + " -oq " + to + " -r MQGMO_SYNCPOINT -ss MQPMO_SYNCPOINT MQPER_PERSISTENT",
+                 "", store)
+            .exitCode,
+        2);
     EXPECT_TRUE(drain(from, store).empty());
     const std::vector<std::string> bodies = drain(to, store);
     ASSERT_EQ(bodies.size(), static_cast<std::size_t>(messages));
