@@ -62,7 +62,9 @@ const Property *PropertySet::inquire(const NamePattern &pattern, Move move)
 {
     if (move == Move::Stay) {
         const auto under = underCursor();
-        return under ? &**under : nullptr;
+        if (!under) return nullptr;
+        const List::iterator at = *under;
+        return &*at;
     }
     auto from = properties_.begin();
     if (move == Move::Next) {
