@@ -1,6 +1,7 @@
 #include <optional>
 
 #include "qmgr/api/api.h"
+#include "qmgr/api/async_put.h"
 #include "qmgr/api/distribution_records.h"
 #include "qmgr/api/follow_options.h"
 #include "qmgr/api/object_descriptor.h"
@@ -16,6 +17,11 @@ using namespace mqrig::qmgr;
 
 namespace {
 
+core::ObjectName askedName(const core::OpenObject &object)
+{
+    return {object.type, object.asked.name, object.asked.queueManager};
+}
+
 Outcome putToList(MQHCONN Hconn, core::Connection &connection, core::OpenObject &object, PMQVOID pMsgDesc,
                   PMQVOID pPutMsgOpts, api::PutCall &call)
 {
@@ -26,9 +32,15 @@ Outcome putToList(MQHCONN Hconn, core::Connection &connection, core::OpenObject 
     std::optional<api::PutHandles> handles;
     if (api::usesHandles(call))
         if (const Outcome applied = handles.emplace().apply(Hconn, connection, call); applied.failed()) return applied;
+    const core::AsyncKind kind =
+        core::asyncKind(call.pmo.Options, MQPRT_SYNC_RESPONSE, call.message.header.md.Persistence);
     const Outcome outcome = core::putToList(connection, *object.list,
                                             {call.pmo.Options, object.options, call.pmo.Context, &object.logicalOrder},
                                             records, call.message);
+    if (kind.asynchronous) {
+        if (handles && !outcome.failed()) handles->rememberPut(call);
+        return api::finishAsyncPut(connection, kind, outcome, *object.list, object.options, call, pMsgDesc);
+    }
     responses.store(*object.list, outcome);
     api::storePmo({}, api::countsOf(*object.list), pPutMsgOpts);
     if (outcome.failed()) return outcome;
@@ -61,13 +73,15 @@ Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, M
     if (api::usesHandles(call)) [[unlikely]]
         if (const Outcome applied = handles.emplace().apply(Hconn, *use, call); applied.failed()) return applied;
     const objects::QueueDefinition &queue = *object->hold.queue;
+    const core::AsyncKind kind = core::asyncKind(call.pmo.Options, queue, call.message.header.md);
     const Outcome outcome = core::putMessage(
         *use, queue, {call.pmo.Options, object->options, call.pmo.Context, &object->logicalOrder}, call.message);
-    if (outcome.failed()) {
-        core::callEvent(*use, outcome, *object);
-        return outcome;
-    }
-    if (handles) handles->rememberPut(call);
+    if (outcome.failed()) core::callEvent(*use, outcome, *object);
+    if (handles && !outcome.failed()) handles->rememberPut(call);
+    if (kind.asynchronous) [[unlikely]]
+        return api::finishAsyncPut(*use, kind, outcome, askedName(*object), object->options,
+                                   api::resolvedNames(*use, queue, api::Told::Destination), call, pMsgDesc);
+    if (outcome.failed()) return outcome;
     api::storePutMd(call.message.header.md, pMsgDesc);
     api::storePmo(api::resolvedNames(*use, queue, api::toldBy(call.pmo)), api::countsOf(queue), pPutMsgOpts);
     return outcome;

@@ -1,6 +1,7 @@
 #include <optional>
 
 #include "qmgr/api/api.h"
+#include "qmgr/api/async_put.h"
 #include "qmgr/api/distribution_records.h"
 #include "qmgr/api/object_descriptor.h"
 #include "qmgr/api/put_call.h"
@@ -35,8 +36,14 @@ Outcome put1ToList(MQHCONN Hconn, core::Connection &connection, const MQOD &od, 
     if (api::usesHandles(call))
         if (const Outcome applied = handles.emplace().apply(Hconn, connection, call); applied.failed()) return applied;
     core::resolveList(connection, list);
+    const core::AsyncKind kind =
+        core::asyncKind(call.pmo.Options, MQPRT_SYNC_RESPONSE, call.message.header.md.Persistence);
     const Outcome outcome = core::putToList(
         connection, list, {call.pmo.Options, openOptions, call.pmo.Context, nullptr}, records, call.message);
+    if (kind.asynchronous) {
+        if (handles && !outcome.failed()) handles->rememberPut(call);
+        return api::finishAsyncPut(connection, kind, outcome, list, openOptions, call, pMsgDesc);
+    }
     responses.store(list, outcome);
     putResponses.store(list, outcome);
     api::storeOd({}, api::countsOf(list), MQOT_Q, pObjDesc);
@@ -72,13 +79,19 @@ Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgO
     if (api::usesHandles(call)) [[unlikely]]
         if (const Outcome applied = handles.emplace().apply(Hconn, *use, call); applied.failed()) return applied;
     const objects::QueueDefinition &queue = *found.hold.queue;
+    // The queue's own response type is one of handles: without MQOPEN there is no time at which it would be looked up.
+    const MQLONG persistence = call.message.header.md.Persistence == MQPER_PERSISTENCE_AS_Q_DEF
+                                   ? queue.defPersistence
+                                   : call.message.header.md.Persistence;
+    const core::AsyncKind kind = core::asyncKind(call.pmo.Options, MQPRT_SYNC_RESPONSE, persistence);
     const Outcome outcome =
         core::putMessage(*use, queue, {call.pmo.Options, openOptions, call.pmo.Context, nullptr}, call.message);
-    if (outcome.failed()) {
-        core::callEvent(*use, outcome, api::objectName(od));
-        return outcome;
-    }
-    if (handles) handles->rememberPut(call);
+    if (outcome.failed()) core::callEvent(*use, outcome, api::objectName(od));
+    if (handles && !outcome.failed()) handles->rememberPut(call);
+    if (kind.asynchronous) [[unlikely]]
+        return api::finishAsyncPut(*use, kind, outcome, api::objectName(od), openOptions,
+                                   api::resolvedNames(*use, queue, api::Told::Destination), call, pMsgDesc);
+    if (outcome.failed()) return outcome;
     const api::ResolvedNames names = api::resolvedNames(*use, queue, api::toldBy(call.pmo));
     api::storeOd(names, api::countsOf(queue), MQOT_Q, pObjDesc);
     api::storePutMd(call.message.header.md, pMsgDesc);

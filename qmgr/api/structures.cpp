@@ -97,6 +97,11 @@ MQLONG checkCbd(const void *cbd)
     return check(cbd, MQCBD_STRUC_ID, MQCBD_CURRENT_VERSION, MQRC_CBD_ERROR);
 }
 
+MQLONG checkSts(const void *sts)
+{
+    return check(sts, MQSTS_STRUC_ID, MQSTS_CURRENT_VERSION, MQRC_STS_ERROR);
+}
+
 MQLONG checkCtlo(const void *ctlo)
 {
     return check(ctlo, MQCTLO_STRUC_ID, MQCTLO_CURRENT_VERSION, MQRC_CTLO_ERROR);
@@ -172,6 +177,17 @@ void storePutMd(const MQMD &md, void *to)
     given.MsgSeqNumber = md.MsgSeqNumber;
     given.Offset = md.Offset;
     given.OriginalLength = md.OriginalLength;
+}
+
+void storeAsyncPutMd(const MQMD &md, void *to)
+{
+    MQMD &given = *static_cast<MQMD *>(to);
+    copyField(given.MsgId, md.MsgId);
+    copyField(given.CorrelId, md.CorrelId);
+    copyField(given.ApplIdentityData, md.ApplIdentityData);
+    given.PutApplType = md.PutApplType;
+    copyField(given.PutApplName, md.PutApplName);
+    copyField(given.ApplOriginData, md.ApplOriginData);
 }
 
 void storeOd(const ResolvedNames &names, const DestinationCounts &counts, MQLONG resolvedType, void *to)

@@ -16,6 +16,7 @@ MQLONG checkPmo(const void *pmo); // MQRC_PMO_ERROR
 MQLONG checkGmo(const void *gmo); // MQRC_GMO_ERROR
 MQLONG checkBo(const void *bo);   // MQRC_BO_ERROR
 MQLONG checkCbd(const void *cbd); // MQRC_CBD_ERROR
+MQLONG checkSts(const void *sts);
 MQLONG checkCtlo(const void *ctlo); // MQRC_CTLO_ERROR
 
 // A checked structure in its highest version: the fields that the program's version has not are the defaults.
@@ -42,6 +43,8 @@ struct DestinationCounts {
     MQLONG unknown = 0;
     MQLONG invalid = 0;
 };
+// The fields that an asynchronous put returns.
+void storeAsyncPutMd(const MQMD &md, void *to);
 void storeOd(const ResolvedNames &names, const DestinationCounts &counts, MQLONG resolvedType, void *to);
 // The name of a queue that MQOPEN has made.
 void storeMadeQueue(const ResolvedNames &names, void *to);

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "cmqc.h"
+#include "qmgr/core/async_puts.h"
 #include "qmgr/core/message_handles.h"
 #include "qmgr/core/object_handles.h"
 #include "qmgr/core/process_identity.h"
@@ -23,6 +24,15 @@
 namespace mqrig::qmgr::core {
 
 class Callbacks;
+
+// Why a connection began to reconnect, and the object that could not be opened again, if one was in the way.
+struct ReconnectFailure {
+    Outcome cause;
+    MQLONG type = MQOT_NONE;
+    std::string name;
+    std::string queueManager;
+    MQLONG openOptions = 0;
+};
 
 struct ConnectRequest {
     std::string_view queueManager; // without padding; empty: the default queue manager
@@ -42,7 +52,8 @@ struct Connection {
     ObjectHandles handles;
     MessageHandles messageHandles;
     UnitOfWork unit;
-    bool begun = false;      // by MQBEGIN
+    bool begun = false; // by MQBEGIN
+    AsyncPuts asyncPuts;
     bool triggering = false; // a trigger message is being put, which triggers nothing itself
 
     MQLONG options; // MQCNO_
@@ -55,6 +66,7 @@ struct Connection {
     std::filesystem::path storeFolder;
     std::string queueManagerAsked;                 // as the program named it
     MQLONG givenUp = MQRC_NONE;                    // why no more attempts are made to reconnect
+    ReconnectFailure reconnectFailure;             // what MQSTAT tells of it
     bool toldOfGivingUp = false;                   // the program has had that reason
     MQHCONN hconn = MQHC_UNUSABLE_HCONN;           // set when it gets into the table, like the next
     const std::atomic<MQHCONN> *leaving = nullptr; // a futex word: holds hconn when somebody disconnects it

@@ -102,7 +102,10 @@ private:
             if (!same) object.cursor.reset();
             object.locked.reset();
             object.marks = {};
-            return !reopenObject(connection_, object).failed();
+            if (!reopenObject(connection_, object).failed()) return true;
+            connection_.reconnectFailure = {
+                {}, object.type, object.asked.name, object.asked.queueManager, object.asked.options};
+            return false;
         });
         return restored ? MQRC_NONE : MQRC_RECONNECT_FAILED;
     }
@@ -123,6 +126,7 @@ Outcome afterTheEnd(Connection &connection, const Outcome &ended)
         if (!connection.follows() || !connection.store->endedToReconnect()) return ended;
         connection.givenUp = Reconnection(connection).run();
         if (connection.givenUp == MQRC_NONE) return success();
+        connection.reconnectFailure.cause = ended;
         if (connection.callbacks != nullptr) connection.callbacks->tellReconnectFailed();
         // The program hears of it from its next call; the thread of the library makes none.
         if (Callbacks::onThreadOf(connection.hconn)) return failure(connection.givenUp);

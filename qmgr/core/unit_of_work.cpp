@@ -92,6 +92,7 @@ void UnitOfWork::clear()
     emptyList(gets_);
     bodies_.clear();
     lost_ = false;
+    doomed_ = false;
 }
 
 void UnitOfWork::lose()
@@ -107,6 +108,10 @@ Outcome commit(Connection &connection)
     if (connection.unit.lost()) {
         connection.unit.clear();
         return warning(MQRC_BACKED_OUT);
+    }
+    if (connection.unit.doomed()) {
+        const Outcome backedOut = backOut(connection);
+        return backedOut.failed() ? backedOut : failure(MQRC_BACKED_OUT);
     }
     if (connection.unit.empty()) return success();
     const Outcome outcome = connection.store->commit(connection.unit.content());

@@ -81,12 +81,17 @@ public:
     void lose();
     bool lost() const { return lost_; }
 
+    // A message that belongs to the unit could not be put, and its program does not know: MQCMIT backs the unit out.
+    void doom() { doomed_ = true; }
+    bool doomed() const { return doomed_; }
+
 private:
     std::vector<store::NewMessage> puts_;
     std::vector<store::TakenMessage> gets_;
     std::vector<UnitTrigger> triggers_;
     BodyMemory bodies_;
     bool lost_ = false;
+    bool doomed_ = false;
 };
 
 struct Connection;

@@ -334,6 +334,21 @@ TEST_F(Reconnect, AHandleThatCannotBeOpenedAgainIs2548)
     EXPECT_EQ(put(hconn, q1, "x"), failed(MQRC_RECONNECT_FAILED));
     EXPECT_EQ(put(hconn, q1, "x"), failed(MQRC_CONNECTION_BROKEN));
     EXPECT_EQ(diary.reasons(2).back(), MQRC_RECONNECT_FAILED);
+
+    Codes codes;
+    MQSTS sts = {MQSTS_DEFAULT};
+    sts.Version = MQSTS_VERSION_2;
+    MQSTAT(hconn, MQSTAT_TYPE_RECONNECTION, &sts, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, ok);
+    EXPECT_EQ((Codes{sts.CompCode, sts.Reason}), failed(MQRC_Q_MGR_STOPPING));
+    EXPECT_EQ(text(sts.ObjectName), "");
+    MQSTAT(hconn, MQSTAT_TYPE_RECONNECTION_ERROR, &sts, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, ok);
+    EXPECT_EQ((Codes{sts.CompCode, sts.Reason}), failed(MQRC_RECONNECT_FAILED));
+    EXPECT_EQ(text(sts.ObjectName), "Q2");
+    EXPECT_EQ(sts.OpenOptions, MQOO_OUTPUT);
+    MQSTAT(hconn, MQSTAT_TYPE_ASYNC_ERROR, &sts, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, failed(MQRC_CONNECTION_BROKEN));
     // It has let go of the queue manager.
     endQuiesce();
     EXPECT_EQ(store::stateOf(storeFolder(), "QM1").state, store::State::Ended);
