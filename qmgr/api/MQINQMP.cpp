@@ -159,7 +159,7 @@ Outcome inquire(MQHCONN Hconn, MQHMSG Hmsg, const Inquiry &inquiry)
         else
             outcome = warning(MQRC_PROP_VALUE_NOT_CONVERTED);
     }
-    std::string name = property.name;
+    std::string name(properties::toldName(property.name));
     properties::TextForm nameForm;
     if ((convertsValue || convertsType) && place.bytes != nullptr) {
         std::string converted;

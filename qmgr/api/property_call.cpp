@@ -69,8 +69,9 @@ MQLONG loadName(const PropertyCall &call, const void *charv, std::string &name)
     if (charv == nullptr) return MQRC_PROPERTY_NAME_ERROR;
     MQCHARV text;
     std::memcpy(&text, charv, sizeof text);
+    if (text.VSLength <= 0 && text.VSLength != MQVS_NULL_TERMINATED) return MQRC_PROPERTY_NAME_LENGTH_ERR;
     const char *bytes = addressOf(text, charv);
-    if (bytes == nullptr || text.VSLength < MQVS_NULL_TERMINATED) return MQRC_PROPERTY_NAME_ERROR;
+    if (bytes == nullptr) return MQRC_PROPERTY_NAME_ERROR;
     const properties::TextForm form{call.resolvedCcsid(text.VSCCSID), MQENC_NATIVE};
     if (!properties::isKnownCharacterSet(form.ccsid)) return MQRC_SOURCE_CCSID_ERROR;
     const std::size_t length = text.VSLength == MQVS_NULL_TERMINATED

@@ -15,7 +15,8 @@ constexpr std::string_view usr = "usr";
 constexpr std::string_view usrPrefix = "usr.";
 constexpr std::string_view descriptorPrefix = "Root.MQMD.";
 
-// JMS names of what stands elsewhere; the settable ones are those that the MQI lets a program set.
+// Other names of what stands in the folders of JMS and of publications; the settable ones are those that the MQI lets a
+// program set by them.
 struct Synonym {
     std::string_view name;
     std::string_view canonical;
@@ -25,7 +26,8 @@ constexpr Synonym synonyms[] = {
     {"JMSCorrelationID", "jms.Cid", true}, {"JMSReplyTo", "jms.Rto", true},     {"JMSType", "mcd.Type", true},
     {"JMSXGroupID", "jms.Gid", true},      {"JMSXGroupSeq", "jms.Seq", true},   {"JMSDestination", "jms.Dst", false},
     {"JMSDeliveryMode", "jms.Dlv", false}, {"JMSExpiration", "jms.Exp", false}, {"JMSPriority", "jms.Pri", false},
-    {"JMSTimestamp", "jms.Tms", false},
+    {"JMSTimestamp", "jms.Tms", false},    {"MQTopicString", "mqps.Top", true}, {"MQSubUserData", "mqps.Sud", true},
+    {"MQIsRetained", "mqps.Ret", true},    {"MQPubOptions", "mqps.Pub", true},  {"MQPubLevel", "mqps.Pbl", true},
 };
 
 // Words of the selector language.
@@ -99,7 +101,7 @@ bool isGroupInOwnFolder(std::string_view name)
 
 MQLONG checkShape(std::string_view name)
 {
-    if (name.empty()) return MQRC_PROPERTY_NAME_ERROR;
+    if (name.empty()) return MQRC_PROPERTY_NAME_LENGTH_ERR;
     const auto characters = countCharacters(name);
     if (!characters) return MQRC_PROPERTY_NAME_ERROR;
     if (*characters > MQ_MAX_PROPERTY_NAME_LENGTH) return MQRC_PROPERTY_NAME_LENGTH_ERR;
@@ -155,9 +157,16 @@ std::string nameInFolder(std::string_view folder, std::string_view path)
     return std::string(withoutUsr(name));
 }
 
+std::string_view toldName(std::string_view canonical)
+{
+    for (const Synonym &synonym : synonyms)
+        if (synonym.canonical == canonical) return synonym.name;
+    return canonical;
+}
+
 MQLONG NamePattern::parse(std::string_view text, NamePattern &pattern)
 {
-    if (text.empty()) return MQRC_PROPERTY_NAME_ERROR;
+    if (text.empty()) return MQRC_PROPERTY_NAME_LENGTH_ERR;
     pattern.wildcard_ = text.back() == '%';
     if (pattern.wildcard_) text.remove_suffix(1);
     if (text.find('%') != std::string_view::npos) return MQRC_PROPERTY_NAME_ERROR;
@@ -179,7 +188,7 @@ MQLONG NamePattern::parse(std::string_view text, NamePattern &pattern)
 bool NamePattern::matches(std::string_view canonical) const
 {
     if (!wildcard_) return canonical == name_;
-    if (!inUsr_) return canonical.starts_with(name_);
+    if (!inUsr_) return canonical.starts_with(name_) || toldName(canonical).starts_with(name_);
     return folderOf(canonical) == usr && pathInFolder(canonical).starts_with(name_);
 }
 

@@ -2,7 +2,8 @@
 //
 // A name is a path of elements with dots between them; the first one names the folder in which the property travels.
 // A name of one element stands for one in the folder "usr". Canonical names, by which properties are kept and compared,
-// leave "usr." out where nothing but one element follows, and name the fields of JMS by their folders.
+// leave "usr." out where nothing but one element follows, and name the fields of JMS and of publications by their
+// folders.
 #pragma once
 
 #include <string>
@@ -26,6 +27,8 @@ std::string_view folderOf(std::string_view canonical);
 std::string_view pathInFolder(std::string_view canonical);
 // The canonical name of what a folder holds at a path.
 std::string nameInFolder(std::string_view folder, std::string_view path);
+// What programs are told of a canonical name: the name that JMS or MQ has for it, if any.
+std::string_view toldName(std::string_view canonical);
 
 // What an inquiry asks for: one name, or with "%" at its end every name that begins so.
 class NamePattern {
@@ -36,7 +39,9 @@ public:
     bool isOneName() const { return !wildcard_; }
     // The name, or what names begin with. For "usr.%" and its like without "usr.".
     const std::string &name() const { return name_; }
+    // A name that programs know by another one matches by both.
     bool matches(std::string_view canonical) const;
+    bool operator==(const NamePattern &) const = default;
 
 private:
     std::string name_;

@@ -67,6 +67,7 @@ const Property *PropertySet::inquire(const NamePattern &pattern, Move move)
         return &*at;
     }
     auto from = properties_.begin();
+    if (move == Move::Next && cursor_.pattern != pattern) move = Move::First;
     if (move == Move::Next) {
         if (cursor_.under == Cursor::Under::Property) from = std::next(cursor_.at);
         if (cursor_.under == Cursor::Under::Removed) from = cursor_.at;
@@ -79,6 +80,7 @@ const Property *PropertySet::inquire(const NamePattern &pattern, Move move)
     const auto found =
         std::find_if(from, properties_.end(), [&](const Property &property) { return pattern.matches(property.name); });
     if (found == properties_.end()) return nullptr;
+    cursor_.pattern = pattern;
     moveCursor(Cursor::Under::Property, found);
     return &*found;
 }

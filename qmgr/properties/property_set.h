@@ -52,7 +52,7 @@ public:
 
     enum class Move {
         First,
-        Next, // behind the cursor; the first one when there is no cursor
+        Next, // behind the cursor; the first one when there is no cursor, or when it has got there by another pattern
         Stay, // under the cursor, whatever the pattern
     };
     // Moves the cursor and answers what it stands on; null, with the cursor as it was, when there is none such.
@@ -64,6 +64,7 @@ public:
         enum class Under { Nothing, Property, Removed, RemovedLast };
         Under under = Under::Nothing;
         std::list<Property>::iterator at; // the property, or the one that stood behind it
+        NamePattern pattern;              // that has moved it
     };
     Cursor cursor() const { return cursor_; }
     void setCursor(const Cursor &cursor) { cursor_ = cursor; }

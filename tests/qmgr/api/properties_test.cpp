@@ -125,12 +125,36 @@ TEST_F(Properties, UnderCursorIsTheLastOneInquired)
     EXPECT_EQ(inquire(hmsg, "%", stay).codes, failed(MQRC_PROPERTY_NOT_AVAILABLE));
     inquire(hmsg, "b");
     EXPECT_EQ(inquire(hmsg, "%", stay).value, "2");
-    EXPECT_EQ(inquire(hmsg, "%", impoWith(MQIMPO_INQ_NEXT)).codes, failed(MQRC_PROPERTY_NOT_AVAILABLE));
+    EXPECT_EQ(inquire(hmsg, "b", impoWith(MQIMPO_INQ_NEXT)).codes, failed(MQRC_PROPERTY_NOT_AVAILABLE));
     EXPECT_EQ(inquire(hmsg, "%", impoWith(MQIMPO_INQ_NEXT | MQIMPO_INQ_PROP_UNDER_CURSOR)).codes,
               failed(MQRC_OPTIONS_ERROR));
     EXPECT_EQ(inquire(hmsg, "a", impoWith(MQIMPO_CONVERT_TYPE), MQTYPE_BYTE_STRING).codes,
               failed(MQRC_PROP_CONV_NOT_SUPPORTED));
     EXPECT_EQ(inquire(hmsg, "%", stay).value, "2") << "what was not converted has not moved it";
+}
+
+TEST_F(Properties, NextOfAnotherNameIsTheFirst)
+{
+    set(hmsg, "a", "1");
+    set(hmsg, "b", "2");
+    const MQIMPO next = impoWith(MQIMPO_INQ_NEXT);
+    EXPECT_EQ(inquire(hmsg, "b").value, "2");
+    EXPECT_EQ(inquire(hmsg, "%", next).name, "a");
+    EXPECT_EQ(inquire(hmsg, "%", next).name, "b");
+    EXPECT_EQ(inquire(hmsg, "%", next).codes, failed(MQRC_PROPERTY_NOT_AVAILABLE));
+}
+
+TEST_F(Properties, NamesOfJmsAreTold)
+{
+    EXPECT_EQ(set(hmsg, "JMSReplyTo", "queue:///A"), ok);
+    EXPECT_EQ(set(hmsg, "jms.Foo", "1"), ok);
+    EXPECT_EQ(shown(hmsg), "JMSReplyTo=queue:///A jms.Foo=1");
+    EXPECT_EQ(shown(hmsg, "JMS%"), "JMSReplyTo=queue:///A");
+    EXPECT_EQ(inquire(hmsg, "jms.Rto").name, "JMSReplyTo");
+    EXPECT_EQ(inquire(hmsg, "JMSReplyTo").value, "queue:///A");
+    const Inquired cut = inquire(hmsg, "jms.Rto", {MQIMPO_DEFAULT}, MQTYPE_AS_SET, 100, 9);
+    EXPECT_EQ(cut.codes, failed(MQRC_PROPERTY_NAME_TOO_BIG));
+    EXPECT_EQ(cut.impo.ReturnedName.VSLength, 10);
 }
 
 TEST_F(Properties, SmallBuffersTellWhatIsNeeded)
@@ -200,8 +224,9 @@ TEST_F(Properties, PlacesAroundTheCursorAreSet)
 
 TEST_F(Properties, NamesAreChecked)
 {
-    for (const char *name : {"", "1a", "a b", "NULL", "JMSFoo", "Root.x", "mq.a.b", "a..b", "a%", "Root.MQMD.Foo"})
+    for (const char *name : {"1a", "a b", "NULL", "JMSFoo", "Root.x", "mq.a.b", "a..b", "a%", "Root.MQMD.Foo"})
         EXPECT_EQ(set(hmsg, name, "1"), failed(MQRC_PROPERTY_NAME_ERROR)) << name;
+    EXPECT_EQ(set(hmsg, "", "1"), failed(MQRC_PROPERTY_NAME_LENGTH_ERR));
     EXPECT_EQ(set(hmsg, std::string(4096, 'a'), "1"), failed(MQRC_PROPERTY_NAME_LENGTH_ERR));
     EXPECT_EQ(set(hmsg, std::string(100000, 'a'), "1"), failed(MQRC_PROPERTY_NAME_LENGTH_ERR));
     set(hmsg, "f.a", "1");
@@ -235,10 +260,13 @@ TEST_F(Properties, NamesMayLieAnywhereButNotNowhere)
     both.VSOffset = 4;
     MQCHARV nowhere = {MQCHARV_DEFAULT};
     nowhere.VSLength = 3;
-    MQCHARV negative = charv("a");
-    negative.VSLength = -2;
-    for (MQCHARV *name : {&both, &nowhere, &negative})
+    for (MQCHARV *name : {&both, &nowhere})
         EXPECT_EQ(setNamed(hconn, hmsg, *name), failed(MQRC_PROPERTY_NAME_ERROR));
+    MQCHARV wrong = charv("a");
+    for (const MQLONG length : {0, -2, -2147483647}) {
+        wrong.VSLength = length;
+        EXPECT_EQ(setNamed(hconn, hmsg, wrong), failed(MQRC_PROPERTY_NAME_LENGTH_ERR)) << length;
+    }
     MQCHARV strange = charv("a", 99999);
     EXPECT_EQ(setNamed(hconn, hmsg, strange), failed(MQRC_SOURCE_CCSID_ERROR));
     MQCHARV ebcdic = charv("\x81\x82", 500);
@@ -301,7 +329,7 @@ TEST_F(Properties, AreDeletedByNameOrCursor)
     EXPECT_EQ(removeNamed("a"), failed(MQRC_PROPERTY_NOT_AVAILABLE));
     EXPECT_EQ(removeNamed("%"), failed(MQRC_PROPERTY_NAME_ERROR));
     EXPECT_EQ(removeNamed("x", MQDMPO_DEL_PROP_UNDER_CURSOR), failed(MQRC_PROPERTY_NOT_AVAILABLE));
-    inquire(hmsg, "b");
+    inquire(hmsg, "%");
     EXPECT_EQ(removeNamed("x", MQDMPO_DEL_PROP_UNDER_CURSOR), ok);
     EXPECT_EQ(inquire(hmsg, "%", impoWith(MQIMPO_INQ_NEXT)).name, "c") << "the walk goes on behind it";
     EXPECT_EQ(shown(hmsg), "c=3");

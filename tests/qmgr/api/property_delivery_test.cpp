@@ -191,7 +191,7 @@ TEST_F(PropertyDelivery, FoldersOfTheBodyBecomeProperties)
     const Got got = getInto(target);
     EXPECT_EQ(got.body, withFolders({"<psc><Command>x</Command></psc>"}, "hello"));
     EXPECT_EQ(text(got.md.Format), "MQHRF2");
-    EXPECT_EQ(shown(target), "color=r<d jms.Dst=q jms.Pri=4");
+    EXPECT_EQ(shown(target), "color=r<d JMSDestination=q JMSPriority=4");
 
     ASSERT_EQ(put(hconn, q1, withFolders({"<usr><a>1</a></usr>"}, "hello"), ofFormat("MQHRF2")), ok);
     const Got whole = getInto(target);

@@ -35,7 +35,7 @@ TEST(PropertyName, IdentifiersAreNames)
 TEST(PropertyName, OtherCharactersAre2442)
 {
     for (const char *name :
-         {"", "1a", "a b", "a-b", "a=b", "a%", "a\tb", ".a", "a.", "a..b", "a\xC2\xA0z", "\xFF", "\U0001F600"})
+         {"1a", "a b", "a-b", "a=b", "a%", "a\tb", ".a", "a.", "a..b", "a\xC2\xA0z", "\xFF", "\U0001F600"})
         EXPECT_EQ(check(name), MQRC_PROPERTY_NAME_ERROR) << name;
 }
 
@@ -62,6 +62,25 @@ TEST(PropertyName, NamesOfJmsStandForTheirFolders)
     EXPECT_EQ(canonical("JMSXGroupSeq"), "jms.Seq");
 }
 
+TEST(PropertyName, ProgramsAreToldTheNamesOfJmsAndOfPublications)
+{
+    for (const char *name : {"JMSCorrelationID", "JMSReplyTo", "JMSType", "JMSXGroupID", "JMSXGroupSeq",
+                             "MQTopicString", "MQSubUserData", "MQIsRetained", "MQPubOptions", "MQPubLevel"})
+        EXPECT_EQ(toldName(canonical(name)), name);
+    EXPECT_EQ(toldName("jms.Dst"), "JMSDestination");
+    EXPECT_EQ(toldName("jms.Exp"), "JMSExpiration");
+    EXPECT_EQ(toldName("jms.Foo"), "jms.Foo");
+    EXPECT_EQ(toldName("color"), "color");
+}
+
+TEST(PropertyName, EmptyNameIs2513)
+{
+    EXPECT_EQ(check(""), MQRC_PROPERTY_NAME_LENGTH_ERR);
+    EXPECT_EQ(check("", NameCheck::Shape), MQRC_PROPERTY_NAME_LENGTH_ERR);
+    NamePattern parsed;
+    EXPECT_EQ(NamePattern::parse("", parsed), MQRC_PROPERTY_NAME_LENGTH_ERR);
+}
+
 TEST(PropertyName, LongestNameIsTheLongest)
 {
     EXPECT_EQ(check(std::string(MQ_MAX_PROPERTY_NAME_LENGTH, 'a')), MQRC_NONE);
@@ -76,7 +95,7 @@ TEST(PropertyName, WithoutValidationOnlyTheShapeCounts)
 {
     for (const char *name : {"NULL", "a b", "JMSFoo", "1", "mq.a.b"})
         EXPECT_EQ(check(name, NameCheck::Shape), MQRC_NONE) << name;
-    for (const char *name : {"", ".a", "a.", "a..b", "\xFF"})
+    for (const char *name : {".a", "a.", "a..b", "\xFF"})
         EXPECT_EQ(check(name, NameCheck::Shape), MQRC_PROPERTY_NAME_ERROR) << name;
 }
 
@@ -109,6 +128,10 @@ TEST(NamePattern, WildcardMatchesWhatBeginsSo)
     EXPECT_TRUE(pattern("a.%").matches("a.b.c"));
     EXPECT_FALSE(pattern("a.%").matches("ab"));
     EXPECT_FALSE(pattern("co%").matches("a.co"));
+    EXPECT_TRUE(pattern("jms.%").matches("jms.Rto"));
+    EXPECT_TRUE(pattern("JMS%").matches("jms.Rto")) << "by the name that programs are told";
+    EXPECT_TRUE(pattern("MQTop%").matches("mqps.Top"));
+    EXPECT_FALSE(pattern("JMS%").matches("jms.Foo"));
 }
 
 TEST(NamePattern, UsrWildcardMatchesNamesOfOneElement)
@@ -123,7 +146,7 @@ TEST(NamePattern, UsrWildcardMatchesNamesOfOneElement)
 TEST(NamePattern, WildcardAnywhereElseIs2442)
 {
     NamePattern parsed;
-    for (const char *text : {"", "a%b", "%a", "%%", "a%%"})
+    for (const char *text : {"a%b", "%a", "%%", "a%%"})
         EXPECT_EQ(NamePattern::parse(text, parsed), MQRC_PROPERTY_NAME_ERROR) << text;
     EXPECT_EQ(NamePattern::parse(std::string(MQ_MAX_PROPERTY_NAME_LENGTH + 1, 'a') + "%", parsed),
               MQRC_PROPERTY_NAME_LENGTH_ERR);

@@ -132,10 +132,23 @@ TEST(PropertySet, NextWithoutCursorIsTheFirst)
     EXPECT_EQ(set.inquire(pattern("%"), Move::Stay)->name, "b") << "the end moves no cursor";
 }
 
-TEST(PropertySet, RemovedUnderCursorLetsTheWalkGoOn)
+TEST(PropertySet, NextByAnotherPatternBeginsAtTheFirst)
 {
     PropertySet set = setOf({{"a", "1"}, {"b", "2"}, {"c", "3"}});
     set.inquire(pattern("b"), Move::First);
+    EXPECT_EQ(set.inquire(pattern("%"), Move::Next)->name, "a");
+    EXPECT_EQ(set.inquire(pattern("%"), Move::Next)->name, "b");
+    EXPECT_EQ(set.inquire(pattern("z%"), Move::Next), nullptr);
+    EXPECT_EQ(set.inquire(pattern("%"), Move::Next)->name, "c") << "what was not found has moved nothing";
+    EXPECT_EQ(set.inquire(pattern("b%"), Move::Stay)->name, "c");
+    EXPECT_EQ(set.inquire(pattern("%"), Move::Next), nullptr);
+}
+
+TEST(PropertySet, RemovedUnderCursorLetsTheWalkGoOn)
+{
+    PropertySet set = setOf({{"a", "1"}, {"b", "2"}, {"c", "3"}});
+    set.inquire(pattern("%"), Move::First);
+    set.inquire(pattern("%"), Move::Next);
     EXPECT_TRUE(set.removeUnderCursor());
     EXPECT_FALSE(set.removeUnderCursor());
     EXPECT_EQ(set.inquire(pattern("%"), Move::Stay), nullptr);
