@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # What takes longer than an everyday run: many kills, the whole suite under valgrind's eye, cppcheck, coverage.
-# Usage: scripts/long.sh [kills] [valgrind] [fuzz] [cppcheck] [coverage]   (all of them without an argument)
+# Usage: scripts/long.sh [kills] [faults] [valgrind] [fuzz] [cppcheck] [coverage]   (all of them without an argument)
 # MQRIG_KILL_ROUNDS: rounds of three kills each (default 700); MQRIG_FORWARDING_KILLS: kills of a run from queue to queue
 # (default 200). MQRIG_FUZZ_SECONDS: the CPU time of each fuzz target (default 600).
 set -euo pipefail
@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
 steps=("$@")
-[ ${#steps[@]} -gt 0 ] || steps=(kills valgrind fuzz cppcheck coverage)
+[ ${#steps[@]} -gt 0 ] || steps=(kills faults valgrind fuzz cppcheck coverage)
 step() { echo "== $1 ($(date -u +%H:%M:%S))"; }
 
 need_packages $mqrig_long_packages
@@ -19,6 +19,18 @@ kills() {
   MQRIG_KILL_ROUNDS=${MQRIG_KILL_ROUNDS:-700} build/tests/bin/qmgr_store_tests --gtest_filter='Kills.*' | tail -n 3
   MQRIG_FORWARDING_KILLS=${MQRIG_FORWARDING_KILLS:-200} build/tests/bin/moving_end_to_end --gtest_filter='Forwarding.*' |
     tail -n 3
+}
+
+# Every allocation, open, read, write, sync, map and lock of many runs fails in turn, once and for good; the client under
+# the address sanitizer too, which looks for what is not given back.
+faults() {
+  step "calls that fail: all places"
+  configure_and_build release -DMQRIG_TESTS=ON -- client_fault_sweep
+  build/tests/bin/client_fault_sweep --client build/bin/mqrig --library build/tests/scripted_mqi \
+    --faults build/tests/faults tests/client/faults/runs.test
+  configure_and_build asan -DMQRIG_BENCH=OFF -- client_fault_sweep
+  build-asan/tests/bin/client_fault_sweep --client build-asan/bin/mqrig --library build-asan/tests/scripted_mqi \
+    --faults build-asan/tests/faults tests/client/faults/runs.test
 }
 
 valgrind_run() {
@@ -93,6 +105,7 @@ coverage() {
 for name in "${steps[@]}"; do
   case $name in
     kills) kills ;;
+    faults) faults ;;
     valgrind) valgrind_run ;;
     fuzz) fuzz_run ;;
     cppcheck) cppcheck_run ;;

@@ -20,15 +20,24 @@ using Path = char[PATH_MAX + sizeof dirent::d_name];
 
 struct FilesPut {
     MQLONG count = 0;
-    bool tried = false;       ///< whether any file was tried
-    Status status = StatusOk; ///< of the last one
+    bool tried = false;         ///< whether any file was tried
+    Status status = StatusOk;   ///< of the last one, or a local failure because of
+    bool listingFailed = false; ///< the directory that could not be read to its end
+};
+
+struct NextEntry {
+    const dirent *entry; ///< none at the end
+    int error;           ///< why the end is none
 };
 
 /// Threads may share the stream.
-const dirent *next_entry(RunParams *params, DIR *stream)
+NextEntry next_entry(RunParams *params, DIR *stream)
 {
     const LockedSection locked(params);
-    return locked.status() == StatusOk ? readdir(stream) : nullptr;
+    if (locked.status() != StatusOk) return {nullptr, 0};
+    errno = 0;
+    const dirent *const entry = readdir(stream);
+    return {entry, entry == nullptr ? errno : 0};
 }
 
 bool is_self_or_parent(const char *name)
@@ -41,7 +50,16 @@ FilesPut put_files(RunParams *params, MQHCONN hconn, DIR *stream, MQLONG message
     const RunRecord snapshot = params->snapshot();
     FilesPut files;
     Path path;
-    while (const dirent *entry = next_entry(params, stream)) {
+    for (;;) {
+        const auto [entry, error] = next_entry(params, stream);
+        if (entry == nullptr) {
+            if (error == 0) break;
+            report_failure(params, {"PutFromDir"}, "readdir()", error, "readdir() failed. directory=%s\n",
+                           snapshot.InputDir);
+            files.status = StatusLocalFailure;
+            files.listingFailed = true;
+            break;
+        }
         std::snprintf(path, sizeof path, "%s/%s", snapshot.InputDir, entry->d_name);
         struct stat status = {};
         if (stat(path, &status) != 0 && errno != ENAMETOOLONG) break;
@@ -92,7 +110,7 @@ Status PutFromDir2(RunParams *params, MQHCONN hconn, MQLONG ownUnitOfWork, MQLON
     }
 
     // How the last file was put decides about the unit of work; the directory itself has been gone through.
-    Status status = StatusOk;
+    Status status = files.listingFailed ? StatusLocalFailure : StatusOk;
     if (ownUnitOfWork != 0 && files.tried && end_unit_of_work(params, hconn, files.status) != files.status) {
         status = StatusLocalFailure;
     }

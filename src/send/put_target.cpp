@@ -3,11 +3,17 @@
 #include "mqicalls.h"
 #include "send.h"
 
+PutTarget::~PutTarget()
+{
+    if (listOwner_ != nullptr) freeForDestinationList(listOwner_);
+}
+
 Status PutTarget::open(RunParams *params, MQHCONN hconn)
 {
     hobj = params->OutputHobj;
     if (hobj != 0) return StatusOk;
     openedHere = MQSeriesQOpenForOutput(hconn, &hobj, params) == StatusOk;
+    if (openedHere && params->ObjectRecList != nullptr) listOwner_ = params;
     return openedHere ? StatusOk : StatusLocalFailure;
 }
 
@@ -23,6 +29,7 @@ Status PutTarget::finish(RunParams *params, MQHCONN hconn, MQLONG ownUnitOfWork,
 {
     if (madeHandle && MQSeriesDeleteMH(hconn, params) != StatusOk) status = StatusLocalFailure;
     if (ownUnitOfWork != 0) status = end_unit_of_work(params, hconn, status);
+    listOwner_ = nullptr; // closing frees the list
     if (openedHere && MQSeriesQClose(hconn, &hobj, params) != StatusOk) status = StatusLocalFailure;
     return status;
 }

@@ -136,6 +136,7 @@ std::vector<std::string> environment(const Setup &setup, const Programs &program
         std::string preloaded = programs.faults + "/libclient_faults.so";
         for (const auto &[name, value] : setup.faults) {
             if (value.starts_with("malloc ")) preloaded += ":" + programs.faults + "/libclient_allocations.so";
+            if (name == "MQRIG_TEST_NTH") preloaded = programs.faults + "/libnth_call.so:" + preloaded;
             variables.push_back(name + "=" + value);
         }
         variables.push_back("LD_PRELOAD=" + preloaded);
@@ -313,7 +314,7 @@ void follow(Client &client, const Run &run, bool onTerminal, const std::string &
     bool ended = false;
     while (!ended || outOpen || errOpen) {
         pollfd streams[2] = {{outOpen ? outFile : -1, POLLIN, 0}, {errOpen ? client.err.get() : -1, POLLIN, 0}};
-        ::poll(streams, 2, 20);
+        ::poll(streams, 2, outOpen || errOpen ? 20 : 1);
         if (streams[0].revents != 0) outOpen = readSome(outFile, outcome.out);
         if (streams[1].revents != 0) errOpen = readSome(client.err.get(), outcome.err);
         conversation.hear(outcome.out);

@@ -6,7 +6,20 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+// There when the library that makes calls fail has been loaded before this one.
+extern "C" __attribute__((weak)) void nthCallSuspend(int add);
+
 namespace scripted {
+
+NotTheClient::NotTheClient()
+{
+    if (nthCallSuspend != nullptr) nthCallSuspend(1);
+}
+
+NotTheClient::~NotTheClient()
+{
+    if (nthCallSuspend != nullptr) nthCallSuspend(-1);
+}
 
 namespace {
 
@@ -41,6 +54,7 @@ void open()
 // Rules that no call came for, written when the program ends.
 __attribute__((destructor)) void recordUnusedRules()
 {
+    const NotTheClient scope;
     if (opened == nullptr || opened->recordFile < 0) return;
     for (const Rule *rule : opened->script->unused()) {
         writeAll(opened->recordFile, "unused line " + std::to_string(rule->line) + ": " + rule->text + "\n");

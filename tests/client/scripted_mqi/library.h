@@ -53,6 +53,16 @@ struct Library {
 
 Library &library();
 
+// A test that makes the n-th allocation of the client fail (tests/faults/nth_call.h) leaves this library alone: while
+// one of these lives, calls of its thread do not count.
+class NotTheClient {
+public:
+    NotTheClient();
+    ~NotTheClient();
+    NotTheClient(const NotTheClient &) = delete;
+    NotTheClient &operator=(const NotTheClient &) = delete;
+};
+
 class Call {
 public:
     Call(std::string_view name, PMQLONG pCompCode, PMQLONG pReason);
@@ -104,6 +114,7 @@ private:
     void record();
     void raiseEvents();
 
+    NotTheClient scope_;
     std::string name_;
     PMQLONG pCompCode_;
     PMQLONG pReason_;
