@@ -15,11 +15,6 @@ Outcome judgeLength(const GetRequest &request, std::size_t length)
     return warning(request.has(MQGMO_ACCEPT_TRUNCATED_MSG) ? MQRC_TRUNCATED_MSG_ACCEPTED : MQRC_TRUNCATED_MSG_FAILED);
 }
 
-bool mayHaveProperties(const store::MessageHeader &header)
-{
-    return header.coreLength != 0 || std::memcmp(header.md.Format, MQFMT_RF_HEADER_2, MQ_FORMAT_LENGTH) == 0;
-}
-
 using Properties = std::vector<properties::Property>;
 
 std::vector<const properties::Property *> pointersTo(const Properties &properties)

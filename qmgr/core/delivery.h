@@ -7,13 +7,14 @@
 //
 // Delivery has two steps, because the length that the program is told decides whether the message is taken at all, but
 // a large body is copied when nobody waits any more:
-//   prepareDelivery   inside the transaction that found the message: lengths and outcome
+//   prepareDelivery   inside the transaction that found the message, or in a snapshot before it: lengths and outcome
 //   copyDelivery      with the same stored bytes, there or in a later transaction
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <span>
 #include <vector>
 
@@ -58,6 +59,12 @@ inline std::span<const std::byte> propertiesOf(const store::MessageHeader &heade
 inline std::span<const std::byte> bodyOf(const store::MessageHeader &header, std::span<const std::byte> stored)
 {
     return stored.subspan(std::min<std::size_t>(header.coreLength, stored.size()));
+}
+
+// Whether anything is to be done about properties: only then is prepareDelivery more than a comparison of lengths.
+inline bool mayHaveProperties(const store::MessageHeader &header)
+{
+    return header.coreLength != 0 || std::memcmp(header.md.Format, MQFMT_RF_HEADER_2, MQ_FORMAT_LENGTH) == 0;
 }
 
 // Notes in `got`, whose key and header are those of the message, how long it is for the program, and in got.unpacked

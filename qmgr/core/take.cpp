@@ -25,6 +25,8 @@ constexpr std::size_t shortSearch = 64;
 constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
 // Bodies from this length on are copied outside the transaction that takes them.
 constexpr std::size_t largeBody = 65536;
+// What unpacking costs grows with the message. From this length on it is done over a snapshot.
+constexpr std::size_t longUnpacking = 4096;
 
 // What the transaction did with the message that it found; made anew whenever it runs again.
 struct Taken {
@@ -32,6 +34,7 @@ struct Taken {
     bool gone = false;   // from the queue
     bool locked = false; // for the unit of work, or until the large body is copied
     bool copyLater = false;
+    bool unpackFirst = false; // nothing: the message waits for unpackFound
     store::Ticket ticket = 0;
 };
 
@@ -49,19 +52,9 @@ public:
         if (!object_.cursor) return {failure(MQRC_NO_MSG_UNDER_CURSOR)};
         if (request_.has(MQGMO_COMPLETE_MSG))
             if (const std::optional<Outcome> whole = wholeUnderCursor()) return {*whole};
-        connection_.unit.roomForGet();
-        Taken taken;
-        const std::int64_t now = store::currentTime();
-        const Outcome updated = store_.update(0, [&](store::WriteTransaction &transaction) {
-            taken = {};
-            showLocked(transaction);
-            const auto header = transaction.find(*object_.cursor);
-            if (!header || isExpired(*header, now)) return failure(MQRC_NO_MSG_UNDER_CURSOR);
-            got_.key = *object_.cursor;
-            got_.header = *header;
-            return take(transaction, taken);
-        });
-        return {updated.failed() ? updated : finish(taken)};
+        got_.key = *object_.cursor;
+        const std::optional<Outcome> outcome = takeFound(store::currentTime());
+        return {outcome ? *outcome : failure(MQRC_NO_MSG_UNDER_CURSOR)};
     }
 
     Look next()
@@ -88,8 +81,13 @@ public:
                 return answer;
             });
             if (updated.failed()) return {updated};
-            if (found_.end == SearchEnd::Found) return {finishThenReport(taken)};
+            if (found_.end == SearchEnd::Found && !taken.unpackFirst) return {finishThenReport(taken)};
             if (const Outcome reported = reportExpired(connection_, expired_); reported.failed()) return {reported};
+            if (found_.end == SearchEnd::Found) {
+                if (const Outcome unpacked = unpackFound(); unpacked.failed()) return {unpacked};
+                if (const std::optional<Outcome> outcome = takeFound()) return {*outcome};
+                continue;
+            }
             if (found_.end == SearchEnd::NotFound) return {failure(MQRC_NO_MSG_AVAILABLE), held};
             behind = found_.reached;
             if (expired_.full()) continue;
@@ -143,22 +141,37 @@ private:
         }
     }
 
-    // Takes the message that `got_` names; nothing if it is gone.
-    std::optional<Outcome> takeFound()
+    // Takes the message whose key is in `got_`; nothing if it is gone, or has expired by `now`.
+    std::optional<Outcome> takeFound(std::int64_t now = 0)
     {
         connection_.unit.roomForGet();
-        Taken taken;
-        bool there = false;
-        const Outcome updated = store_.update(0, [&](store::WriteTransaction &transaction) {
-            taken = {};
-            showLocked(transaction);
-            const auto header = transaction.find(got_.key);
-            there = header.has_value();
-            return there ? take(transaction, taken) : success();
+        for (;;) {
+            Taken taken;
+            bool there = false;
+            const Outcome updated = store_.update(0, [&](store::WriteTransaction &transaction) {
+                taken = {};
+                showLocked(transaction);
+                const auto header = transaction.find(got_.key);
+                there = header && !isExpired(*header, now);
+                if (!there) return success();
+                got_.header = *header;
+                return take(transaction, taken);
+            });
+            if (updated.failed()) return updated;
+            if (!there) return std::nullopt;
+            if (!taken.unpackFirst) return finish(taken);
+            if (const Outcome unpacked = unpackFound(); unpacked.failed()) return unpacked;
+        }
+    }
+
+    // Looks for the properties of the message that `got_` names while nobody waits. A stored message does not change,
+    // so what is found holds for as long as the message is there.
+    Outcome unpackFound()
+    {
+        return store_.read([&](store::ReadTransaction &transaction) {
+            unpacked_ = Unpacked{got_.key, prepareDelivery(request_, transaction.body(got_.key), got_)};
+            return success();
         });
-        if (updated.failed()) return updated;
-        if (!there) return std::nullopt;
-        return finish(taken);
     }
 
     // MQGMO_COMPLETE_MSG on the message under the cursor; nothing if that is no segment.
@@ -204,7 +217,15 @@ private:
     Outcome take(store::WriteTransaction &transaction, Taken &taken)
     {
         const std::span<const std::byte> stored = transaction.body(got_.key);
-        taken.outcome = prepareDelivery(request_, stored, got_);
+        if (unpacked_ && unpacked_->key == got_.key) {
+            taken.outcome = unpacked_->outcome;
+        } else if (stored.size() >= longUnpacking && mayHaveProperties(got_.header)) [[unlikely]] {
+            taken.unpackFirst = true;
+            return success();
+        } else {
+            unpacked_.reset();
+            taken.outcome = prepareDelivery(request_, stored, got_);
+        }
         if (taken.outcome.Reason == MQRC_TRUNCATED_MSG_FAILED) {
             copyDelivery(request_, stored, got_);
             return success();
@@ -272,6 +293,12 @@ private:
     std::size_t maxUncommitted_;
     SearchResult found_;
     ExpiredMessages expired_;
+    // What prepareDelivery has answered outside of the transaction, and for which message: got_ holds the rest.
+    struct Unpacked {
+        store::MessageKey key;
+        Outcome outcome;
+    };
+    std::optional<Unpacked> unpacked_;
 };
 
 } // namespace
