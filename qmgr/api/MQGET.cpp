@@ -115,10 +115,14 @@ Outcome unlock(core::Connection &connection, core::OpenObject &object, MQLONG op
     return core::unlockMessage(connection, object);
 }
 
-// The options that put properties elsewhere ignore the handle.
-bool usesHandle(const MQGMO &gmo)
+// Where options or the queue put properties elsewhere the handle is ignored.
+bool usesHandle(const MQGMO &gmo, core::Connection &connection, core::OpenObject &object)
 {
-    return gmo.MsgHandle != MQHM_NONE && (gmo.Options & (propertyOptions & ~MQGMO_PROPERTIES_IN_HANDLE)) == 0;
+    if (gmo.MsgHandle == MQHM_NONE) [[likely]]
+        return false;
+    if ((gmo.Options & propertyOptions) != 0) return (gmo.Options & MQGMO_PROPERTIES_IN_HANDLE) != 0;
+    const bool known = object.hold.queue != nullptr && !connection.catalog.refresh(object.hold).failed();
+    return !known || object.hold.queue->propertyControl != MQPROP_FORCE_MQRFH2;
 }
 
 // The message has left its queue: for want of memory it would be lost here, so nothing is made, only moved.
@@ -138,7 +142,8 @@ Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, M
     const MQLONG wrongGmo = api::checkGmo(pGetMsgOpts);
     if (wrongGmo == MQRC_NONE && (static_cast<const MQGMO *>(pGetMsgOpts)->Options & MQGMO_UNLOCK) != 0)
         return unlock(*use, *object, static_cast<const MQGMO *>(pGetMsgOpts)->Options);
-    if (const MQLONG reason = api::checkMd(pMsgDesc)) return failure(reason);
+    if (pMsgDesc != nullptr)
+        if (const MQLONG reason = api::checkMd(pMsgDesc)) return failure(reason);
     if (wrongGmo != MQRC_NONE) return failure(wrongGmo);
     if (bufferLength < 0) return failure(MQRC_BUFFER_LENGTH_ERROR);
     if (pBuffer == nullptr && bufferLength > 0) return failure(MQRC_BUFFER_ERROR);
@@ -146,26 +151,31 @@ Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, M
 
     const MQGMO gmo = api::loadGmo(pGetMsgOpts);
     if (const MQLONG reason = checkGetOptions(gmo)) return failure(reason);
-    if (const MQLONG reason = checkMatchOptions(gmo, static_cast<const MQMD *>(pMsgDesc)->Version))
-        return failure(reason);
+    const MQLONG mdVersion = pMsgDesc != nullptr ? static_cast<const MQMD *>(pMsgDesc)->Version : MQMD_VERSION_2;
+    if (const MQLONG reason = checkMatchOptions(gmo, mdVersion)) return failure(reason);
     if (const MQLONG reason = api::checkToFollow(*use, gmo)) return failure(reason);
-    MQMD md;
-    api::loadMd(pMsgDesc, md);
-    if (const MQLONG reason = checkOrder(gmo, md, static_cast<const MQMD *>(pMsgDesc)->Version)) return failure(reason);
     core::MessageHandleUse handle;
-    if (usesHandle(gmo)) [[unlikely]] {
+    if (usesHandle(gmo, *use, *object)) [[unlikely]] {
         handle = core::MessageHandleUse(Hconn, &*use, gmo.MsgHandle);
         if (handle.outcome().failed()) return handle.outcome();
-        handle->clear();
     }
+    // A get into a message handle may come without a descriptor: then the handle's says what is wanted.
+    MQMD md;
+    if (pMsgDesc != nullptr) [[likely]]
+        api::loadMd(pMsgDesc, md);
+    else if (handle)
+        md = handle->md;
+    else
+        return failure(MQRC_MD_ERROR);
+    if (const MQLONG reason = checkOrder(gmo, md, mdVersion)) return failure(reason);
+    if (handle) handle->clear();
 
     core::GetRequest request{gmo.Options,
                              gmo.WaitInterval,
                              core::Selection(gmo.MatchOptions, md, gmo.MsgToken),
                              {static_cast<std::byte *>(pBuffer), static_cast<std::size_t>(bufferLength)},
                              static_cast<bool>(handle)};
-    if (static_cast<const MQMD *>(pMsgDesc)->Version < MQMD_VERSION_2)
-        request.extensionCcsid = use->queueManager().codedCharSetId;
+    if (mdVersion < MQMD_VERSION_2) request.extensionCcsid = use->queueManager().codedCharSetId;
     core::GotMessage got;
     Outcome outcome = core::getMessage(*use, *object, request, got);
     if (outcome.failed()) {
@@ -181,7 +191,8 @@ Outcome get(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, M
     if (handle) [[unlikely]]
         fillHandle(got, *handle);
     const store::MessageToken token = store::tokenOfKey(got.key);
-    api::storeMd(got.header.md, pMsgDesc);
+    if (pMsgDesc != nullptr) [[likely]]
+        api::storeMd(got.header.md, pMsgDesc);
     api::storeGmo({object->hold.queue->name.data(), token.data(), got.returnedLength, got.header.md.MsgFlags},
                   pGetMsgOpts);
     *pDataLength = got.dataLength;

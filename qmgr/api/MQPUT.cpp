@@ -31,7 +31,9 @@ Outcome putToList(MQHCONN Hconn, core::Connection &connection, core::OpenObject 
     if (const MQLONG reason = responses.load(call.pmo, pPutMsgOpts)) return failure(reason);
     std::optional<api::PutHandles> handles;
     if (api::usesHandles(call))
-        if (const Outcome applied = handles.emplace().apply(Hconn, connection, call); applied.failed()) return applied;
+        if (const Outcome applied = handles.emplace().apply(Hconn, connection, core::reachOf(*object.list), call);
+            applied.failed())
+            return applied;
     const core::AsyncKind kind =
         core::asyncKind(call.pmo.Options, MQPRT_SYNC_RESPONSE, call.message.header.md.Persistence);
     const Outcome outcome = core::putToList(connection, *object.list,
@@ -45,7 +47,7 @@ Outcome putToList(MQHCONN Hconn, core::Connection &connection, core::OpenObject 
     api::storePmo({}, api::countsOf(*object.list), pPutMsgOpts);
     if (outcome.failed()) return outcome;
     if (handles) handles->rememberPut(call);
-    api::storePutMd(call.message.header.md, pMsgDesc);
+    api::returnDescriptor(call, pMsgDesc);
     return outcome;
 }
 
@@ -60,7 +62,8 @@ Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, M
     if (const MQLONG reason = api::loadPut(pMsgDesc, pPutMsgOpts, bufferLength, pBuffer, ccsid, call))
         return failure(reason);
     if ((call.pmo.Options & MQPMO_ALTERNATE_USER_AUTHORITY) != 0) return failure(MQRC_OPTIONS_ERROR);
-    if ((call.pmo.Options & MQPMO_LOGICAL_ORDER) != 0 && static_cast<const MQMD *>(pMsgDesc)->Version < MQMD_VERSION_2)
+    if ((call.pmo.Options & MQPMO_LOGICAL_ORDER) != 0 && call.ownDescriptor &&
+        static_cast<const MQMD *>(pMsgDesc)->Version < MQMD_VERSION_2)
         return failure(MQRC_WRONG_MD_VERSION);
     if (const MQLONG reason = api::checkToFollow(*use, call.pmo)) return failure(reason);
     if (!object->allows(MQOO_OUTPUT)) return failure(MQRC_NOT_OPEN_FOR_OUTPUT);
@@ -69,10 +72,11 @@ Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, M
     if (call.pmo.RecsPresent != 0) return failure(MQRC_RECS_PRESENT_ERROR);
     if (const Outcome there = use->catalog.refresh(object->hold); there.failed()) return there;
 
+    const objects::QueueDefinition &queue = *object->hold.queue;
     std::optional<api::PutHandles> handles;
     if (api::usesHandles(call)) [[unlikely]]
-        if (const Outcome applied = handles.emplace().apply(Hconn, *use, call); applied.failed()) return applied;
-    const objects::QueueDefinition &queue = *object->hold.queue;
+        if (const Outcome applied = handles.emplace().apply(Hconn, *use, core::reachOf(queue), call); applied.failed())
+            return applied;
     const core::AsyncKind kind = core::asyncKind(call.pmo.Options, queue, call.message.header.md);
     const Outcome outcome = core::putMessage(
         *use, queue, {call.pmo.Options, object->options, call.pmo.Context, &object->logicalOrder}, call.message);
@@ -82,7 +86,7 @@ Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, M
         return api::finishAsyncPut(*use, kind, outcome, askedName(*object), object->options,
                                    api::resolvedNames(*use, queue, api::Told::Destination), call, pMsgDesc);
     if (outcome.failed()) return outcome;
-    api::storePutMd(call.message.header.md, pMsgDesc);
+    api::returnDescriptor(call, pMsgDesc);
     api::storePmo(api::resolvedNames(*use, queue, api::toldBy(call.pmo)), api::countsOf(queue), pPutMsgOpts);
     return outcome;
 }

@@ -32,10 +32,12 @@ Outcome put1ToList(MQHCONN Hconn, core::Connection &connection, const MQOD &od, 
     if (const MQLONG reason = responses.load(od, pObjDesc)) return failure(reason);
     if (const MQLONG reason = api::loadPutRecords(call.pmo, pPutMsgOpts, records)) return failure(reason);
     if (const MQLONG reason = putResponses.load(call.pmo, pPutMsgOpts)) return failure(reason);
+    core::resolveList(connection, list);
     std::optional<api::PutHandles> handles;
     if (api::usesHandles(call))
-        if (const Outcome applied = handles.emplace().apply(Hconn, connection, call); applied.failed()) return applied;
-    core::resolveList(connection, list);
+        if (const Outcome applied = handles.emplace().apply(Hconn, connection, core::reachOf(list), call);
+            applied.failed())
+            return applied;
     const core::AsyncKind kind =
         core::asyncKind(call.pmo.Options, MQPRT_SYNC_RESPONSE, call.message.header.md.Persistence);
     const Outcome outcome = core::putToList(
@@ -50,7 +52,7 @@ Outcome put1ToList(MQHCONN Hconn, core::Connection &connection, const MQOD &od, 
     api::storePmo({}, api::countsOf(list), pPutMsgOpts);
     if (outcome.failed()) return outcome;
     if (handles) handles->rememberPut(call);
-    api::storePutMd(call.message.header.md, pMsgDesc);
+    api::returnDescriptor(call, pMsgDesc);
     return outcome;
 }
 
@@ -75,10 +77,11 @@ Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgO
         core::callEvent(*use, found.outcome, api::objectName(od));
         return found.outcome;
     }
+    const objects::QueueDefinition &queue = *found.hold.queue;
     std::optional<api::PutHandles> handles;
     if (api::usesHandles(call)) [[unlikely]]
-        if (const Outcome applied = handles.emplace().apply(Hconn, *use, call); applied.failed()) return applied;
-    const objects::QueueDefinition &queue = *found.hold.queue;
+        if (const Outcome applied = handles.emplace().apply(Hconn, *use, core::reachOf(queue), call); applied.failed())
+            return applied;
     // The queue's own response type is one of handles: without MQOPEN there is no time at which it would be looked up.
     const MQLONG persistence = call.message.header.md.Persistence == MQPER_PERSISTENCE_AS_Q_DEF
                                    ? queue.defPersistence
@@ -94,7 +97,7 @@ Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgO
     if (outcome.failed()) return outcome;
     const api::ResolvedNames names = api::resolvedNames(*use, queue, api::toldBy(call.pmo));
     api::storeOd(names, api::countsOf(queue), MQOT_Q, pObjDesc);
-    api::storePutMd(call.message.header.md, pMsgDesc);
+    api::returnDescriptor(call, pMsgDesc);
     api::storePmo(names, api::countsOf(queue), pPutMsgOpts);
     return outcome;
 }

@@ -20,7 +20,7 @@ Outcome finishAsyncPut(core::Connection &connection, const core::AsyncKind &kind
     const core::AsyncTarget target{
         name.type, name.name, name.queueManager, textOf(found.queue), textOf(found.queueManager), openOptions, {}};
     const Outcome answer = core::noteAsyncPut(connection, kind, outcome, target);
-    if (!answer.failed()) storeAsyncPutMd(call.message.header.md, msgDesc);
+    if (!answer.failed() && msgDesc != nullptr) storeAsyncPutMd(call.message.header.md, msgDesc);
     return answer;
 }
 
@@ -41,7 +41,7 @@ Outcome finishAsyncPut(core::Connection &connection, const core::AsyncKind &kind
         if (const Outcome answer = core::noteAsyncPut(connection, kind, destination.outcome, target); answer.failed())
             return answer;
     }
-    if (!outcome.failed()) storeAsyncPutMd(call.message.header.md, msgDesc);
+    if (!outcome.failed() && msgDesc != nullptr) storeAsyncPutMd(call.message.header.md, msgDesc);
     return success();
 }
 

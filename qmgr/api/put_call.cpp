@@ -18,12 +18,18 @@ MQLONG checkPutOptions(MQLONG options)
     return wrong ? MQRC_OPTIONS_ERROR : MQRC_NONE;
 }
 
+bool hasHandle(const MQPMO &pmo)
+{
+    return pmo.OriginalMsgHandle != MQHM_NONE || pmo.NewMsgHandle != MQHM_NONE;
+}
+
 } // namespace
 
 MQLONG loadPut(const void *msgDesc, const void *putMsgOpts, MQLONG bufferLength, const void *buffer,
                MQLONG queueManagerCcsid, PutCall &call)
 {
-    if (const MQLONG reason = checkMd(msgDesc)) return reason;
+    if (msgDesc != nullptr)
+        if (const MQLONG reason = checkMd(msgDesc)) return reason;
     if (const MQLONG reason = checkPmo(putMsgOpts)) return reason;
     if (bufferLength < 0) return MQRC_BUFFER_LENGTH_ERROR;
     if (buffer == nullptr && bufferLength > 0) return MQRC_BUFFER_ERROR;
@@ -32,12 +38,28 @@ MQLONG loadPut(const void *msgDesc, const void *putMsgOpts, MQLONG bufferLength,
     if (const MQLONG reason = checkPutOptions(call.pmo.Options)) return reason;
     if (call.pmo.RecsPresent < 0) return MQRC_RECS_PRESENT_ERROR;
 
-    MQMD &md = call.message.header.md;
-    loadMd(msgDesc, md);
     call.message.body = {static_cast<const std::byte *>(buffer), static_cast<std::size_t>(bufferLength)};
+    call.ownDescriptor = msgDesc != nullptr && (call.pmo.Options & MQPMO_MD_FOR_OUTPUT_ONLY) == 0;
+    if (!call.ownDescriptor) [[unlikely]]
+        return hasHandle(call.pmo) ? MQRC_NONE : MQRC_MD_ERROR;
+    loadMd(msgDesc, call.message.header.md);
+    return acceptDescriptor(queueManagerCcsid, call);
+}
+
+MQLONG acceptDescriptor(MQLONG queueManagerCcsid, PutCall &call)
+{
+    MQMD &md = call.message.header.md;
     if (const MQLONG reason = core::takeExtension(queueManagerCcsid, md, call.message.body)) return reason;
     if (const MQLONG reason = checkOptions(OptionField::Report, md.Report)) return reason;
     return checkOptions(OptionField::Flags, md.MsgFlags);
+}
+
+void returnDescriptor(const PutCall &call, void *msgDesc)
+{
+    if (call.ownDescriptor) [[likely]]
+        storePutMd(call.message.header.md, msgDesc);
+    else if (msgDesc != nullptr)
+        storeMd(call.message.header.md, msgDesc);
 }
 
 } // namespace mqrig::qmgr::api

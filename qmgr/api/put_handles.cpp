@@ -12,7 +12,7 @@ bool isAction(MQLONG action)
 
 } // namespace
 
-Outcome PutHandles::apply(MQHCONN hconn, core::Connection &connection, PutCall &call)
+Outcome PutHandles::apply(MQHCONN hconn, core::Connection &connection, core::Reach reach, PutCall &call)
 {
     const MQPMO &pmo = call.pmo;
     if (!isAction(pmo.Action)) return failure(MQRC_ACTION_ERROR);
@@ -32,8 +32,12 @@ Outcome PutHandles::apply(MQHCONN hconn, core::Connection &connection, PutCall &
         handles_.created = &*created_;
     }
 
-    if ((pmo.Options & MQPMO_MD_FOR_OUTPUT_ONLY) != 0) call.message.header.md = core::descriptorFromHandles(handles_);
-    const Outcome attached = core::attachProperties(connection, handles_, call.message, stored_);
+    if (!call.ownDescriptor) {
+        call.message.header.md = core::descriptorFromHandles(handles_);
+        if (const MQLONG reason = acceptDescriptor(connection.queueManager().codedCharSetId, call))
+            return failure(reason);
+    }
+    const Outcome attached = core::attachProperties(connection, handles_, reach, call.message, stored_);
     properties_ = call.message.header.coreLength;
     return attached;
 }

@@ -17,8 +17,8 @@ class PutHandles {
 public:
     // Takes the handles in use and gives the message their properties, and their descriptor where the put has none of
     // its own. Without handles, or with handles that say nothing, the message stays as it is. MQRC_HMSG_ERROR,
-    // MQRC_MSG_HANDLE_IN_USE, MQRC_PROPERTIES_TOO_BIG, MQRC_UNSUPPORTED_PROPERTY.
-    Outcome apply(MQHCONN hconn, core::Connection &connection, PutCall &call);
+    // MQRC_MSG_HANDLE_IN_USE, MQRC_PROPERTIES_TOO_BIG, MQRC_UNSUPPORTED_PROPERTY, and those of acceptDescriptor.
+    Outcome apply(MQHCONN hconn, core::Connection &connection, core::Reach reach, PutCall &call);
     // After a successful put.
     void rememberPut(const PutCall &call);
 
@@ -33,8 +33,7 @@ private:
 // Whether a put has anything to do with handles: one branch for those that have not.
 inline bool usesHandles(const PutCall &call)
 {
-    return (call.pmo.OriginalMsgHandle | call.pmo.NewMsgHandle | call.pmo.Action) != 0 ||
-           (call.pmo.Options & MQPMO_MD_FOR_OUTPUT_ONLY) != 0;
+    return (call.pmo.OriginalMsgHandle | call.pmo.NewMsgHandle | call.pmo.Action) != 0;
 }
 
 } // namespace mqrig::qmgr::api

@@ -51,10 +51,11 @@ std::vector<const properties::Property *> combined(const PutHandles &handles)
 }
 
 // No property is one that this queue manager would have to act upon: what must be supported is refused.
-bool isSupported(const properties::Property &property)
+bool isRefused(const properties::Property &property, Reach reach)
 {
-    return property.descriptor.support != MQPD_SUPPORT_REQUIRED &&
-           property.descriptor.support != MQPD_SUPPORT_REQUIRED_IF_LOCAL;
+    const MQLONG refused =
+        reach == Reach::Here ? MQPD_REJECT_UNSUP_MASK | MQPD_ACCEPT_UNSUP_IF_XMIT_MASK : MQPD_REJECT_UNSUP_MASK;
+    return (property.descriptor.support & refused) != 0;
 }
 
 void copyId(MQBYTE24 &to, const MQBYTE24 &from)
@@ -77,6 +78,14 @@ void answerTo(const MQMD &original, MQMD &md)
 
 } // namespace
 
+Reach reachOf(const DistributionList &list)
+{
+    const bool anyHere = std::ranges::any_of(list.destinations, [](const Destination &destination) {
+        return destination.hold.queue != nullptr && !destination.hold.queue->remote;
+    });
+    return anyHere ? Reach::Here : Reach::Elsewhere;
+}
+
 MQMD descriptorFromHandles(const PutHandles &handles)
 {
     MessageHandle base;
@@ -96,14 +105,14 @@ MQMD descriptorFromHandles(const PutHandles &handles)
     return base.md;
 }
 
-Outcome attachProperties(Connection &connection, const PutHandles &handles, store::NewMessage &message,
+Outcome attachProperties(Connection &connection, const PutHandles &handles, Reach reach, store::NewMessage &message,
                          std::vector<std::byte> &stored)
 {
     const auto all = combined(handles);
     if (all.empty()) return success();
     std::size_t bytes = 0;
     for (const properties::Property *property : all) {
-        if (!isSupported(*property)) return failure(MQRC_UNSUPPORTED_PROPERTY);
+        if (isRefused(*property, reach)) return failure(MQRC_UNSUPPORTED_PROPERTY);
         bytes += property->name.size() + property->value.size();
     }
     const MQLONG limit = connection.queueManager().maxPropertiesLength;

@@ -7,7 +7,9 @@
 
 #include "cmqc.h"
 #include "qmgr/core/connection.h"
+#include "qmgr/core/destination.h"
 #include "qmgr/core/message_handles.h"
+#include "qmgr/objects/queue_definition.h"
 #include "qmgr/store/message.h"
 #include "qmgr/store/outcome.h"
 
@@ -20,12 +22,21 @@ struct PutHandles {
     MessageHandle *created = nullptr;
 };
 
+// Where a message goes: to at least one queue here, or to other queue managers only. Properties may ask to be
+// understood here.
+enum class Reach { Here, Elsewhere };
+inline Reach reachOf(const objects::QueueDefinition &queue)
+{
+    return queue.remote ? Reach::Elsewhere : Reach::Here;
+}
+Reach reachOf(const DistributionList &list);
+
 // The descriptor that the handles make, for a put without one of its own. Version 2.
 MQMD descriptorFromHandles(const PutHandles &handles);
 
 // Puts the properties in front of the message's body: `stored` holds both then, and must live until the message is put.
 // MQRC_PROPERTIES_TOO_BIG, MQRC_UNSUPPORTED_PROPERTY.
-Outcome attachProperties(Connection &connection, const PutHandles &handles, store::NewMessage &message,
+Outcome attachProperties(Connection &connection, const PutHandles &handles, Reach reach, store::NewMessage &message,
                          std::vector<std::byte> &stored);
 
 // After the put: the new handle is that of the message which was put. `record`: its properties as they are stored.

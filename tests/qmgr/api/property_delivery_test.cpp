@@ -1,5 +1,8 @@
 // Properties on their way with messages: into the store, and out of it in the form that the getter wants.
+#include <functional>
+
 #include "property_calls.h"
+#include "qmgr/store/seams.h"
 
 namespace mqrig::qmgr::testing {
 namespace {
@@ -321,6 +324,70 @@ TEST_F(PropertyDelivery, LargeValuesAndManyPropertiesArrive)
     EXPECT_EQ(shown(target), shown(hmsg)) << "also by way of the header";
 }
 
+int writeTransactions;
+
+// How often others had to wait for the get.
+int transactionsOf(const std::function<void()> &get)
+{
+    writeTransactions = 0;
+    store::seams.storageError = [](store::StorageCall call) {
+        if (call == store::StorageCall::LiveBegin) ++writeTransactions;
+        return 0;
+    };
+    get();
+    store::seams.storageError = nullptr;
+    return writeTransactions;
+}
+
+TEST_F(PropertyDelivery, LongHeadersAreReadWhileNobodyWaits)
+{
+    const std::string folder = "<usr><long>" + std::string(5000, 'x') + "</long></usr>";
+    const std::string body = withFolders({folder}, "hello");
+    put(hconn, q1, body, ofFormat("MQHRF2"));
+    put(hconn, q1, withFolders({"<usr><a>1</a></usr>"}, "hello"), ofFormat("MQHRF2"));
+    put(hconn, q1, std::string(5000, 'x'));
+    Got got;
+    EXPECT_EQ(transactionsOf([&] { got = getInto(target); }), 2) << "found by the first, taken by the second";
+    EXPECT_EQ(got.body, "hello");
+    EXPECT_EQ(inquire(target, "long").value.size(), 5000u);
+    EXPECT_EQ(transactionsOf([&] { got = getInto(target); }), 1);
+    EXPECT_EQ(shown(target), "a=1");
+    EXPECT_EQ(transactionsOf([&] { got = getInto(target); }), 1);
+    EXPECT_EQ(got.body.size(), 5000u);
+}
+
+TEST_F(PropertyDelivery, LongHeadersAreTakenInEveryWay)
+{
+    const std::string folder = "<usr><long>" + std::string(5000, 'x') + "</long></usr>";
+    const std::string body = withFolders({folder}, "hello");
+    MQMD md = ofFormat("MQHRF2");
+    md.Expiry = 10000;
+    put(hconn, q1, body, md);
+    const Got whole = getInto(target, MQGMO_NO_PROPERTIES, 4);
+    EXPECT_EQ(whole.codes, warned(MQRC_TRUNCATED_MSG_FAILED));
+    EXPECT_EQ(whole.body, "hell");
+    EXPECT_EQ(whole.dataLength, 5);
+
+    // Got and backed out in a unit of work.
+    MQGMO gmo = gmoWith(MQGMO_SYNCPOINT | MQGMO_PROPERTIES_IN_HANDLE, MQGMO_VERSION_4);
+    gmo.MsgHandle = target;
+    EXPECT_EQ(get(hconn, q1, version2Md(), gmo).body, "hello");
+    EXPECT_EQ(getInto(create(hconn)).codes, failed(MQRC_NO_MSG_AVAILABLE));
+    backOut(hconn);
+
+    // Under the cursor, where it is locked.
+    gmo.Options = MQGMO_BROWSE_FIRST | MQGMO_LOCK | MQGMO_PROPERTIES_IN_HANDLE;
+    EXPECT_EQ(get(hconn, q1, version2Md(), gmo).body, "hello");
+    gmo.Options = MQGMO_MSG_UNDER_CURSOR | MQGMO_NO_SYNCPOINT | MQGMO_PROPERTIES_IN_HANDLE;
+    const Got got = get(hconn, q1, version2Md(), gmo);
+    EXPECT_EQ(got.codes, ok);
+    EXPECT_EQ(got.body, "hello");
+    EXPECT_EQ(got.md.BackoutCount, 1);
+    EXPECT_EQ(inquire(target, "long").value.size(), 5000u);
+    EXPECT_EQ(get(hconn, q1, version2Md(), gmo).codes, failed(MQRC_NO_MSG_UNDER_CURSOR));
+    EXPECT_EQ(depth("Q1"), 0);
+}
+
 TEST_F(PropertyDelivery, BrowseAndUnitsOfWorkDeliverThem)
 {
     set(hmsg, "color", "red");
@@ -421,13 +488,174 @@ TEST_F(PropertyDelivery, HandlesMakeTheDescriptor)
     EXPECT_EQ(bytes(got.md.CorrelId).substr(0, 8), "question");
 }
 
+TEST_F(PropertyDelivery, DescriptorOfTheHandlesIsJudgedLikeAnyOther)
+{
+    // What receives may hold anything.
+    MQMD out = version2Md();
+    out.Report = -1;
+    out.MsgFlags = -1;
+    setText(out.Format, MQFMT_MD_EXTENSION);
+    MQPMO pmo = pmoWith(MQPMO_NO_SYNCPOINT | MQPMO_MD_FOR_OUTPUT_ONLY);
+    pmo.Version = MQPMO_VERSION_3;
+    pmo.OriginalMsgHandle = hmsg;
+    EXPECT_EQ(putInOut(hconn, q1, "hello", out, pmo), ok);
+    EXPECT_EQ(out.Report, MQRO_NONE) << "it receives the whole descriptor";
+    EXPECT_EQ(out.MsgFlags, MQMF_NONE);
+    EXPECT_EQ(text(out.Format), "");
+    EXPECT_EQ(get(hconn, q1).body, "hello");
+
+    set(hmsg, "Root.MQMD.Report", MQTYPE_INT32, bytesOf(MQLONG{MQRO_REJECT_UNSUP_MASK}));
+    EXPECT_EQ(putInOut(hconn, q1, "hello", out, pmo), failed(MQRC_REPORT_OPTIONS_ERROR));
+    set(hmsg, "Root.MQMD.Report", MQTYPE_INT32, bytesOf(MQLONG{MQRO_NONE}));
+    set(hmsg, "Root.MQMD.MsgFlags", MQTYPE_INT32, bytesOf(MQLONG{0x00000080}));
+    EXPECT_EQ(putInOut(hconn, q1, "hello", out, pmo), failed(MQRC_MSG_FLAGS_ERROR));
+    set(hmsg, "Root.MQMD.MsgFlags", MQTYPE_INT32, bytesOf(MQLONG{MQMF_NONE}));
+    set(hmsg, "Root.MQMD.Format", MQFMT_MD_EXTENSION);
+    EXPECT_EQ(putInOut(hconn, q1, "hello", out, pmo), failed(MQRC_MDE_ERROR));
+
+    pmo.OriginalMsgHandle = MQHM_NONE;
+    EXPECT_EQ(putInOut(hconn, q1, "hello", out, pmo), failed(MQRC_MD_ERROR)) << "no handle that could make one";
+}
+
+TEST_F(PropertyDelivery, PutsWithAHandleNeedNoDescriptor)
+{
+    set(hmsg, "color", "red");
+    set(hmsg, "Root.MQMD.Priority", MQTYPE_INT32, bytesOf(MQLONG{7}));
+    MQPMO pmo = pmoWith(MQPMO_NO_SYNCPOINT);
+    pmo.Version = MQPMO_VERSION_3;
+    char body[] = "hello";
+    const auto putWithout = [&](MQHMSG original, MQHMSG created) {
+        pmo.OriginalMsgHandle = original;
+        pmo.NewMsgHandle = created;
+        Codes codes;
+        MQPUT(hconn, q1, nullptr, &pmo, 5, body, &codes.CompCode, &codes.Reason);
+        return codes;
+    };
+    EXPECT_EQ(putWithout(MQHM_NONE, MQHM_NONE), failed(MQRC_MD_ERROR));
+    EXPECT_EQ(putWithout(hmsg, MQHM_NONE), ok);
+    EXPECT_EQ(putWithout(MQHM_NONE, hmsg), ok);
+    for (int i = 0; i < 2; ++i) {
+        const Got got = getInto(target);
+        EXPECT_EQ(got.md.Priority, 7);
+        EXPECT_EQ(shown(target), "color=red");
+    }
+    pmo.OriginalMsgHandle = hmsg;
+    pmo.NewMsgHandle = MQHM_NONE;
+    MQOD od = {MQOD_DEFAULT};
+    setText(od.ObjectName, "Q1");
+    Codes codes;
+    MQPUT1(hconn, &od, nullptr, &pmo, 5, body, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, ok);
+    pmo.Options |= MQPMO_ASYNC_RESPONSE;
+    MQPUT1(hconn, &od, nullptr, &pmo, 5, body, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, ok);
+    EXPECT_EQ(getInto(target).md.Priority, 7);
+    EXPECT_EQ(getInto(target).md.Priority, 7);
+    pmo.Version = MQPMO_VERSION_2;
+    MQPUT1(hconn, &od, nullptr, &pmo, 5, body, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, failed(MQRC_MD_ERROR)) << "the handles are not there";
+}
+
+TEST_F(PropertyDelivery, GetsIntoAHandleNeedNoDescriptor)
+{
+    put(hconn, q1, "one", withPriority(3));
+    MQMD md = withPriority(4);
+    setBytes(md.CorrelId, "wanted");
+    put(hconn, q1, "two", md);
+    defineQueue("FORCED", {{MQIA_PROPERTY_CONTROL, MQPROP_FORCE_MQRFH2}});
+    const MQHOBJ forced = open(hconn, "FORCED", everything);
+    char buffer[16];
+    MQLONG length = 0;
+    MQGMO gmo = gmoWith(MQGMO_NO_SYNCPOINT, MQGMO_VERSION_4);
+    gmo.MatchOptions = MQMO_MATCH_CORREL_ID;
+    const auto getWithout = [&](MQHMSG handle, MQHOBJ queue, MQLONG options = MQGMO_NONE) {
+        gmo.MsgHandle = handle;
+        gmo.Options = MQGMO_NO_SYNCPOINT | options;
+        Codes codes;
+        MQGET(hconn, queue, nullptr, &gmo, sizeof buffer, buffer, &length, &codes.CompCode, &codes.Reason);
+        return codes;
+    };
+    EXPECT_EQ(getWithout(MQHM_NONE, q1), failed(MQRC_MD_ERROR));
+    EXPECT_EQ(getWithout(target, q1, MQGMO_PROPERTIES_FORCE_MQRFH2), failed(MQRC_MD_ERROR));
+    EXPECT_EQ(getWithout(target, forced), failed(MQRC_MD_ERROR));
+    EXPECT_EQ(getWithout(target, forced, MQGMO_PROPERTIES_IN_HANDLE), failed(MQRC_NO_MSG_AVAILABLE));
+
+    set(target, "Root.MQMD.CorrelId", MQTYPE_BYTE_STRING, "wanted");
+    EXPECT_EQ(getWithout(target, q1), ok);
+    EXPECT_EQ(std::string(buffer, static_cast<std::size_t>(length)), "two") << "the handle says what is wanted";
+    EXPECT_EQ(inquire(target, "Root.MQMD.Priority").value, bytesOf(MQLONG{4}));
+}
+
+TEST_F(PropertyDelivery, HandleIsLeftAloneWhereTheQueueForcesHeaders)
+{
+    defineQueue("FORCED", {{MQIA_PROPERTY_CONTROL, MQPROP_FORCE_MQRFH2}});
+    q1 = open(hconn, "FORCED", everything);
+    set(hmsg, "color", "red");
+    set(target, "mine", "1");
+    for (const MQHMSG handle : {target, MQHMSG{4711}}) {
+        ASSERT_EQ(putWith(hmsg), ok);
+        const Got got = getInto(handle, MQGMO_PROPERTIES_AS_Q_DEF);
+        EXPECT_EQ(got.codes, ok);
+        EXPECT_EQ(text(got.md.Format), "MQHRF2");
+    }
+    EXPECT_EQ(shown(target), "mine=1");
+}
+
 TEST_F(PropertyDelivery, WhatMustBeUnderstoodIsRefused)
 {
     MQPD pd = {MQPD_DEFAULT};
-    for (const MQLONG support : {MQPD_SUPPORT_REQUIRED, MQPD_SUPPORT_REQUIRED_IF_LOCAL}) {
+    for (const MQLONG support : {MQPD_SUPPORT_REQUIRED, MQPD_SUPPORT_REQUIRED_IF_LOCAL, MQLONG{0x40000000}}) {
         pd.Support = support;
         EXPECT_EQ(set(hmsg, "a", MQTYPE_STRING, "1", {MQSMPO_DEFAULT}, pd), ok);
         EXPECT_EQ(putWith(hmsg), failed(MQRC_UNSUPPORTED_PROPERTY));
+    }
+    pd.Support = 2;
+    EXPECT_EQ(set(hmsg, "a", MQTYPE_STRING, "1", {MQSMPO_DEFAULT}, pd), ok);
+    EXPECT_EQ(putWith(hmsg), ok) << "nobody needs to understand it";
+}
+
+TEST_F(PropertyDelivery, WhatMustBeUnderstoodHereMayGoElsewhere)
+{
+    defineTransmissionQueue("QM2");
+    const MQLONG supports[] = {MQPD_SUPPORT_REQUIRED_IF_LOCAL, MQPD_SUPPORT_REQUIRED};
+    const Codes answers[] = {ok, failed(MQRC_UNSUPPORTED_PROPERTY)};
+    MQPD pd = {MQPD_DEFAULT};
+    MQPMO pmo = pmoWith(MQPMO_NO_SYNCPOINT);
+    pmo.Version = MQPMO_VERSION_3;
+    pmo.OriginalMsgHandle = hmsg;
+    for (int i = 0; i < 2; ++i) {
+        pd.Support = supports[i];
+        set(hmsg, "a", MQTYPE_STRING, "1", {MQSMPO_DEFAULT}, pd);
+        MQOD od = {MQOD_DEFAULT};
+        setText(od.ObjectName, "THERE");
+        setText(od.ObjectQMgrName, "QM2");
+        MQMD md = {MQMD_DEFAULT};
+        Codes codes;
+        char body[] = "hello";
+        MQPUT1(hconn, &od, &md, &pmo, 5, body, &codes.CompCode, &codes.Reason);
+        EXPECT_EQ(codes, answers[i]);
+        MQHOBJ hobj = MQHO_UNUSABLE_HOBJ;
+        ASSERT_EQ(tryOpen(hconn, od, MQOO_OUTPUT, hobj), ok);
+        EXPECT_EQ(put(hconn, hobj, "hello", md, pmo), answers[i]);
+
+        // A list that comes by here is one that must be understood here.
+        MQOR names[2] = {{MQOR_DEFAULT}, {MQOR_DEFAULT}};
+        MQOD list = {MQOD_DEFAULT};
+        list.Version = MQOD_VERSION_2;
+        list.RecsPresent = 2;
+        list.ObjectRecPtr = names;
+        setText(names[0].ObjectName, "THERE");
+        setText(names[0].ObjectQMgrName, "QM2");
+        setText(names[1].ObjectName, "ALSO");
+        setText(names[1].ObjectQMgrName, "QM2");
+        ASSERT_EQ(tryOpen(hconn, list, MQOO_OUTPUT, hobj), ok);
+        EXPECT_EQ(put(hconn, hobj, "hello", md, pmo), answers[i]);
+        setText(names[1].ObjectName, "Q1");
+        setText(names[1].ObjectQMgrName, "");
+        ASSERT_EQ(tryOpen(hconn, list, MQOO_OUTPUT, hobj), ok);
+        EXPECT_EQ(put(hconn, hobj, "hello", md, pmo), failed(MQRC_UNSUPPORTED_PROPERTY));
+        MQPUT1(hconn, &list, &md, &pmo, 5, body, &codes.CompCode, &codes.Reason);
+        EXPECT_EQ(codes, failed(MQRC_UNSUPPORTED_PROPERTY));
     }
 }
 

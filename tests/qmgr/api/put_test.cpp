@@ -349,13 +349,13 @@ TEST_F(Put, TopicAndUnknownOptionsAre2046)
         EXPECT_EQ(codesFor(pmoWith(options)), failed(MQRC_OPTIONS_ERROR)) << std::hex << options;
 }
 
-TEST_F(Put, OutputOnlyDescriptorIsTheDefaultOne)
+TEST_F(Put, OutputOnlyDescriptorNeedsAHandle)
 {
-    MQMD md = withPriority(77);
+    MQMD md = withPriority(5);
     MQPMO pmo = pmoWith(MQPMO_MD_FOR_OUTPUT_ONLY);
-    EXPECT_EQ(putInOut(hconn, q1, "hello", md, pmo), ok);
-    EXPECT_EQ(md.Priority, 0);
-    EXPECT_EQ(get(hconn, q1).md.Priority, 0);
+    EXPECT_EQ(putInOut(hconn, q1, "hello", md, pmo), failed(MQRC_MD_ERROR));
+    EXPECT_EQ(put1(hconn, "Q1", "hello", md, pmo), failed(MQRC_MD_ERROR));
+    EXPECT_EQ(depth("Q1"), 0);
 }
 
 TEST_F(Put, OptionsWithoutEffectAreAccepted)
