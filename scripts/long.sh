@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # What takes longer than an everyday run: many kills, the whole suite under valgrind's eye, cppcheck, coverage.
 # Usage: scripts/long.sh [kills] [faults] [valgrind] [fuzz] [cppcheck] [coverage]   (all of them without an argument)
-# MQRIG_KILL_ROUNDS: rounds of three kills each (default 700); MQRIG_FORWARDING_KILLS: kills of a run from queue to queue
-# (default 200). MQRIG_FUZZ_SECONDS: the CPU time of each fuzz target (default 600).
+# MQRIG_KILL_ROUNDS: rounds of three kills each, at random moments and again at every named step (default 700).
+# MQRIG_FORWARDING_KILLS: kills of a run from queue to queue (default 200). MQRIG_FUZZ_SECONDS: the CPU time of each
+# fuzz target (default 600).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/packages.sh
@@ -14,8 +15,9 @@ step() { echo "== $1 ($(date -u +%H:%M:%S))"; }
 need_packages $mqrig_long_packages
 
 kills() {
-  step "processes killed at random moments"
-  configure_and_build release -DMQRIG_TESTS=ON -- qmgr_store_tests moving_end_to_end
+  step "processes killed at random moments and at every named step"
+  configure_and_build release -DMQRIG_TESTS=ON -- qmgr_store_tests moving_end_to_end crash_run
+  build/tests/bin/crash_run --kills $((3 * ${MQRIG_KILL_ROUNDS:-700})) --seed "$(date +%s)"
   MQRIG_KILL_ROUNDS=${MQRIG_KILL_ROUNDS:-700} build/tests/bin/qmgr_store_tests --gtest_filter='Kills.*' | tail -n 3
   MQRIG_FORWARDING_KILLS=${MQRIG_FORWARDING_KILLS:-200} build/tests/bin/moving_end_to_end --gtest_filter='Forwarding.*' |
     tail -n 3

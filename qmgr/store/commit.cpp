@@ -119,6 +119,7 @@ LogLock::LogLock(Store &store, Busy busy) : store_(store)
         // Noted before the mutex is declared whole: should we die too, the next one knows.
         control.logUnfinished = 1;
         pthread_mutex_consistent(&control.logLock);
+        reached(Step::LogTakenOver);
     } else if (code != 0) {
         outcome_ = failure(MQRC_RESOURCE_PROBLEM);
         return;
@@ -239,6 +240,7 @@ Outcome Store::logUnits(std::span<const PreparedUnit> units)
     log_->advance(control().stamp.generation, units.back().ticket);
     // From here until the flip the log is ahead of the live state. Noted before it is, for whatever may go wrong.
     control().logUnfinished = 1;
+    reached(Step::UnitLogging);
     const Outcome committed = log_->commit();
     if (leftTheLogAsItWas(committed)) control().logUnfinished = 0;
     return committed;
@@ -296,7 +298,10 @@ Outcome Store::flip(Ticket upTo)
                 ticket = numberAtEnd<Ticket>(key);
                 readable = readUnit(value, unit, steps);
             });
-            if (ticket == 0 || ticket > upTo) return success();
+            if (ticket == 0 || ticket > upTo) {
+                reached(Step::UnitFlipping);
+                return success();
+            }
             if (readable) {
                 for (const UnitStep &step : steps) {
                     const MessageKey key = keyOf(step);
@@ -326,6 +331,7 @@ Outcome Store::undo(const PreparedUnit &unit)
 {
     ConnectionSlot &owner = control().slots[unit.unit.slot];
     if (owner.connection == unit.unit.connection) owner.undone = unit.ticket;
+    reached(Step::UnitUndoing);
     return update(0, unit.unit.slot, [&](WriteTransaction &transaction) {
         for (const UnitStep &step : unit.steps) {
             const MessageKey key = keyOf(step);
@@ -431,6 +437,7 @@ Outcome Store::commit(std::uint32_t slot, const Unit &unit)
                 transaction.eraseMessage(get.key);
             }
         }
+        if (persistent) reached(Step::UnitPreparing);
         return success();
     });
     if (outcome.failed()) {
@@ -456,8 +463,10 @@ Outcome Store::backOut(std::uint32_t slot, const Unit &unit)
             transaction.returnToQueue(get.key);
             ++returned;
         }
+        reached(Step::UnitReturning);
         return success();
     });
+    reached(Step::UnitReturned);
     if (!outcome.failed()) control().slots[slot].holds.fetch_sub(returned);
     return outcome;
 }

@@ -152,6 +152,7 @@ Outcome Store::remove(MQLONG type, std::string_view name, const std::function<Ou
         });
     };
     if (const Outcome marked = mark(1); marked.failed()) return marked;
+    reached(Step::QueueMarked);
     Outcome logged = log_->begin();
     if (!logged.failed()) {
         log_->deleteDefinition(type, name);
@@ -188,6 +189,7 @@ Outcome Store::sweep(const Definition &definition)
                 more = transaction.eraseSome(records, 2000);
                 return success();
             });
+            reached(Step::QueueSweeping);
         }
     }
     return outcome;

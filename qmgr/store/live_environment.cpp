@@ -299,6 +299,7 @@ Outcome LiveEnvironment::remap(NewSize &&newSize)
         // The space is there, or it is not used: a killed process leaves a file that is merely longer than its map.
         reached(Step::MapReserved);
         if (!outcome.failed()) control_.mapSize = size;
+        reached(Step::MapPublished);
     }
     if (!outcome.failed() && mapped_ != size) {
         gate_.close();

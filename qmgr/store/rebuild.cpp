@@ -50,6 +50,7 @@ Store::Opened Store::beginLife(const std::filesystem::path &folder, LockFile &lo
     if (const Outcome begun = log.begin(); begun.failed()) return {begun, nullptr};
     log.beginLife(generation, base);
     if (const Outcome committed = log.commit(); committed.failed()) return {committed, nullptr};
+    reached(Step::LifeBegun);
 
     int fault = 0;
     auto control = ControlMapping::create(live, generation, fault);
@@ -109,6 +110,7 @@ Outcome Store::fill(LogDatabase &log)
             bytes += body.size() + sizeof(MessageHeader);
             if (bytes < bytesAtOnce) return true;
             stored = store();
+            reached(Step::LiveFilling);
             batch.clear();
             bytes = 0;
             return !stored.failed();

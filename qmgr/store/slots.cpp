@@ -188,9 +188,11 @@ void Store::cleanUp(std::uint32_t number)
             transaction.erase(LiveKey::booking(number, queue));
             transaction.wakeGetters(queue);
         }
+        reached(Step::SlotCleaning);
         return success();
     });
     static_cast<void>(cleaned);
+    reached(Step::SlotCleaned);
 }
 
 } // namespace mqrig::qmgr::store

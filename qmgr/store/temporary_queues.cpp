@@ -8,6 +8,7 @@
 // Others may be using the queue. Its counters go with its definition: from then on nothing can be put on it, booked or
 // opened. What units of work of others had there is passed over when they commit (commit.cpp).
 
+#include "qmgr/store/seams.h"
 #include "qmgr/store/store.h"
 #include "qmgr/store/transaction_scratch.h"
 #include "qmgr/store/transaction_walk.h"
@@ -52,6 +53,7 @@ Outcome Store::removeTemporary(std::uint32_t slot, QueueId queue, std::string_vi
             }
             return success();
         });
+        reached(Step::TemporaryRemoving);
     }
     control().definitionVersion.fetch_add(1);
     wakeGetters(queue);

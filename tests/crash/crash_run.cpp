@@ -1,0 +1,69 @@
+// crash_run [--kills N] [--seed N] [--seconds N] [--patience N] [--expect-fault]
+//
+// Kills programs of a queue manager and compares what is left with what they were told. 0: all was as it must be.
+// With --expect-fault the queue manager is one with a deliberate fault; 0: it was found.
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "harness.h"
+
+using namespace mqrig::crash;
+
+namespace {
+
+int numberOf(const char *text)
+{
+    return static_cast<int>(std::strtol(text, nullptr, 10));
+}
+
+void printFigures(const Harness &harness)
+{
+    const Figures &figures = harness.figures();
+    std::printf("%d kills of %d programs: %d at random moments, %d of all at once, the others at these steps:\n",
+                figures.kills, figures.programs, figures.atRandom, figures.massKills);
+    for (std::size_t step = 0; step < figures.atStep.size(); ++step)
+        std::printf("%6d %s\n", figures.atStep.at(step), stepNames.at(step));
+    std::printf("%d restarts; %zu messages put in %zu units of work, %zu of them in doubt\n", figures.restarts,
+                harness.model().messages(), harness.model().units(), harness.model().resolved());
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    Plan plan;
+    bool expectFault = false;
+    for (int n = 1; n < argc; ++n) {
+        const std::string option = argv[n];
+        if (option == "--expect-fault") {
+            expectFault = true;
+            continue;
+        }
+        const int value = n + 1 < argc ? numberOf(argv[++n]) : 0;
+        if (option == "--kills") {
+            plan.kills = value;
+        } else if (option == "--seed") {
+            plan.seed = static_cast<unsigned>(value);
+        } else if (option == "--seconds") {
+            plan.atMost = std::chrono::seconds(value);
+        } else if (option == "--patience") {
+            patience = std::chrono::seconds(value);
+        } else {
+            std::fprintf(stderr, "crash_run: no option %s\n", option.c_str());
+            return 2;
+        }
+    }
+    Harness harness(plan);
+    const bool sound = harness.run();
+    printFigures(harness);
+    int shown = 0;
+    for (const std::string &fault : harness.faults()) {
+        if (++shown > 10) break;
+        std::printf("%s: %s\n", expectFault ? "found" : "FAULT", fault.c_str());
+    }
+    if (!expectFault) return sound ? 0 : 1;
+    if (sound) std::printf("the fault was not found\n");
+    return sound ? 1 : 0;
+}
