@@ -1,7 +1,11 @@
+#include <memory>
+#include <utility>
+
 #include "qmgr/api/api.h"
 #include "qmgr/api/distribution_records.h"
 #include "qmgr/api/object_descriptor.h"
 #include "qmgr/api/option_table.h"
+#include "qmgr/api/selection_string.h"
 #include "qmgr/api/structures.h"
 #include "qmgr/core/connections.h"
 #include "qmgr/core/events.h"
@@ -76,13 +80,18 @@ Outcome open(MQHCONN Hconn, PMQVOID pObjDesc, MQLONG options, PMQHOBJ pHobj)
     const api::Selects selects = (options & (inputOptions | MQOO_BROWSE)) != 0 ? api::Selects::Yes : api::Selects::No;
     if (const MQLONG reason = api::checkObject(od, selects)) return failure(reason);
 
+    std::shared_ptr<const core::MessageSelector> selector;
+    if (const MQLONG reason = api::loadSelector(*use, od.SelectionString, pObjDesc, selector)) return failure(reason);
+
     if (od.RecsPresent > 0) return openList(*use, od, options, pObjDesc, *pHobj);
     const Outcome opened = core::openObject(*use, api::objectName(od), options, *pHobj);
     if (opened.failed()) {
         core::callEvent(*use, opened, api::objectName(od));
         return opened;
     }
-    tell(*use, *use->handles.find(*pHobj), options, pObjDesc);
+    core::OpenObject &object = *use->handles.find(*pHobj);
+    object.selector = std::move(selector);
+    tell(*use, object, options, pObjDesc);
     return opened;
 }
 

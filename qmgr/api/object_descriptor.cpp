@@ -1,5 +1,6 @@
 #include "qmgr/api/object_descriptor.h"
 
+#include "qmgr/api/selection_string.h"
 #include "qmgr/objects/object_name.h"
 
 namespace mqrig::qmgr::api {
@@ -7,9 +8,8 @@ namespace mqrig::qmgr::api {
 MQLONG checkObject(const MQOD &od, Selects selects)
 {
     if (od.RecsPresent < 0) return MQRC_RECS_PRESENT_ERROR;
-    const MQCHARV &selection = od.SelectionString;
-    const bool given = selection.VSLength != 0 && (selection.VSPtr != nullptr || selection.VSOffset != 0);
-    return selects == Selects::Yes && given ? MQRC_FUNCTION_NOT_SUPPORTED : MQRC_NONE;
+    const bool mayBeGiven = selects == Selects::Yes && od.ObjectType == MQOT_Q;
+    return !mayBeGiven && isGiven(od.SelectionString) ? MQRC_SELECTOR_INVALID_FOR_TYPE : MQRC_NONE;
 }
 
 core::ObjectName objectName(const MQOD &od)

@@ -9,8 +9,8 @@
 
 namespace mqrig::qmgr::api {
 
-// What is wrong with a checked and loaded MQOD (MQRC_RECS_PRESENT_ERROR), or is not honoured: selection strings where
-// `selects` says that they would count.
+// What is wrong with a checked and loaded MQOD: MQRC_RECS_PRESENT_ERROR, MQRC_SELECTOR_INVALID_FOR_TYPE for a selection
+// string where it could select nothing. `selects`: messages are to be got or browsed.
 enum class Selects { No, Yes };
 MQLONG checkObject(const MQOD &od, Selects selects);
 

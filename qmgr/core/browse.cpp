@@ -104,7 +104,8 @@ private:
             const Outcome looked = store_.read([&](store::ReadTransaction &transaction) {
                 showLocked(transaction);
                 search(transaction,
-                       {queue, &request_.selection, behind, store::currentTime(), anyNumber, request_.needs, filter()},
+                       {queue, &request_.selection, behind, store::currentTime(), anyNumber, request_.needs,
+                        object_.selector.get(), filter()},
                        found, expired);
                 if (found.end == SearchEnd::Found) {
                     got_.key = found.key;

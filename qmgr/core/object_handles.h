@@ -13,6 +13,7 @@
 #include "qmgr/core/context.h"
 #include "qmgr/core/destination.h"
 #include "qmgr/core/logical_order.h"
+#include "qmgr/core/message_selector.h"
 #include "qmgr/objects/catalog.h"
 #include "qmgr/store/message.h"
 #include "qmgr/store/transaction.h"
@@ -27,6 +28,8 @@ struct OpenObject {
     store::OpenCounts opens; // what this handle adds to the counts of its queue
     bool made = false;       // the queue was made by this MQOPEN
 
+    // What MQGET passes over, by a selection string; most have none.
+    std::shared_ptr<const MessageSelector> selector;
     // Where browsing stands: the last message that a browse returned. It may be gone since.
     std::optional<store::MessageKey> cursor;
     // The message that its last browse locked (MQGMO_LOCK), for this handle only.

@@ -198,6 +198,7 @@ Outcome reopenObject(Connection &connection, OpenObject &object)
     again.asked = object.asked;
     const ObjectName name{object.type, object.asked.name, object.asked.queueManager, object.asked.dynamicName};
     if (const Outcome opened = openByType(connection, name, again); opened.failed()) return opened;
+    again.selector = object.selector;
     again.savedContext = object.savedContext;
     // Messages that outlive the queue manager's end keep their keys, so browsing goes on where it stood.
     const bool sameQueue =

@@ -8,8 +8,10 @@ namespace {
 bool isWanted(store::Transaction &transaction, const Search &search, const store::MessageKey &key,
               const store::MessageHeader &header)
 {
-    return search.selection->matches(header) &&
-           (search.marks == nullptr || !search.marks->isMarked(transaction, key, header));
+    if (!search.selection->matches(header)) return false;
+    if (search.selector != nullptr && !search.selector->matches(header, transaction.body(key))) [[unlikely]]
+        return false;
+    return (search.marks == nullptr || !search.marks->isMarked(transaction, key, header));
 }
 
 // The one message that a token names.

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "qmgr/core/browse_marks.h"
+#include "qmgr/core/message_selector.h"
 #include "qmgr/core/reports.h"
 #include "qmgr/core/selection.h"
 #include "qmgr/store/message.h"
@@ -45,11 +46,12 @@ private:
 struct Search {
     store::QueueId queue = 0;
     const Selection *selection = nullptr;
-    std::optional<store::MessageKey> behind; // begin behind this place; empty: with the first message
-    std::int64_t now = 0;                    // microseconds since 1970 UTC
-    std::size_t most = 0;                    // messages to look at
-    MQLONG needs = MQGMO_NONE;               // MQGMO_ALL_MSGS_AVAILABLE or MQGMO_ALL_SEGMENTS_AVAILABLE
-    const MarkFilter *marks = nullptr;       // whose marked messages are passed over, if any are
+    std::optional<store::MessageKey> behind;   // begin behind this place; empty: with the first message
+    std::int64_t now = 0;                      // microseconds since 1970 UTC
+    std::size_t most = 0;                      // messages to look at
+    MQLONG needs = MQGMO_NONE;                 // MQGMO_ALL_MSGS_AVAILABLE or MQGMO_ALL_SEGMENTS_AVAILABLE
+    const MessageSelector *selector = nullptr; // of the handle, if it has one
+    const MarkFilter *marks = nullptr;         // whose marked messages are passed over, if any are
 };
 
 enum class SearchEnd {

@@ -59,7 +59,8 @@ public:
 
     Look next()
     {
-        if (request_.needs != MQGMO_NONE) return nextAvailable();
+        if (request_.needs != MQGMO_NONE || object_.selector != nullptr) [[unlikely]]
+            return nextAvailable();
         connection_.unit.roomForGet();
         std::optional<store::MessageKey> behind;
         for (;;) {
@@ -125,9 +126,10 @@ private:
         return takeSegments(connection_, request_, got_);
     }
 
-    // What other messages decide about is looked for in a snapshot, however few there are, and taken if it is still
-    // there. That the others are, too, was true when the call was made: no more is promised. What could not be taken is
-    // gone, or a double that begins no logical message: the search goes on behind it and never meets it again.
+    // What other messages or a selection string decide about is looked for in a snapshot, however few there are, and
+    // taken if it is still there. That the others are, too, was true when the call was made: no more is promised. What
+    // could not be taken is gone, or a double that begins no logical message: the search goes on behind it and never
+    // meets it again.
     Look nextAvailable()
     {
         std::optional<store::MessageKey> behind;
@@ -200,8 +202,9 @@ private:
             const Outcome looked = store_.read([&](store::ReadTransaction &transaction) {
                 showLocked(transaction);
                 search(transaction,
-                       {queue_, &request_.selection, behind, store::currentTime(), anyNumber, request_.needs}, found_,
-                       expired_);
+                       {queue_, &request_.selection, behind, store::currentTime(), anyNumber, request_.needs,
+                        object_.selector.get()},
+                       found_, expired_);
                 held = transaction.queue(queue_).held != 0;
                 return success();
             });

@@ -52,6 +52,8 @@ bool isDigit(char32_t character)
     return character >= '0' && character <= '9';
 }
 
+} // namespace
+
 bool isIdentifierPart(char32_t character)
 {
     if (character < 0x80)
@@ -60,6 +62,8 @@ bool isIdentifierPart(char32_t character)
     return std::any_of(std::begin(identifierRanges), std::end(identifierRanges),
                        [=](const Range &range) { return character >= range.first && character <= range.last; });
 }
+
+namespace {
 
 bool isIdentifier(std::string_view name)
 {

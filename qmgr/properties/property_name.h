@@ -21,6 +21,9 @@ enum class NameCheck {
 // Makes a name canonical. MQRC_NONE, MQRC_PROPERTY_NAME_ERROR, MQRC_PROPERTY_NAME_LENGTH_ERR.
 MQLONG canonicalName(std::string_view name, NameCheck check, std::string &canonical);
 
+// Whether an element of a name, and an identifier of a selection string, may hold the character.
+bool isIdentifierPart(char32_t character);
+
 // The folder of a canonical name: "usr" for "color", "a" for "a.b.c".
 std::string_view folderOf(std::string_view canonical);
 // The path below the folder: "color", "b.c".

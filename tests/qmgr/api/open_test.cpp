@@ -244,16 +244,6 @@ TEST_F(Open, UnknownObjectTypeIs2043)
     EXPECT_EQ(codesOf(odOfType(999, "Q1"), MQOO_OUTPUT), failed(MQRC_OBJECT_TYPE_ERROR));
 }
 
-TEST_F(Open, SelectionStringIs2298)
-{
-    char selection[] = "Colour = 'red'";
-    MQOD od = odOfType(MQOT_Q, "Q1");
-    od.Version = MQOD_VERSION_4;
-    od.SelectionString.VSPtr = selection;
-    od.SelectionString.VSLength = MQVS_NULL_TERMINATED;
-    EXPECT_EQ(codesOf(od, MQOO_INPUT_SHARED), failed(MQRC_FUNCTION_NOT_SUPPORTED));
-}
-
 // ---- What comes back ----
 
 TEST_F(Open, Version4DescriptorIsToldWhatWasOpened)
