@@ -27,6 +27,7 @@ enum class Message {
     NamelistChanged,
     NamelistDeleted,
     NamelistDetails,
+    QueueStatusNotFound,
     UnexpectedError,
     NotAuthorized,
     QueueNotEmpty,

@@ -177,6 +177,10 @@ private:
         if (parameter.values.size() > 1 && row.value != ValueKind::NameList)
             return fail(Message::SyntaxError, parameter.values[1].offset,
                         "a value with blanks or commas in it stands between quotes");
+        // A comma inside quotes would make two names of one.
+        for (const MqscValue &value : parameter.values)
+            if (row.value == ValueKind::NameList && value.text.find(',') != std::string::npos)
+                return fail(valueFault(command_.text, row, ValueFault::BadName, value.offset));
         objects::ParsedValue parsed = objects::parseValue(row, joined(parameter));
         if (!parsed) return fail(valueFault(command_.text, row, parsed.fault, parameter.valueOffset()));
         assignments.push_back({&row, std::move(parsed.value)});

@@ -11,9 +11,9 @@ using objects::Attribute;
 using objects::ObjectKind;
 
 // "TYPE takes QUEUE or HANDLE"
-std::string typesOf(std::span<const std::string_view> types)
+std::string typesOf(std::string_view keyword, std::span<const std::string_view> types)
 {
-    std::string text = "TYPE takes ";
+    std::string text = std::string(keyword) + " takes ";
     for (const std::string_view &type : types) {
         if (&type != &types.front()) text += &type == &types.back() ? " or " : ", ";
         text += type;
@@ -45,11 +45,13 @@ Selection readSelection(const MqscCommand &command, const Vocabulary &vocabulary
             selection.filter = std::move(read.filter);
             continue;
         }
-        if (!vocabulary.types.empty() && parameter.keyword == "TYPE" && parameter.hasValue) {
-            const auto type = std::ranges::find(vocabulary.types, parameter.value());
-            if (parameter.values.size() != 1 || type == vocabulary.types.end())
-                return fail(parameter.valueOffset(), typesOf(vocabulary.types));
-            selection.type = *type;
+        const bool open = parameter.keyword == "OPENTYPE";
+        const auto &types = open ? vocabulary.openTypes : vocabulary.types;
+        if (!types.empty() && (open || parameter.keyword == "TYPE") && parameter.hasValue) {
+            const auto type = std::ranges::find(types, parameter.value());
+            if (parameter.values.size() != 1 || type == types.end())
+                return fail(parameter.valueOffset(), typesOf(parameter.keyword, types));
+            (open ? selection.openType : selection.type) = *type;
             continue;
         }
         if (parameter.hasValue) return fail(parameter.valueOffset(), "an attribute to be shown has no value");

@@ -18,6 +18,7 @@ struct Selection {
     bool ok = true;
     bool all = false;
     std::string_view type;                  // what TYPE(...) names; empty without it
+    std::string_view openType;              // the same of OPENTYPE(...)
     std::vector<std::string_view> keywords; // of the attributes asked for, as their rows have them
     std::optional<Filter> filter;
     CommandAnswer answer; // the fault
@@ -28,8 +29,9 @@ struct Selection {
 // The attributes that a command may ask for: rows of the attribute table, or of a table of its own.
 struct Vocabulary {
     std::span<const objects::Attribute> rows = objects::attributes();
-    bool filters = true;                          // WHERE is understood
-    std::span<const std::string_view> types = {}; // what TYPE takes, if it is understood
+    bool filters = true;                              // WHERE is understood
+    std::span<const std::string_view> types = {};     // what TYPE takes, if it is understood
+    std::span<const std::string_view> openTypes = {}; // what OPENTYPE takes, likewise
 };
 
 // Reads the parameters of a DISPLAY command. `genericName`: whether the name stands for several objects; of one alone

@@ -15,6 +15,13 @@ using objects::Attribute;
 using objects::ObjectKind;
 
 constexpr std::string_view statusTypes[] = {"QUEUE", "HANDLE"};
+constexpr std::string_view openTypes[] = {"ALL", "INPUT", "OUTPUT"};
+
+MQLONG openTypeOf(const Selection &selection)
+{
+    if (selection.openType == "INPUT") return MQQSOT_INPUT;
+    return selection.openType == "OUTPUT" ? MQQSOT_OUTPUT : MQQSOT_ALL;
+}
 
 // One entry per thing that passes the filter.
 template <class Things, class ValueOfThing>
@@ -50,23 +57,29 @@ CommandAnswer displayQueueStatus(const MqscCommand &command)
     if (!name.ok) return name.answer;
     const bool handles = asksForHandles(command);
     const std::span<const Attribute> rows = handles ? handleAttributes() : queueStatusAttributes();
-    const Selection selection = readSelection(command, {.rows = rows, .types = statusTypes}, name.name.ends_with('*'));
+    const Vocabulary vocabulary{.rows = rows, .types = statusTypes, .openTypes = openTypes};
+    const Selection selection = readSelection(command, vocabulary, name.name.ends_with('*'));
     if (!selection.ok) return selection.answer;
 
     const auto show = [&](const auto &things) {
         return display(things, rows, command.kind(), Message::QueueStatusDetails, selection,
                        [](const auto &thing, const Attribute &attribute) { return statusOf(thing, attribute); });
     };
+    InquiredObjects inquired = inquireObjects(command.attachment, name.name, command.kinds);
+    if (inquired.outcome.failed()) return {CommandResult::Failed, {formatFailure(inquired.outcome, name.name)}};
+    const MQLONG openType = openTypeOf(selection);
     CommandAnswer answer;
     if (handles) {
-        answer = show(findHandles(command.attachment, name.name));
+        std::vector<Handle> found = findHandles(command.attachment, name.name);
+        std::erase_if(found, [&](const Handle &each) { return !isOpenFor(each.open.opens, openType); });
+        answer = show(found);
     } else {
-        const InquiredObjects inquired = inquireObjects(command.attachment, name.name, command.kinds);
-        if (inquired.outcome.failed()) return {CommandResult::Failed, {formatFailure(inquired.outcome, name.name)}};
-        answer = show(inquired.objects);
+        std::vector<InquiredObject> &queues = inquired.objects;
+        std::erase_if(queues, [&](const InquiredObject &each) { return !isOpenFor(each.status.opens, openType); });
+        answer = show(queues);
     }
     if (!answer.lines.empty()) return answer;
-    return {CommandResult::Failed, {formatFailure(failure(MQRC_UNKNOWN_OBJECT_NAME), name.name)}};
+    return {CommandResult::Failed, {formatMessage(Message::QueueStatusNotFound, name.name)}};
 }
 
 CommandAnswer displayConnections(const MqscCommand &command)

@@ -77,6 +77,9 @@ void inquireQueueStatus(const PcfCommand &command, PcfReplies &replies)
     const MQLONG type = command.number(MQIACF_Q_STATUS_TYPE).value_or(MQIACF_Q_STATUS);
     if (type != MQIACF_Q_STATUS && type != MQIACF_Q_HANDLE)
         return replies.fail(faultOf(MQRCCF_PARM_VALUE_ERROR, MQIACF_Q_STATUS_TYPE));
+    const MQLONG openType = command.number(MQIACF_OPEN_TYPE).value_or(MQQSOT_ALL);
+    if (openType < MQQSOT_ALL || openType > MQQSOT_OUTPUT)
+        return replies.fail(faultOf(MQRCCF_PARM_VALUE_ERROR, MQIACF_OPEN_TYPE));
     const auto rows = type == MQIACF_Q_HANDLE ? handleAttributes() : queueStatusAttributes();
     const PcfSelection selection = readSelection(command, MQIACF_Q_STATUS_ATTRS, rows);
     const PcfFilter filter = readFilter(command, rows);
@@ -97,11 +100,11 @@ void inquireQueueStatus(const PcfCommand &command, PcfReplies &replies)
     for (const InquiredObject &queue : inquired.objects) {
         if (queue.definition.kind() != ObjectKind::LocalQueue) continue;
         anyLocal = true;
-        if (type == MQIACF_Q_STATUS) write(queue);
+        if (type == MQIACF_Q_STATUS && isOpenFor(queue.status.opens, openType)) write(queue);
     }
     if (type == MQIACF_Q_HANDLE)
         for (const Handle &handle : findHandles(command.attachment, name))
-            write(handle);
+            if (isOpenFor(handle.open.opens, openType)) write(handle);
     if (!replies.empty()) return;
     // Queues of another kind have no status.
     replies.fail(faultOf(anyLocal ? MQRCCF_Q_STATUS_NOT_FOUND : MQRCCF_Q_WRONG_TYPE, MQCA_Q_NAME));

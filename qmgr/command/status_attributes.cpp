@@ -200,6 +200,18 @@ AttributeValue statusOf(const Handle &handle, const Attribute &attribute)
     }
 }
 
+bool isOpenFor(const store::OpenCounts &opens, MQLONG openType)
+{
+    switch (openType) {
+    case MQQSOT_INPUT:
+        return opens.input > 0;
+    case MQQSOT_OUTPUT:
+        return opens.output > 0;
+    default:
+        return true;
+    }
+}
+
 std::vector<Handle> findHandles(store::Attachment &attachment, const std::string &genericName)
 {
     std::vector<Handle> handles;

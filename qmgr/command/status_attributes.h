@@ -25,6 +25,9 @@ struct Handle {
 // The handles of the queues whose name fits, by queue.
 std::vector<Handle> findHandles(store::Attachment &attachment, const std::string &genericName);
 
+// Which queues and handles a status is asked of: MQQSOT_ALL, MQQSOT_INPUT (not for browsing), MQQSOT_OUTPUT.
+bool isOpenFor(const store::OpenCounts &opens, MQLONG openType);
+
 std::span<const objects::Attribute> queueStatusAttributes();
 std::span<const objects::Attribute> handleAttributes();
 std::span<const objects::Attribute> connectionAttributes();

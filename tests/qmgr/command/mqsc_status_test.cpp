@@ -49,7 +49,8 @@ TEST_F(MqscStatus, QueueStatusCountsMessagesHandlesAndUncommittedWork)
 
 TEST_F(MqscStatus, HandlesTellWhoHasAQueueOpen)
 {
-    EXPECT_EQ(answer("DIS QS(Q1) TYPE(HANDLE)"), "AMQ8147E: There is no object Q1.\n");
+    EXPECT_EQ(answer("DIS QS(Q1) TYPE(HANDLE)"), "AMQ8565E: There is no such status of queue Q1.\n");
+    EXPECT_EQ(answer("DIS QS(NONE) TYPE(HANDLE)"), "AMQ8147E: There is no object NONE.\n");
     const auto other = connect();
     open(*other, idOf("Q1"), {.input = 1, .exclusive = 1, .output = 0, .browse = 0});
     open(*attachment_, idOf("Q1"), {.input = 0, .exclusive = 0, .output = 1, .browse = 1});
@@ -65,8 +66,30 @@ TEST_F(MqscStatus, HandlesTellWhoHasAQueueOpen)
                   "   BROWSE(NO)                              INPUT(EXCL)\n"
                   "   OUTPUT(NO)                              PID(" +
                   std::to_string(getpid()) + ")\n");
-    EXPECT_EQ(answer("DIS QS(Q1) TYPE(HANDLE) INPUT WHERE(INPUT EQ SHARED)"), "AMQ8147E: There is no object Q1.\n");
+    EXPECT_EQ(answer("DIS QS(Q1) TYPE(HANDLE) INPUT WHERE(INPUT EQ SHARED)"),
+              "AMQ8565E: There is no such status of queue Q1.\n");
     EXPECT_EQ(run("DIS QS(Q1) TYPE(QLOCAL)").result, CommandResult::SyntaxError);
+}
+
+TEST_F(MqscStatus, OpenTypeChoosesQueuesAndHandles)
+{
+    ASSERT_EQ(run("DEF QL(Q2)").result, CommandResult::Done);
+    open(*attachment_, idOf("Q1"), {.input = 1, .exclusive = 0, .output = 0, .browse = 0});
+    open(*attachment_, idOf("Q2"), {.input = 0, .exclusive = 0, .output = 1, .browse = 1});
+    EXPECT_EQ(answer("DIS QS(Q*) OPENTYPE(INPUT) OPPROCS"), "AMQ8450I: Queue status details:\n"
+                                                            "   QUEUE(Q1)                               TYPE(QUEUE)\n"
+                                                            "   CURDEPTH(0)                             OPPROCS(0)\n");
+    EXPECT_EQ(answer("DIS QS(Q*) TYPE(HANDLE) OPENTYPE(OUTPUT) INPUT"),
+              "AMQ8450I: Queue status details:\n"
+              "   QUEUE(Q2)                               TYPE(HANDLE)\n"
+              "   INPUT(NO)\n");
+    EXPECT_EQ(answer("DIS QS(Q*) OPENTYPE(ALL)"), answer("DIS QS(Q*)"));
+    EXPECT_EQ(answer("DIS QS(Q1) OPENTYPE(OUTPUT)"), "AMQ8565E: There is no such status of queue Q1.\n");
+    EXPECT_EQ(answer("DIS QS(Q1) OPENTYPE(BROWSE)"),
+              "AMQ8405E: Syntax error at line 1, column 21: OPENTYPE takes ALL, INPUT or OUTPUT.\n"
+              "   DIS QS(Q1) OPENTYPE(BROWSE)\n"
+              "                       ^\n");
+    EXPECT_EQ(run("DIS QL(Q1) OPENTYPE(INPUT)").result, CommandResult::SyntaxError);
 }
 
 TEST_F(MqscStatus, QueueStatusIsOfLocalQueues)
@@ -82,7 +105,7 @@ TEST_F(MqscStatus, FiltersChooseQueues)
     EXPECT_EQ(answer("DIS QS(Q*) WHERE(CURDEPTH GT 0)"), "AMQ8450I: Queue status details:\n"
                                                          "   QUEUE(Q2)                               TYPE(QUEUE)\n"
                                                          "   CURDEPTH(1)\n");
-    EXPECT_EQ(answer("DIS QS(Q*) WHERE(UNCOM NE NO)"), "AMQ8147E: There is no object Q*.\n");
+    EXPECT_EQ(answer("DIS QS(Q*) WHERE(UNCOM NE NO)"), "AMQ8565E: There is no such status of queue Q*.\n");
     EXPECT_EQ(run("DIS QS(Q*) WHERE(MAXDEPTH GT 0)").result, CommandResult::SyntaxError);
 }
 
