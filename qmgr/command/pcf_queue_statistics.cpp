@@ -4,7 +4,7 @@
 namespace mqrig::qmgr::command {
 
 // One reply for each local queue: what was counted since the last reset. The counting begins anew when the counts are
-// read, before the replies are anywhere: should the server be killed between, they are gone.
+// read, before the replies are anywhere; should the server be killed between, the next one is told them again.
 void resetQueueStatistics(const PcfCommand &command, PcfReplies &replies)
 {
     const std::string name = command.text(MQCA_Q_NAME);
@@ -22,7 +22,7 @@ void resetQueueStatistics(const PcfCommand &command, PcfReplies &replies)
         if (!stored) continue; // deleted meanwhile
         store::QueueStatus counted;
         const Outcome reset = command.attachment.update(0, [&](store::WriteTransaction &transaction) {
-            counted = transaction.resetStatistics(stored->queue);
+            counted = transaction.resetStatisticsFor(stored->queue, command.putTime, command.repeated);
             return success();
         });
         if (reset.failed()) return replies.judge(reset, MQCA_Q_NAME);

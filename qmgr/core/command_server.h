@@ -10,9 +10,9 @@
 //   killed before the effect     the request comes back to its queue and is run by the next server;
 //   killed between effect and    the request comes back with its BackoutCount raised, and is run again. It is then
 //   commit                       known to be a repetition: Create and Copy that find what they would have made, and
-//                                Delete that finds nothing, answer success; Change, Clear and the inquiries do the
-//                                same once more. Only Reset Queue Statistics is lost: the counts of the run that was
-//                                killed are in nobody's reply;
+//                                Delete that finds nothing, answer success; Reset Queue Statistics answers what the
+//                                run that was killed had counted, too; Change, Clear and the inquiries do the same
+//                                once more;
 //   killed after the commit      nothing is left to be done.
 // A loss of power instead of a kill is the same, except that a count raised just before may be lost with it: then a
 // repeated Create may answer MQRCCF_OBJECT_ALREADY_EXISTS, a repeated Delete MQRC_UNKNOWN_OBJECT_NAME.

@@ -73,7 +73,13 @@ struct QueueStatus {
     std::uint32_t enqueued = 0;   // messages put
     std::uint32_t dequeued = 0;   // messages got and removed
     std::uint32_t highDepth = 0;  // the highest depth
-    std::uint32_t spare = 0;      // no padding: records are compared as bytes
+
+    // What the last request that reset the statistics was told, in case its server was killed before it could answer.
+    std::uint32_t toldHighDepth = 0; // no padding here: records are compared as bytes
+    std::int64_t toldRequest = 0;    // when that request was put; 0: there was none
+    std::int64_t toldResetTime = 0;
+    std::uint32_t toldEnqueued = 0;
+    std::uint32_t toldDequeued = 0;
 
     void addToDepth()
     {
@@ -204,8 +210,11 @@ public:
 
     // ---- Statistics ----
 
-    // Begins the queue's statistics anew; answers what they were. For `Reset Queue Statistics` and performance events.
+    // Begins the queue's statistics anew; answers what they were.
     QueueStatus resetStatistics(QueueId queue);
+    // The same for a request that was put at that time. `repeated`: it may have been begun before; what was counted up
+    // to then is in the answer too.
+    QueueStatus resetStatisticsFor(QueueId queue, std::int64_t requestTime, bool repeated);
     // A trigger message of the queue is made now.
     void noteTrigger(QueueId queue);
 

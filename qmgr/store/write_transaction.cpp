@@ -322,6 +322,25 @@ QueueStatus WriteTransaction::resetStatistics(QueueId queue)
     return before;
 }
 
+QueueStatus WriteTransaction::resetStatisticsFor(QueueId queue, std::int64_t requestTime, bool repeated)
+{
+    QueueStatus &status = counters(queue);
+    QueueStatus told = status;
+    if (repeated && status.toldRequest == requestTime) {
+        told.resetTime = status.toldResetTime;
+        told.enqueued += status.toldEnqueued;
+        told.dequeued += status.toldDequeued;
+        told.highDepth = std::max(told.highDepth, status.toldHighDepth);
+    }
+    status.toldRequest = requestTime;
+    status.toldResetTime = told.resetTime;
+    status.toldEnqueued = told.enqueued;
+    status.toldDequeued = told.dequeued;
+    status.toldHighDepth = told.highDepth;
+    status.resetStatistics(currentTime());
+    return told;
+}
+
 void WriteTransaction::noteTrigger(QueueId queue)
 {
     counters(queue).triggerTime = currentTime();

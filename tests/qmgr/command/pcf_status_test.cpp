@@ -55,6 +55,38 @@ TEST_F(PcfStatus, OfHandlesTellsWhoHasAQueueOpen)
     EXPECT_EQ(replies[0].text(MQCACF_APPL_TAG), "qmgr_command_test");
 }
 
+TEST_F(PcfStatus, OpenTypeChoosesQueuesAndHandles)
+{
+    for (const char *name : {"APP.GET", "APP.PUT", "APP.BROWSE", "APP.CLOSED"})
+        createLocal(name);
+    open(*attachment_, idOf("APP.GET"), {.input = 1, .exclusive = 0, .output = 0, .browse = 0});
+    open(*attachment_, idOf("APP.PUT"), {.input = 0, .exclusive = 0, .output = 1, .browse = 0});
+    open(*attachment_, idOf("APP.BROWSE"), {.input = 0, .exclusive = 0, .output = 0, .browse = 1});
+    const auto names = [this](MQLONG statusType, MQLONG openType) {
+        std::vector<std::string> found;
+        for (const Reply &reply : run(MQCMD_INQUIRE_Q_STATUS, [&](PcfWriter &w) {
+                 w.text(MQCA_Q_NAME, "APP.*");
+                 w.integer(MQIACF_Q_STATUS_TYPE, statusType);
+                 w.integer(MQIACF_OPEN_TYPE, openType);
+             }))
+            found.push_back(reply.text(MQCA_Q_NAME));
+        return found;
+    };
+    EXPECT_THAT(names(MQIACF_Q_STATUS, MQQSOT_ALL), ElementsAre("APP.BROWSE", "APP.CLOSED", "APP.GET", "APP.PUT"));
+    EXPECT_THAT(names(MQIACF_Q_HANDLE, MQQSOT_ALL), ElementsAre("APP.BROWSE", "APP.GET", "APP.PUT"));
+    for (const MQLONG type : {MQIACF_Q_STATUS, MQIACF_Q_HANDLE}) {
+        EXPECT_THAT(names(type, MQQSOT_INPUT), ElementsAre("APP.GET"));
+        EXPECT_THAT(names(type, MQQSOT_OUTPUT), ElementsAre("APP.PUT"));
+    }
+    for (const MQLONG unknown : {0, 4})
+        EXPECT_EQ(faultOfCommand(MQCMD_INQUIRE_Q_STATUS,
+                                 [&](PcfWriter &w) {
+                                     w.text(MQCA_Q_NAME, "APP.*");
+                                     w.integer(MQIACF_OPEN_TYPE, unknown);
+                                 }),
+                  faultOf(MQRCCF_PARM_VALUE_ERROR, MQIACF_OPEN_TYPE));
+}
+
 TEST_F(PcfStatus, OfQueuesIsSelectedAndFiltered)
 {
     createLocal("APP.A");
@@ -119,6 +151,22 @@ TEST_F(PcfStatus, StatisticsBeginAnewWithEachReset)
     EXPECT_EQ(second.number(MQIA_HIGH_Q_DEPTH), 1);
     EXPECT_EQ(second.number(MQIA_MSG_ENQ_COUNT), 0);
     EXPECT_EQ(second.number(MQIA_MSG_DEQ_COUNT), 0);
+}
+
+TEST_F(PcfStatus, RepeatedResetTellsWhatTheFirstHadCounted)
+{
+    createLocal("Q");
+    put("Q", MQPER_NOT_PERSISTENT);
+    const auto counted = [this] {
+        return run(MQCMD_RESET_Q_STATS, [](PcfWriter &w) { w.text(MQCA_Q_NAME, "Q"); })[0].number(MQIA_MSG_ENQ_COUNT);
+    };
+    EXPECT_EQ(counted(), 1);
+    put("Q", MQPER_NOT_PERSISTENT);
+    repeated = true;
+    EXPECT_EQ(counted(), 2);
+    EXPECT_EQ(counted(), 2);
+    ++putTime;
+    EXPECT_EQ(counted(), 0) << "another request";
 }
 
 TEST_F(PcfStatus, StatisticsAreThoseOfLocalQueues)

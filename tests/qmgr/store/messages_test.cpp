@@ -287,6 +287,35 @@ TEST_F(Messages, AreCountedSinceTheStatisticsWereReset)
     EXPECT_EQ(statusOf(*a, q2_).enqueued, 0U);
 }
 
+TEST_F(Messages, CountsThatARequestWasToldAreToldAgainWhenItIsRepeated)
+{
+    const auto a = connect();
+    const auto resetFor = [&](std::int64_t request, bool repeated) {
+        QueueStatus told;
+        EXPECT_EQ(a->update(0,
+                            [&](WriteTransaction &transaction) {
+                                told = transaction.resetStatisticsFor(q1_, request, repeated);
+                                return success();
+                            }),
+                  success());
+        return told;
+    };
+    const std::int64_t begun = statusOf(*a, q1_).resetTime;
+    ASSERT_EQ(put(*a, q1_, "1"), success());
+    ASSERT_EQ(put(*a, q1_, "2"), success());
+    EXPECT_EQ(resetFor(7, false).enqueued, 2U);
+    ASSERT_EQ(put(*a, q1_, "3"), success());
+    for (int i = 0; i < 2; ++i) {
+        const QueueStatus again = resetFor(7, true);
+        EXPECT_EQ(again.enqueued, 3U);
+        EXPECT_EQ(again.highDepth, 3U);
+        EXPECT_EQ(again.resetTime, begun);
+    }
+    const QueueStatus another = resetFor(8, true);
+    EXPECT_EQ(another.enqueued, 0U) << "of another request";
+    EXPECT_GT(another.resetTime, begun);
+}
+
 TEST_F(Messages, AreCountedFromTheStartOfTheQueueManager)
 {
     ASSERT_EQ(put(*connect(), q1_, "kept", {.persistence = MQPER_PERSISTENT}), success());
