@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "qmgr/command/mqsc_interpreter.h"
+#include "qmgr/core/trigger.h"
 #include "qmgr/store/attachment.h"
 #include "qmgr/store/paths.h"
 #include "subcommand.h"
@@ -67,7 +68,9 @@ public:
         while (const std::optional<CommandText> command = reader_.next()) {
             if (isEnd(command->text())) break;
             ++read_;
-            answer(runMqsc(attachment_, *command));
+            const CommandAnswer given = runMqsc(attachment_, *command);
+            answer(given);
+            if (!given.triggering.empty()) qmgr::core::triggerAfterCommand(attachment_, given.triggering);
         }
         summary();
         return failed_ + syntaxErrors_ == 0 ? exitOk : exitFailed;

@@ -20,6 +20,7 @@ struct CommandAnswer {
     CommandResult result = CommandResult::Done;
     std::vector<std::string> lines; // message lines and attributes, without line ends
     MQLONG command = MQCMD_NONE;    // the command's number in command messages, once it is known
+    std::string triggering = {};    // the local queue for which a trigger message may be due now (core/trigger.h)
 };
 
 // The attachment is the connection on which everything is done.

@@ -1,5 +1,6 @@
 #include "qmgr/command/object_commands.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -142,6 +143,14 @@ Outcome replaceObject(Attachment &attachment, const Definition &definition)
 }
 
 } // namespace
+
+std::string touchedTriggering(const Definition &definition)
+{
+    const bool touched =
+        definition.replace == Replace::Yes ||
+        std::ranges::any_of(definition.attributes, [](const Assignment &each) { return each.attribute->triggering; });
+    return touched && definition.kind == ObjectKind::LocalQueue ? definition.name : std::string();
+}
 
 Outcome defineObject(Attachment &attachment, const Definition &definition)
 {

@@ -34,6 +34,10 @@ struct Definition {
     Force force = Force::No;
 };
 
+// The local queue whose triggering a definition that was carried out has touched: a trigger message may be due for the
+// messages that are there. Empty: none.
+std::string touchedTriggering(const Definition &definition);
+
 // Makes an object, or with Replace gives an existing one the attributes that a new one would have; a queue's messages
 // and its creation date stay. MQRCCF_OBJECT_NAME_ERROR, MQRCCF_OBJECT_ALREADY_EXISTS, MQRCCF_LIKE_OBJECT_WRONG_TYPE,
 // MQRC_UNKNOWN_OBJECT_NAME for the model object, and those of alterObject.

@@ -62,6 +62,7 @@ void define(const PcfCommand &command, PcfReplies &replies, const Definition &de
     if (outcome.Reason == MQRCCF_OBJECT_ALREADY_EXISTS && madeBefore(command, definition)) return;
     const bool pattern = outcome.Reason == MQRCCF_LIKE_OBJECT_WRONG_TYPE || outcome.Reason == MQRC_UNKNOWN_OBJECT_NAME;
     replies.judge(outcome, pattern && !definition.like.empty() ? command.family.from : nameParameter);
+    if (outcome.ok()) replies.noteTriggering(touchedTriggering(definition));
 }
 
 } // namespace
@@ -90,7 +91,9 @@ void changeObject(const PcfCommand &command, PcfReplies &replies)
     Definition change;
     if (!readDefinition(command, replies, change)) return;
     change.name = command.text(command.family.name);
-    replies.judge(alterObject(command.attachment, change), command.family.name);
+    const Outcome outcome = alterObject(command.attachment, change);
+    replies.judge(outcome, command.family.name);
+    if (outcome.ok()) replies.noteTriggering(touchedTriggering(change));
 }
 
 void deleteObject(const PcfCommand &command, PcfReplies &replies)

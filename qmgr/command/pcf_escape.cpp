@@ -33,6 +33,7 @@ void answerWith(PcfReplies &replies, const CommandAnswer &answer)
 {
     const bool done = answer.result == CommandResult::Done;
     if (!done) replies.setFailed();
+    replies.noteTriggering(answer.triggering);
     for (std::size_t i = 0; i < answer.lines.size();) {
         std::string text = answer.lines[i++];
         while (i < answer.lines.size() && !beginsMessage(answer.lines[i]))

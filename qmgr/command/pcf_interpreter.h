@@ -32,6 +32,7 @@ struct PcfRequest {
 struct PcfAnswer {
     MQLONG CompCode = MQCC_OK; // of the command as a whole
     std::vector<std::string> replies;
+    std::vector<std::string> triggering; // local queues for which trigger messages may be due now (core/trigger.h)
 };
 
 // The attachment is the connection on which everything is done.

@@ -1,6 +1,7 @@
 #include "qmgr/command/pcf_replies.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace mqrig::qmgr::command {
 
@@ -31,6 +32,11 @@ void PcfReplies::judge(const Outcome &outcome, MQLONG parameter)
     fail(faultOf(outcome.Reason, parameter));
 }
 
+void PcfReplies::noteTriggering(std::string queue)
+{
+    if (!queue.empty()) triggering_.push_back(std::move(queue));
+}
+
 PcfAnswer PcfReplies::finish()
 {
     if (failed_) {
@@ -42,6 +48,7 @@ PcfAnswer PcfReplies::finish()
     }
     PcfAnswer answer;
     answer.CompCode = failed_ ? MQCC_FAILED : MQCC_OK;
+    answer.triggering = std::move(triggering_);
     answer.replies.reserve(replies_.size());
     for (PcfWriter &reply : replies_) {
         const bool last = answer.replies.size() + 1 == replies_.size();

@@ -1,6 +1,7 @@
 // The replies to one command message, as they are made.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "cmqc.h"
@@ -26,6 +27,9 @@ public:
     // The text of a command inside the command has failed: its replies say so, and so will the summary.
     void setFailed() { failed_ = true; }
 
+    // The command has touched the triggering of that queue; nothing where the name is empty.
+    void noteTriggering(std::string queue);
+
     bool failed() const { return failed_; }
     bool empty() const { return replies_.empty(); }
 
@@ -36,6 +40,7 @@ public:
 private:
     MQCFH header_;
     std::vector<PcfWriter> replies_;
+    std::vector<std::string> triggering_;
     bool failed_ = false;
 };
 

@@ -14,6 +14,7 @@
 #include "qmgr/core/get.h"
 #include "qmgr/core/open.h"
 #include "qmgr/core/system_put.h"
+#include "qmgr/core/trigger.h"
 #include "qmgr/objects/object_name.h"
 #include "qmgr/objects/system_objects.h"
 #include "qmgr/store/seams.h"
@@ -135,6 +136,8 @@ private:
             return reply(command::refusePcf({MQRCCF_MD_FORMAT_ERROR}));
         }
         const command::PcfAnswer answer = convertRequest() ? run() : refuseCharacterSet();
+        for (const std::string &queue : answer.triggering)
+            triggerAfterChange(*connection_, queue);
         if (wantsReply(answer.CompCode)) reply(answer);
     }
 

@@ -1,5 +1,6 @@
 #include "qmgr/core/set.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "qmgr/core/trigger.h"
@@ -67,6 +68,11 @@ public:
             object.set(*assignment.attribute, assignment.value);
     }
 
+    bool touchesTriggering() const
+    {
+        return std::ranges::any_of(assignments_, [](const Assignment &each) { return each.attribute->triggering; });
+    }
+
 private:
     Outcome read(Assignment &assignment)
     {
@@ -110,7 +116,7 @@ Outcome set(Connection &connection, OpenObject &object, const SetRequest &reques
         return success();
     };
     const Outcome changed = objects::changeDefinition(*connection.store, MQOT_Q, opened.name(), change);
-    if (!changed.failed()) triggerAfterChange(connection, opened.name());
+    if (!changed.failed() && assignments.touchesTriggering()) triggerAfterChange(connection, opened.name());
     return changed.Reason == MQRC_UNKNOWN_OBJECT_NAME ? failure(MQRC_Q_DELETED) : changed;
 }
 

@@ -148,6 +148,7 @@ bool Trigger::isDue(store::WriteTransaction &transaction, MQLONG priority) const
 {
     const objects::QueueDefinition &queue = *queue_.queue;
     const store::QueueStatus status = transaction.queue(queue.id);
+    if (cause_ == TriggerCause::Change && queue.inhibitGet == MQQA_GET_INHIBITED) return false;
     if (cause_ == TriggerCause::Put && priority < queue.triggerMsgPriority) return false;
     if (cause_ == TriggerCause::Close && queue.triggerType == MQTT_EVERY) return false;
     if (queue.triggerType != MQTT_EVERY && status.opens.input > 0) return false;
@@ -198,6 +199,14 @@ void triggerAfterClose(Connection &connection, std::string_view queue)
 void triggerAfterChange(Connection &connection, std::string_view queue)
 {
     triggerInOwnUnit(connection, queue, TriggerCause::Change);
+}
+
+void triggerAfterCommand(store::Attachment &attachment, std::string_view queue)
+{
+    store::Attached attached = attachment.another();
+    if (attached.outcome.failed()) return;
+    Connection connection(std::move(attached.attachment), ConnectRequest{});
+    if (connection.catalog.queueManager() != nullptr) triggerAfterChange(connection, queue);
 }
 
 void triggerAfterOpen(Connection &connection, const objects::QueueDefinition &initiationQueue)

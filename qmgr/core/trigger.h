@@ -4,7 +4,8 @@
 //   Put      a message of priority TRIGMPRI or more came: the first one (or any, once TRIGINT has passed since the last
 //            trigger message), each one, or one that makes at least TRIGDPTH;
 //   Close    the last program that had the queue open for input has closed it and left enough messages (not EVERY);
-//   Change   the queue's triggering was changed while it holds enough messages;
+//   Change   MQSET or a command gave it TRIGGER, TRIGTYPE, TRIGDPTH, TRIGMPRI or GET(ENABLED) while it holds enough
+//            messages;
 //   Monitor  a program opened the initiation queue for input while the queue holds enough messages.
 // Always: the queue has TRIGGER, its process is defined (a transmission queue may do without one), its initiation queue
 // is a local queue of normal usage that takes and gives messages and, except for Change, somebody has it open for
@@ -59,6 +60,8 @@ private:
 // The causes that are no put; each makes its messages in units of its own.
 void triggerAfterClose(Connection &connection, std::string_view queue);
 void triggerAfterChange(Connection &connection, std::string_view queue);
+// The same for a command that was run on an attachment alone; the connection that this needs is made for it.
+void triggerAfterCommand(store::Attachment &attachment, std::string_view queue);
 void triggerAfterOpen(Connection &connection, const objects::QueueDefinition &initiationQueue);
 
 // The unit is complete: committed, or backed out. To be called before it is cleared.

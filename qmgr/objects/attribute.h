@@ -57,8 +57,9 @@ struct Attribute {
     ObjectKinds kinds = 0;    // the kinds of object that have it
     ValueKind value = ValueKind::Number;
     Access access = Access::Alterable;
-    bool settable = false; // MQSET may change it
-    MQLONG low = 0;        // limits of a number
+    bool settable = false;   // MQSET may change it
+    bool triggering = false; // given to a local queue it may make a trigger message due for the messages there are
+    MQLONG low = 0;          // limits of a number
     MQLONG high = 0;
     std::span<const Word> words;  // keywords of a Number, Keyword or Flag
     MQLONG textLength = 0;        // length of the MQI's field for a Text, a Name or each name of a list; 0 for integers

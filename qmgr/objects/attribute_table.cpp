@@ -92,7 +92,7 @@ constexpr Word queueTypes[] = {{"QLOCAL", MQQT_LOCAL},
                                {"QCLUSTER", MQQT_CLUSTER}};
 constexpr Word usage[] = {{"NORMAL", MQUS_NORMAL}, {"XMITQ", MQUS_TRANSMISSION}};
 
-// A row, with the rarer columns added by `fixed`, `dynamic`, `identity` and `byMqset`.
+// A row, with the rarer columns added by `fixed`, `dynamic`, `identity`, `byMqset` and `forTriggers`.
 struct Row : Attribute {
     constexpr Row with(Access how) const
     {
@@ -107,6 +107,12 @@ struct Row : Attribute {
     {
         Row row = *this;
         row.settable = true;
+        return row;
+    }
+    constexpr Row forTriggers() const
+    {
+        Row row = *this;
+        row.triggering = true;
         return row;
     }
 };
@@ -254,7 +260,7 @@ constexpr Row table[] = {
     words("DISTL", MQIA_DIST_LISTS, onHolders, distLists, MQDL_NOT_SUPPORTED).byMqset(),
     words("DISTL", MQIA_DIST_LISTS, onQmgr, distLists, MQDL_SUPPORTED).fixed(),
     text("ENVRDATA", MQCA_ENV_DATA, onProcess, MQ_PROCESS_ENV_DATA_LENGTH),
-    words("GET", MQIA_INHIBIT_GET, onReadable, getPut, MQQA_GET_ALLOWED).byMqset(),
+    words("GET", MQIA_INHIBIT_GET, onReadable, getPut, MQQA_GET_ALLOWED).byMqset().forTriggers(),
     flag("HARDENBO", MQIA_HARDEN_GET_BACKOUT, onHolders, hardenBackout, MQQA_BACKOUT_HARDENED),
     words("IMGRCOVQ", MQIA_MEDIA_IMAGE_RECOVER_Q, onHolders, imageRecovery, MQIMGRCOV_AS_Q_MGR),
     words("IMGRCOVQ", MQIA_MEDIA_IMAGE_RECOVER_Q, onQmgr, yesNo, MQIMGRCOV_YES),
@@ -330,11 +336,11 @@ constexpr Row table[] = {
     words("TARGTYPE", MQIA_BASE_TYPE, onAlias, targetTypes, MQOT_Q),
     number("TREELIFE", MQIA_TREE_LIFE_TIME, onQmgr, {0, 604000}, 1800),
     text("TRIGDATA", MQCA_TRIGGER_DATA, onHolders, MQ_TRIGGER_DATA_LENGTH).byMqset(),
-    number("TRIGDPTH", MQIA_TRIGGER_DEPTH, onHolders, {1, most}, 1).byMqset(),
-    flag("TRIGGER", MQIA_TRIGGER_CONTROL, onHolders, trigger, MQTC_OFF).byMqset(),
+    number("TRIGDPTH", MQIA_TRIGGER_DEPTH, onHolders, {1, most}, 1).byMqset().forTriggers(),
+    flag("TRIGGER", MQIA_TRIGGER_CONTROL, onHolders, trigger, MQTC_OFF).byMqset().forTriggers(),
     number("TRIGINT", MQIA_TRIGGER_INTERVAL, onQmgr, {0, most}, most),
-    number("TRIGMPRI", MQIA_TRIGGER_MSG_PRIORITY, onHolders, {0, 9}, 0).byMqset(),
-    words("TRIGTYPE", MQIA_TRIGGER_TYPE, onHolders, triggerType, MQTT_FIRST).byMqset(),
+    number("TRIGMPRI", MQIA_TRIGGER_MSG_PRIORITY, onHolders, {0, 9}, 0).byMqset().forTriggers(),
+    words("TRIGTYPE", MQIA_TRIGGER_TYPE, onHolders, triggerType, MQTT_FIRST).byMqset().forTriggers(),
     words("TYPE", MQIA_Q_TYPE, allQueues, queueTypes, MQQT_LOCAL).identity(),
     words("USAGE", MQIA_USAGE, onHolders, usage, MQUS_NORMAL),
     text("USERDATA", MQCA_USER_DATA, onProcess, MQ_PROCESS_USER_DATA_LENGTH),

@@ -57,6 +57,11 @@ MQCFH headerIn(const std::string &body)
     return command::readPcf({reinterpret_cast<const std::byte *>(body.data()), body.size()}, MQENC_NATIVE).header;
 }
 
+std::vector<command::PcfParameter> parametersIn(const std::string &body)
+{
+    return command::readPcf({reinterpret_cast<const std::byte *>(body.data()), body.size()}, MQENC_NATIVE).parameters;
+}
+
 class CommandServer : public QueueManagerTest {
 public:
     CommandServer()
@@ -168,6 +173,103 @@ TEST_F(CommandServer, CommandsHaveTheirEffect)
     EXPECT_EQ(openCodes(hconn, "NEW.QUEUE", MQOO_OUTPUT), failed(MQRC_UNKNOWN_OBJECT_NAME));
     send(onQueue(MQCMD_DELETE_Q, "NEW.QUEUE"));
     EXPECT_THAT(reasons(), ElementsAre(MQRC_UNKNOWN_OBJECT_NAME, MQRCCF_COMMAND_FAILED));
+}
+
+// What a command makes of a queue with a message and without TRIGGER: how many trigger messages it makes.
+class CommandThatTriggers : public CommandServer {
+public:
+    CommandThatTriggers()
+    {
+        defineQueue("INIT");
+        defineProcess("PROC");
+        alterText(MQOT_Q, "Q1", MQCA_INITIATION_Q_NAME, "INIT");
+        alterText(MQOT_Q, "Q1", MQCA_PROCESS_NAME, "PROC");
+        MQHOBJ q1 = open(hconn, "Q1", MQOO_OUTPUT);
+        EXPECT_EQ(put(hconn, q1, "x"), ok);
+        EXPECT_EQ(close(hconn, q1), ok);
+        init = open(hconn, "INIT", MQOO_INPUT_SHARED);
+    }
+    template <class Write>
+    void command(MQLONG what, Write &&write)
+    {
+        MQCFH header = {MQCFH_DEFAULT};
+        header.Command = what;
+        PcfWriter writer(header);
+        write(writer);
+        send(writer.message());
+        EXPECT_EQ(reasons(), done);
+    }
+    void change(MQLONG attribute, MQLONG value)
+    {
+        command(MQCMD_CHANGE_Q, [&](PcfWriter &writer) {
+            writer.text(MQCA_Q_NAME, "Q1");
+            writer.integer(MQIA_Q_TYPE, MQQT_LOCAL);
+            writer.integer(attribute, value);
+        });
+    }
+    void mqsc(std::string_view text)
+    {
+        MQCFH header = {MQCFH_DEFAULT};
+        header.Command = MQCMD_ESCAPE;
+        PcfWriter writer(header);
+        writer.integer(MQIACF_ESCAPE_TYPE, MQET_MQSC);
+        writer.text(MQCACF_ESCAPE_TEXT, text);
+        send(writer.message());
+        EXPECT_EQ(reasons(), done);
+    }
+    std::size_t triggers() { return drain(hconn, init).size(); }
+
+    MQHOBJ init = MQHO_UNUSABLE_HOBJ;
+};
+
+TEST_F(CommandThatTriggers, IsOneThatTurnsTriggeringOn)
+{
+    change(MQIA_TRIGGER_CONTROL, MQTC_ON);
+    EXPECT_EQ(triggers(), 1U);
+    change(MQIA_TRIGGER_CONTROL, MQTC_OFF);
+    EXPECT_EQ(triggers(), 0U);
+    mqsc("ALTER QLOCAL(Q1) TRIGGER");
+    EXPECT_EQ(triggers(), 1U);
+}
+
+TEST_F(CommandThatTriggers, IsOneThatEnablesGets)
+{
+    change(MQIA_INHIBIT_GET, MQQA_GET_INHIBITED);
+    change(MQIA_TRIGGER_CONTROL, MQTC_ON);
+    EXPECT_EQ(triggers(), 0U);
+    mqsc("ALTER QLOCAL(Q1) GET(ENABLED)");
+    EXPECT_EQ(triggers(), 1U);
+}
+
+TEST_F(CommandThatTriggers, IsOneThatReplacesTheQueue)
+{
+    command(MQCMD_CREATE_Q, [](PcfWriter &writer) {
+        writer.text(MQCA_Q_NAME, "Q1");
+        writer.integer(MQIA_Q_TYPE, MQQT_LOCAL);
+        writer.integer(MQIACF_REPLACE, MQRP_YES);
+        writer.integer(MQIA_TRIGGER_CONTROL, MQTC_ON);
+        writer.text(MQCA_INITIATION_Q_NAME, "INIT");
+        writer.text(MQCA_PROCESS_NAME, "PROC");
+    });
+    EXPECT_EQ(triggers(), 1U);
+}
+
+TEST_F(CommandThatTriggers, IsNoneThatLeavesTriggeringAlone)
+{
+    change(MQIA_TRIGGER_CONTROL, MQTC_ON);
+    EXPECT_EQ(triggers(), 1U);
+    change(MQIA_MAX_Q_DEPTH, 77);
+    mqsc("ALTER QLOCAL(Q1) DESCR('other words') PUT(DISABLED)");
+    EXPECT_EQ(triggers(), 0U);
+}
+
+TEST_F(CommandThatTriggers, TurnsOffTriggeringByDepth)
+{
+    change(MQIA_TRIGGER_TYPE, MQTT_DEPTH);
+    change(MQIA_TRIGGER_CONTROL, MQTC_ON);
+    EXPECT_EQ(triggers(), 1U);
+    change(MQIA_TRIGGER_DEPTH, 1);
+    EXPECT_EQ(triggers(), 0U);
 }
 
 TEST_F(CommandServer, QueueOfTheProgramThatAsksIsDeletedFromUnderIt)
@@ -478,6 +580,25 @@ TEST_P(KilledServer, AfterTheEffectTheCommandIsAnsweredOnceWithSuccess)
     comeBy();
     EXPECT_EQ(reasons(), done);
     EXPECT_EQ(openCodes(hconn, "NEW.QUEUE", MQOO_OUTPUT), failed(MQRC_UNKNOWN_OBJECT_NAME));
+}
+
+TEST_P(KilledServer, StatisticsThatItHadResetAreToldByTheNext)
+{
+    MQHOBJ q1 = open(hconn, "Q1", MQOO_OUTPUT);
+    ASSERT_EQ(put(hconn, q1, "one"), ok);
+    ASSERT_EQ(put(hconn, q1, "two"), ok);
+    const auto counted = [this] {
+        const Got got = get(hconn, replies);
+        for (const command::PcfParameter &parameter : parametersIn(got.body))
+            if (parameter.id == MQIA_MSG_ENQ_COUNT) return static_cast<int>(parameter.numbers.front());
+        return -1;
+    };
+    killAt(store::Step::RequestRun, onQueue(MQCMD_RESET_Q_STATS, "Q1"));
+    killWhileConnecting(1);
+    comeBy();
+    EXPECT_EQ(counted(), 2);
+    send(onQueue(MQCMD_RESET_Q_STATS, "Q1"));
+    EXPECT_EQ(counted(), 0);
 }
 
 TEST_P(KilledServer, AfterTheCommitTheReplyIsThereOnce)

@@ -274,6 +274,29 @@ TEST_F(Trigger, SettingTheControlTriggersForWhatIsThere)
     EXPECT_EQ(triggers(), 1U);
 }
 
+TEST_F(Trigger, EnablingGetsTriggersForWhatIsThereAndDisablingThemDoesNot)
+{
+    ASSERT_EQ(put(hconn, q1, "x"), ok);
+    trigger(MQTT_FIRST);
+    ASSERT_EQ(set(MQIA_INHIBIT_GET, MQQA_GET_INHIBITED), ok);
+    EXPECT_EQ(triggers(), 0U);
+    ASSERT_EQ(set(MQIA_TRIGGER_DEPTH, 1), ok);
+    EXPECT_EQ(triggers(), 0U) << "while gets are inhibited";
+    ASSERT_EQ(set(MQIA_INHIBIT_GET, MQQA_GET_ALLOWED), ok);
+    EXPECT_EQ(triggers(), 1U);
+}
+
+TEST_F(Trigger, SettingWhatHasNoPartInTriggeringTriggersNothing)
+{
+    ASSERT_EQ(put(hconn, q1, "x"), ok);
+    trigger(MQTT_FIRST);
+    ASSERT_EQ(set(MQIA_INHIBIT_PUT, MQQA_PUT_INHIBITED), ok);
+    ASSERT_EQ(set(MQIA_DIST_LISTS, MQDL_SUPPORTED), ok);
+    EXPECT_EQ(triggers(), 0U);
+    ASSERT_EQ(set(MQIA_TRIGGER_MSG_PRIORITY, 0), ok);
+    EXPECT_EQ(triggers(), 1U);
+}
+
 TEST_F(Trigger, TheMonitorsOpenTriggersForWhatIsThere)
 {
     trigger(MQTT_FIRST);

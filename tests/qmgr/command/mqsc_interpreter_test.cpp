@@ -78,6 +78,27 @@ TEST_F(Mqsc, AttributesThatExcludeEachOtherAreRefused)
     EXPECT_NE(answer("DIS QMGR REPOS").find("REPOS( )"), std::string::npos);
 }
 
+TEST_F(Mqsc, QuotedNamesOfAListHaveNoCommas)
+{
+    EXPECT_EQ(answer("DEF NL(N1) NAMES(A, 'B,C')"),
+              "AMQ8405E: Syntax error at line 1, column 21: NAMES takes a name of A-Z a-z 0-9 . / _ % or a blank.\n"
+              "   DEF NL(N1) NAMES(A, 'B,C')\n"
+              "                       ^\n");
+    EXPECT_EQ(run("DIS NL(N1)").result, CommandResult::Failed);
+}
+
+TEST_F(Mqsc, QueuesWhoseTriggeringIsTouchedAreTold)
+{
+    EXPECT_EQ(run("DEF QL(Q1) TRIGGER").triggering, "Q1");
+    for (const char *touches :
+         {"ALTER QL(Q1) TRIGGER", "ALTER QL(Q1) NOTRIGGER", "ALTER QL(Q1) TRIGTYPE(EVERY)", "ALTER QL(Q1) TRIGDPTH(2)",
+          "ALTER QL(Q1) TRIGMPRI(3)", "ALTER QL(Q1) GET(ENABLED)", "DEF QL(Q1) REPLACE"})
+        EXPECT_EQ(run(touches).triggering, "Q1") << touches;
+    for (const char *other : {"ALTER QL(Q1) PUT(DISABLED)", "ALTER QL(NONE) TRIGGER", "DEF QL(Q1) TRIGGER",
+                              "DEF QM(M1) TRIGGER", "DEF QA(A1) GET(ENABLED)", "DIS QL(Q1) TRIGGER"})
+        EXPECT_EQ(run(other).triggering, "") << other;
+}
+
 TEST_F(Mqsc, DefineNeedsNoDefaultObject)
 {
     for (const objects::ObjectKind kind : kindsWithNames) {
