@@ -143,7 +143,8 @@ private:
 
     command::PcfAnswer run()
     {
-        const bool repeated = got_.header.md.BackoutCount > 0;
+        // Begun before by a server that was killed; or perhaps in an earlier life, whose last backouts nobody counted.
+        const bool repeated = got_.header.md.BackoutCount > 0 || got_.header.putTime < store_.startTime();
         return command::runPcf(*connection_->store, {message(), encoding_, got_.header.putTime, repeated});
     }
 

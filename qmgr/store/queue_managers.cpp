@@ -50,21 +50,43 @@ std::string randomName(const char *prefix)
     return prefix + std::to_string(number);
 }
 
-// Makes a folder that may be there already, and its parents, for nobody else's eyes.
-Outcome makeFolders(const std::filesystem::path &folder)
-{
-    if (mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST) return success();
-    if (errno != ENOENT || !folder.has_parent_path() || folder.parent_path() == folder) return outcomeOfErrno();
-    if (const Outcome parent = makeFolders(folder.parent_path()); parent.failed()) return parent;
-    return mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST ? success() : outcomeOfErrno();
-}
-
+// What was made or renamed in the folder is there after a power failure, too.
 void syncFolder(const std::filesystem::path &folder)
 {
     const int fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd < 0) return;
     fsync(fd);
     close(fd);
+}
+
+// Makes a folder that may be there already, and its parents, for nobody else's eyes.
+Outcome makeFolders(const std::filesystem::path &folder)
+{
+    const auto make = [&] {
+        if (mkdir(folder.c_str(), 0700) != 0) return errno == EEXIST;
+        syncFolder(folder.has_parent_path() ? folder.parent_path() : ".");
+        return true;
+    };
+    if (make()) return success();
+    if (errno != ENOENT || !folder.has_parent_path() || folder.parent_path() == folder) return outcomeOfErrno();
+    if (const Outcome parent = makeFolders(folder.parent_path()); parent.failed()) return parent;
+    return make() ? success() : outcomeOfErrno();
+}
+
+// A small file that is on disk, as a whole, when it is back.
+Outcome writeFile(const std::filesystem::path &file, std::string_view text)
+{
+    const int fd = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    if (fd < 0) return outcomeOfErrno();
+    const ssize_t size = write(fd, text.data(), text.size());
+    Outcome outcome;
+    if (size < 0 || fsync(fd) != 0) {
+        outcome = outcomeOfErrno();
+    } else if (static_cast<std::size_t>(size) != text.size()) {
+        outcome = failure(MQRC_STORAGE_NOT_AVAILABLE);
+    }
+    close(fd);
+    return outcome;
 }
 
 // What a killed create or delete has left. One that is still at work is younger than that.
@@ -170,12 +192,15 @@ Outcome setDefaultQueueManager(const std::filesystem::path &storeFolder, std::st
     if (!isQueueManagerName(name)) return failure(MQRC_Q_MGR_NAME_ERROR);
     if (const Outcome there = Store::exists(storeFolder / folderOfName(name)); there.failed()) return there;
     const std::filesystem::path written = storeFolder / randomName(unfinished);
-    {
-        std::ofstream file(written);
-        file << name << '\n';
-        if (!file.flush()) return failure(MQRC_STORAGE_NOT_AVAILABLE);
+    Outcome outcome = writeFile(written, std::string(name) + '\n');
+    if (!outcome.failed() && rename(written.c_str(), (storeFolder / defaultFile).c_str()) != 0)
+        outcome = outcomeOfErrno();
+    if (outcome.failed()) {
+        unlink(written.c_str());
+        return outcome;
     }
-    return rename(written.c_str(), (storeFolder / defaultFile).c_str()) == 0 ? success() : outcomeOfErrno();
+    syncFolder(storeFolder);
+    return outcome;
 }
 
 Outcome startQueueManager(const std::filesystem::path &storeFolder, std::string_view name)

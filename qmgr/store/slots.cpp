@@ -137,6 +137,8 @@ bool Store::releaseDead()
             if (!slotLocks_->tryLock(number)) continue; // somebody else is at it
             if (slot.state == SlotState::Taken && slot.process != thisProcess().token) {
                 cleanUp(number);
+                // It may have died between making messages visible and waking those who wait for them.
+                wakeEverybody();
                 if (const std::uint32_t cell = slot.waitsOn; cell != 0) block.cells[cell - 1].waiters.fetch_sub(1);
                 slot.state = SlotState::Free;
                 any = true;

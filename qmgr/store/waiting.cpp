@@ -9,7 +9,9 @@
 // A process that is killed raises nothing. What it had locked or prepared was there, held, when a sleeper last looked
 // or else raises the number later; so a sleeper whose queue has held messages wakes every 500 ms to see whether
 // somebody died. To make that true for units prepared while it slept, the prepare wakes one sleeper, which from then
-// on keeps the watch, and hands it on when it leaves. A sleeper whose queue has nothing held sleeps without a pause.
+// on keeps the watch, and hands it on when it leaves. A sleeper whose queue has nothing held sleeps without a pause;
+// what a killed process made visible without waking it, it finds when somebody cleans up behind that process and wakes
+// everybody (slots.cpp).
 //
 // A connection's own thread, which calls the callbacks of its program, sleeps on a word of its slot instead (watch.h),
 // because it waits for several things at once. It marks the cells of its queues; whoever wakes the getters of a marked

@@ -533,6 +533,17 @@ void sendFrom(MQHCONN hconn, const std::string &message, MQLONG persistence)
     EXPECT_EQ(QueueManagerTest::put(hconn, queue, message, md), ok);
 }
 
+TEST_F(CommandServer, EffectThatARequestHadBeforeARestartIsAnsweredWithSuccess)
+{
+    const auto create = [](MQHCONN other) { sendFrom(other, onQueue(MQCMD_CREATE_Q, "NEW.QUEUE"), MQPER_PERSISTENT); };
+    ASSERT_EQ(runProgram(create, store::Step::RequestRun), -SIGKILL);
+    restart(); // before anybody has found the killed server
+    hconn = connect();
+    replies = open(hconn, "REPLY", MQOO_INPUT_SHARED);
+    EXPECT_EQ(reasons(), done);
+    EXPECT_EQ(depth("NEW.QUEUE"), 0);
+}
+
 class KilledServer : public CommandServer, public ::testing::WithParamInterface<MQLONG> {
 protected:
     void killAt(store::Step step, const std::string &message)
