@@ -1,4 +1,4 @@
-// crash_run [--kills N] [--seed N] [--seconds N] [--patience N] [--expect-fault]
+// crash_run [--kills N] [--seed N] [--patience SECONDS] [--step NAME] [--role NAME] [--expect-fault]
 //
 // Kills programs of a queue manager and compares what is left with what they were told. 0: all was as it must be.
 // With --expect-fault the queue manager is one with a deliberate fault; 0: it was found.
@@ -16,6 +16,14 @@ namespace {
 int numberOf(const char *text)
 {
     return static_cast<int>(std::strtol(text, nullptr, 10));
+}
+
+template <class Names>
+std::optional<std::size_t> placeOf(const std::string &name, const Names &names)
+{
+    for (std::size_t place = 0; place < names.size(); ++place)
+        if (name == names.at(place)) return place;
+    return std::nullopt;
 }
 
 void printFigures(const Harness &harness)
@@ -41,15 +49,18 @@ int main(int argc, char **argv)
             expectFault = true;
             continue;
         }
-        const int value = n + 1 < argc ? numberOf(argv[++n]) : 0;
+        const char *text = n + 1 < argc ? argv[++n] : "";
+        const int value = numberOf(text);
         if (option == "--kills") {
             plan.kills = value;
         } else if (option == "--seed") {
             plan.seed = static_cast<unsigned>(value);
-        } else if (option == "--seconds") {
-            plan.atMost = std::chrono::seconds(value);
         } else if (option == "--patience") {
             patience = std::chrono::seconds(value);
+        } else if (option == "--step" && placeOf(text, stepNames)) {
+            plan.step = static_cast<Step>(*placeOf(text, stepNames));
+        } else if (option == "--role" && placeOf(text, roleNames)) {
+            plan.role = static_cast<Role>(*placeOf(text, roleNames));
         } else {
             std::fprintf(stderr, "crash_run: no option %s\n", option.c_str());
             return 2;

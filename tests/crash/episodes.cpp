@@ -64,8 +64,7 @@ void Harness::countKill(std::optional<Step> step)
 
 bool Harness::run()
 {
-    const auto until = std::chrono::steady_clock::now() + plan_.atMost;
-    while (figures_.kills < plan_.kills && sound() && std::chrono::steady_clock::now() < until)
+    while (figures_.kills < plan_.kills && sound())
         episode();
     if (!sound()) return false;
     doing_ = "at the end";
@@ -88,6 +87,9 @@ void Harness::episode()
     } else if (turn % 32 == 10) {
         doing_ = "prepared, all others asleep";
         leavePreparedToSleeper();
+    } else if (turn % 16 == 2) {
+        doing_ = "putting, all others asleep";
+        killBesideSleeper();
     } else if (turn % 32 == 7) {
         doing_ = "all at once";
         killAll();
@@ -104,6 +106,7 @@ void Harness::episode()
 // The step at which the fewest have died yet; one that is hard to meet does not keep the others waiting.
 Step Harness::rarestStep()
 {
+    if (plan_.step && below(4) != 0) return *plan_.step;
     std::size_t rarest = 0;
     const auto weight = [&](std::size_t step) { return 2 * figures_.atStep.at(step) + attempts_.at(step); };
     const std::size_t first = below(static_cast<std::uint32_t>(Step::steps));
@@ -226,6 +229,26 @@ void Harness::leavePreparedToSleeper()
         usleep(500);
     }
     resume();
+    inspectAll();
+}
+
+// One dies when its message can just be seen, or nearly, and the next to come cleans up behind it, before the getter
+// that sleeps would do so itself.
+void Harness::killBesideSleeper()
+{
+    pause();
+    if (!sound()) return;
+    const bool persistent = below(2) == 0;
+    const Step step = plan_.step.value_or(Step::UnitFlipped);
+    Member &victim = start({.role = Role::Putter,
+                            .death = Death{step, persistent ? 2U : 1U},
+                            .only = Queue::Wait,
+                            .onlyPersistent = persistent,
+                            .goesOnInPauses = true});
+    const bool atStep = awaitDeath(victim, milliseconds(50));
+    if (!atStep) kill(victim.pid, SIGKILL);
+    countKill(atStep ? std::optional(step) : std::nullopt);
+    bury(victim);
     inspectAll();
 }
 

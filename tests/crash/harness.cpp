@@ -106,7 +106,7 @@ void Harness::fillCrew()
         constexpr std::array others{Role::Putter,  Role::Getter,      Role::Getter,      Role::Mover,
                                     Role::Browser, Role::GroupPutter, Role::GroupGetter, Role::Requester,
                                     Role::Definer, Role::Dynamic,     Role::Connector};
-        start({.role = others.at(below(others.size()))});
+        start({.role = plan_.role && below(2) == 0 ? *plan_.role : others.at(below(others.size()))});
     }
 }
 

@@ -19,7 +19,8 @@ namespace mqrig::crash {
 struct Plan {
     int kills = 50;
     unsigned seed = 1;
-    std::chrono::seconds atMost{3600};
+    std::optional<Step> step; // if given: die there rather than at the others
+    std::optional<Role> role; // if given: many of these
 };
 
 struct Figures {
@@ -79,6 +80,7 @@ private:
     void killCleaner();
     void killSuccessorOfLogHolder();
     void leavePreparedToSleeper();
+    void killBesideSleeper();
     void killAll();
     void killCreator();
     void restart(int how);

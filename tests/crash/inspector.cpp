@@ -40,6 +40,9 @@ public:
         connect();
         // Killed while another cleaned up behind a third: a look finds what the first look could not.
         static_cast<void>(store_->releaseDead());
+        // What a killed holder of the log lock has left is finished by the next one, whoever it is.
+        if (const Outcome none = store_->remove(MQOT_Q, "NOBODY", nullptr); none.Reason != MQRC_UNKNOWN_OBJECT_NAME)
+            fault("removing what is not there is answered " + std::to_string(none.Reason));
         for (std::size_t n = 0; n < queues; ++n)
             count(n);
         for (std::size_t n = 0; n < queues; ++n)

@@ -113,6 +113,7 @@ private:
         handles_ = {};
         switch (assignment_.role) {
         case Role::Putter:
+            if (assignment_.only) break; // these go by MQPUT1
             for (const Queue queue : {Queue::A, Queue::B, Queue::Wait})
                 open(queue, MQOO_OUTPUT);
             break;
@@ -251,8 +252,13 @@ private:
         Record begun = record;
         begun.event = Event::PutBegun;
         journal_.write(begun);
-        MQPUT(hconn_, handles_.at(indexOf(queue)), &md, &pmo, static_cast<MQLONG>(length), buffer_.data(), &compCode_,
-              &reason_);
+        if (const MQHOBJ handle = handles_.at(indexOf(queue)); handle != 0) {
+            MQPUT(hconn_, handle, &md, &pmo, static_cast<MQLONG>(length), buffer_.data(), &compCode_, &reason_);
+        } else {
+            MQOD od = {MQOD_DEFAULT};
+            setField(od.ObjectName, nameOf(queue));
+            MQPUT1(hconn_, &od, &md, &pmo, static_cast<MQLONG>(length), buffer_.data(), &compCode_, &reason_);
+        }
         Record told = record;
         told.event = Event::PutTold;
         note(told);
@@ -343,7 +349,7 @@ private:
     void putSome()
     {
         if (assignment_.only) {
-            static_cast<void>(put(*assignment_.only, {.persistent = true}, 100));
+            static_cast<void>(put(*assignment_.only, {.persistent = assignment_.onlyPersistent}, 100));
             return;
         }
         if (oneIn(3)) {

@@ -37,7 +37,8 @@ struct Assignment {
     std::uint32_t number = 0; // of the worker, never used twice
     std::optional<Death> death = {};
     bool diskFullAtTimes = false;   // its log transactions fail now and then, as on a full disk
-    std::optional<Queue> only = {}; // a putter that puts single persistent messages on this queue
+    std::optional<Queue> only = {}; // a putter that puts single messages on this queue, without opening it
+    bool onlyPersistent = true;     // and these are persistent
     bool goesOnInPauses = false;
 };
 
