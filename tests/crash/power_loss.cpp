@@ -165,7 +165,6 @@ public:
             must(store::setDefaultQueueManager(folder_, name));
             after.byDefault = name;
         });
-        someWork();
         definitions();
         someWork();
         checkpoint("PASSIVE"); // the write-ahead file is begun anew by the next commit
@@ -181,7 +180,6 @@ public:
             must(store::startQueueManager(folder_, name));
             after.running = true;
         });
-        someWork();
         step([&](Holdings &after) {
             must(store::createQueueManager(folder_, secondName, objects::systemObjects(secondName),
                                            store::DefaultQueueManager::No));
