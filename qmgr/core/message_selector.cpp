@@ -5,6 +5,7 @@
 #include <cstring>
 #include <deque>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "qmgr/core/delivery.h"
@@ -86,9 +87,14 @@ public:
         (void)properties::readRecord(propertiesOf(header_, stored), properties_);
         const properties::DataForm form = properties::formOf(header_.md);
         if (form.isRfh2()) (void)properties::splitProperties(bodyOf(header_, stored), form, properties_);
-        for (Property &property : properties_)
-            for (std::size_t i = 0; i < values_.size(); ++i)
-                if (values_[i].isUnknown() && selector_.meanings_[i].property == property.name) take(property, i);
+        for (Property &property : properties_) {
+            std::optional<SelectorValue> value; // made once: several names may stand for one property
+            for (std::size_t i = 0; i < values_.size(); ++i) {
+                if (!values_[i].isUnknown() || selector_.meanings_[i].property != property.name) continue;
+                if (!value) value = take(property);
+                values_[i] = *value;
+            }
+        }
     }
 
     void readHeader()
@@ -101,10 +107,10 @@ public:
 
 private:
     // Text that cannot be written in UTF-8 stays unknown.
-    void take(Property &property, std::size_t index)
+    static SelectorValue take(Property &property)
     {
-        if (property.type == MQTYPE_STRING && !properties::convertValue({}, property)) return;
-        values_[index] = valueOf(property);
+        if (property.type == MQTYPE_STRING && !properties::convertValue({}, property)) return {};
+        return valueOf(property);
     }
 
     SelectorValue keep(std::string text) { return SelectorValue::ofText(texts_.emplace_back(std::move(text))); }

@@ -210,6 +210,15 @@ TEST_F(Selecting, TextInAnotherCharacterSetIsComparedAsText)
     EXPECT_EQ(nextBody(hobj, MQGMO_BROWSE_FIRST), "x");
 }
 
+TEST_F(Selecting, TwoNamesOfOnePropertyHaveOneValue)
+{
+    const std::string longOne(1000, 'x');
+    putColoured("1", longOne);
+    EXPECT_EQ(nextBody(select("colour LIKE 'x%' AND usr.colour = '" + longOne + "' AND colour = '" + longOne + "'"),
+                       MQGMO_BROWSE_FIRST),
+              "1");
+}
+
 TEST_F(Selecting, AWaitEndsWithTheFirstThatMatches)
 {
     const MQHOBJ reds = select("colour = 'red'");
