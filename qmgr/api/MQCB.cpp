@@ -3,11 +3,14 @@
 
 #include "qmgr/api/api.h"
 #include "qmgr/api/consumers.h"
+#include "qmgr/api/follow_options.h"
+#include "qmgr/api/get_options.h"
 #include "qmgr/api/option_table.h"
 #include "qmgr/api/structures.h"
 #include "qmgr/core/callbacks.h"
 #include "qmgr/core/connections.h"
 #include "qmgr/core/get.h"
+#include "qmgr/core/message_handles.h"
 #include "qmgr/objects/object_name.h"
 
 using namespace mqrig::qmgr;
@@ -63,22 +66,58 @@ struct Source {
 constexpr MQLONG notForConsumers =
     MQGMO_LOCK | MQGMO_UNLOCK | MQGMO_SET_SIGNAL | MQGMO_MSG_UNDER_CURSOR | MQGMO_BROWSE_MSG_UNDER_CURSOR;
 
-Outcome loadSource(const core::OpenObject &object, const Source &source, api::ConsumerRequest &request)
+// What no get of the consumer could do is refused here, where the program hears of it.
+MQLONG checkGets(const core::Connection &connection, const core::OpenObject &object,
+                 const api::ConsumerRequest &request)
+{
+    const MQLONG options = request.gmo.Options;
+    if ((options & notForConsumers) != 0) return MQRC_OPTIONS_ERROR;
+    // Marks make a consumer begin at the start each time or go on each time.
+    const bool startsAndGoesOn = (options & api::startThenGoOn) == api::startThenGoOn;
+    if (startsAndGoesOn && (options & api::setsMark) != 0) return MQRC_OPTIONS_ERROR;
+    MQGMO first = api::nextGet(request, false);
+    first.Options |= options & MQGMO_WAIT;
+    if (const MQLONG reason = api::checkGetOptions(first, request.md.Version)) return reason;
+    if (const MQLONG reason = api::checkToFollow(connection, first)) return reason;
+    if (const MQLONG reason = api::checkGetOrder(first, request.md, request.md.Version)) return reason;
+    if ((options & core::browseOptions) != 0) {
+        if (!object.allows(MQOO_BROWSE)) return MQRC_NOT_OPEN_FOR_BROWSE;
+    } else if (!object.allows(MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE)) {
+        return MQRC_NOT_OPEN_FOR_INPUT;
+    }
+    return MQRC_NONE;
+}
+
+// Without a descriptor that of the message handle says what is wanted, as it is now, and takes its place.
+Outcome loadFromHandle(core::Connection &connection, api::ConsumerRequest &request)
+{
+    const MQLONG elsewhere = api::propertyOptions & ~MQGMO_PROPERTIES_IN_HANDLE;
+    if (request.gmo.MsgHandle == MQHM_NONE || (request.gmo.Options & elsewhere) != 0) return failure(MQRC_MD_ERROR);
+    const core::MessageHandleUse handle(connection.hconn, &connection, request.gmo.MsgHandle);
+    if (handle.outcome().failed()) return handle.outcome();
+    request.md = handle->md;
+    request.describes = false;
+    return success();
+}
+
+Outcome loadSource(core::Connection &connection, const core::OpenObject &object, const Source &source,
+                   api::ConsumerRequest &request)
 {
     request.hobj = source.hobj;
-    if (const MQLONG reason = api::checkMd(source.msgDesc)) return failure(reason);
-    const bool version1 = static_cast<const MQMD *>(source.msgDesc)->Version == MQMD_VERSION_1;
-    std::memcpy(static_cast<void *>(&request.md), source.msgDesc, version1 ? MQMD_LENGTH_1 : MQMD_LENGTH_2);
+    if (source.msgDesc != nullptr) {
+        if (const MQLONG reason = api::checkMd(source.msgDesc)) return failure(reason);
+        const bool version1 = static_cast<const MQMD *>(source.msgDesc)->Version == MQMD_VERSION_1;
+        std::memcpy(static_cast<void *>(&request.md), source.msgDesc, version1 ? MQMD_LENGTH_1 : MQMD_LENGTH_2);
+    }
     if (source.getMsgOpts != nullptr) {
         if (const MQLONG reason = api::checkGmo(source.getMsgOpts)) return failure(reason);
         request.gmo = api::loadGmo(source.getMsgOpts);
     }
-    const MQLONG options = request.gmo.Options;
-    if ((options & notForConsumers) != 0) return failure(MQRC_OPTIONS_ERROR);
-    if (const MQLONG reason = api::checkOptions(api::OptionField::Get, options)) return failure(reason);
-    const bool browses = (options & core::browseOptions) != 0;
-    if (browses && !object.allows(MQOO_BROWSE)) return failure(MQRC_NOT_OPEN_FOR_BROWSE);
-    if (!browses && !object.allows(MQOO_INPUT_SHARED | MQOO_INPUT_EXCLUSIVE)) return failure(MQRC_NOT_OPEN_FOR_INPUT);
+    if (source.msgDesc == nullptr)
+        if (const Outcome loaded = loadFromHandle(connection, request); loaded.failed()) return loaded;
+    if (const MQLONG reason = checkGets(connection, object, request)) return failure(reason);
+    // A consumer is shown all fields that there are, whatever it was registered with.
+    request.gmo.Version = MQGMO_CURRENT_VERSION;
     return success();
 }
 
@@ -91,10 +130,14 @@ Outcome changeConsumer(core::ConnectionUse &use, MQLONG operation, const MQCBD &
     const bool suspends = (operation & MQOP_SUSPEND) != 0;
     if ((operation & MQOP_REGISTER) == 0) return consumers.suspend(source.hobj, suspends);
     api::ConsumerRequest request;
-    if (const Outcome loaded = loadSource(*object, source, request); loaded.failed()) return loaded;
+    request.maxMsgLength = cbd.MaxMsgLength;
+    if (const Outcome loaded = loadSource(*use, *object, source, request); loaded.failed()) {
+        // Nor does the one stay that it should have replaced.
+        static_cast<void>(consumers.remove(source.hobj));
+        return loaded;
+    }
     request.callback = {reinterpret_cast<MQCB_FUNCTION *>(cbd.CallbackFunction), cbd.CallbackArea, cbd.Options,
                         suspends};
-    request.maxMsgLength = cbd.MaxMsgLength;
     return consumers.add(request);
 }
 
@@ -126,7 +169,7 @@ Outcome manageCallback(MQHCONN Hconn, MQLONG operation, const void *callbackDesc
     }
     // A program may take away what a callback works on once it is deregistered. Other calls on the connection go on
     // meanwhile: the callback may be making one.
-    if (!outcome.failed()) changed->settle();
+    if (!outcome.failed() || (operation & MQOP_REGISTER) != 0) changed->settle();
     return outcome;
 }
 

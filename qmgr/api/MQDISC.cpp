@@ -16,8 +16,11 @@ Outcome disconnect(PMQHCONN pHconn)
     core::ConnectionUse::announceRemoval(*pHconn);
     if (const auto callbacks = core::ConnectionUse::consumingCallbacks(*pHconn))
         static_cast<void>(callbacks->control(MQOP_STOP, nullptr));
-    core::ConnectionUse use(*pHconn, core::ConnectionUse::When::Control);
-    if (!use.found()) return use.outcome();
+    core::ConnectionUse use(*pHconn, core::ConnectionUse::When::Leaving);
+    if (!use.found()) {
+        core::ConnectionUse::withdrawRemoval(*pHconn);
+        return use.outcome();
+    }
     *pHconn = MQHC_UNUSABLE_HCONN;
     return core::disconnect(use);
 }

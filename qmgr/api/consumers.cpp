@@ -35,7 +35,25 @@ bool endsConnection(MQLONG reason)
     }
 }
 
+bool waitsForEvents(const MQGMO &gmo, const core::Callback &callback)
+{
+    return (gmo.Options & MQGMO_WAIT) != 0 && (callback.options & MQCBDO_EVENT_CALL) != 0;
+}
+
 } // namespace
+
+MQGMO nextGet(const ConsumerRequest &request, bool browsed)
+{
+    constexpr MQLONG unmarks = MQGMO_UNMARK_BROWSE_CO_OP | MQGMO_UNMARK_BROWSE_HANDLE;
+    MQGMO gmo = request.gmo;
+    gmo.Options &= ~MQGMO_WAIT;
+    if (request.maxMsgLength == MQCBD_FULL_MSG_LENGTH) gmo.Options &= ~MQGMO_ACCEPT_TRUNCATED_MSG;
+    if ((gmo.Options & startThenGoOn) == startThenGoOn)
+        gmo.Options &= browsed ? ~MQGMO_BROWSE_FIRST : ~MQGMO_BROWSE_NEXT;
+    // What it marks it is not shown again.
+    if ((gmo.Options & setsMark) != 0 && (gmo.Options & unmarks) == 0) gmo.Options |= MQGMO_UNMARKED_BROWSE_MSG;
+    return gmo;
+}
 
 // ---- The registrations ----
 
@@ -106,19 +124,32 @@ bool Consumers::anyActive() const
 
 // ---- The calls, on the connection's thread ----
 
-void Consumers::call(const Consumer &consumer, MQLONG type, const Outcome &what, MQLONG state) const
+void Consumers::call(const Consumer &consumer, MQLONG type, const Outcome &what, MQLONG state) const noexcept
 {
     MQCBC context{};
-    std::memcpy(context.StrucId, MQCBC_STRUC_ID, sizeof context.StrucId);
-    context.Version = MQCBC_VERSION_2;
     context.CallType = type;
-    context.Hobj = consumer.request.hobj;
-    context.CallbackArea = consumer.request.callback.area;
-    context.ConnectionArea = connectionArea_;
     context.CompCode = what.CompCode;
     context.Reason = what.Reason;
     context.State = state;
+    complete(context, consumer);
     consumer.request.callback.function(hconn_, nullptr, nullptr, nullptr, &context);
+}
+
+void Consumers::deliver(const Consumer &consumer, MQMD &md, MQGMO &gmo, MQCBC &context) noexcept
+{
+    complete(context, consumer);
+    void *const body = context.DataLength == 0 ? nullptr : buffer_.data();
+    consumer.request.callback.function(hconn_, consumer.request.describes ? &md : nullptr, &gmo, body, &context);
+}
+
+// What every call of the consumer's says.
+void Consumers::complete(MQCBC &context, const Consumer &consumer) const noexcept
+{
+    std::memcpy(context.StrucId, MQCBC_STRUC_ID, sizeof context.StrucId);
+    context.Version = MQCBC_VERSION_2;
+    context.Hobj = consumer.request.hobj;
+    context.CallbackArea = consumer.request.callback.area;
+    context.ConnectionArea = connectionArea_;
 }
 
 void Consumers::begin(MQPTR connectionArea)
@@ -128,6 +159,7 @@ void Consumers::begin(MQPTR connectionArea)
     for (const auto &consumer : list()) {
         if (consumer->gone) continue;
         consumer->started = true;
+        consumer->hearsOfNone = true;
         consumer->told = MQRC_NONE;
         consumer->waitingSince = Clock::now();
         if (consumer->wants(MQCBDO_START_CALL)) call(*consumer, MQCBCT_START_CALL, success(), MQCS_NONE);
@@ -158,7 +190,8 @@ Consumers::Done Consumers::once(const store::Watch &watch)
     for (std::size_t i = 0; i < consumers.size(); ++i) {
         const std::size_t place = (next_ + i) % consumers.size();
         Consumer &consumer = *consumers[place];
-        if (consumer.gone || consumer.suspended || Clock::now() < consumer.notBefore) continue;
+        if (consumer.gone || consumer.suspended) continue;
+        if (consumer.told != MQRC_GET_INHIBITED && Clock::now() < consumer.notBefore) continue;
         const Turn turn = turnOf(consumer);
         if (turn.called || turn.ended != MQRC_NONE) {
             next_ = place + 1;
@@ -181,16 +214,25 @@ try {
 Consumers::Turn Consumers::turnOf(Consumer &consumer)
 {
     const ConsumerRequest &request = consumer.request;
+    if (consumer.told == MQRC_GET_INHIBITED) {
+        // No get is tried: each would be an event for the queue manager's administrator.
+        if (isInhibited(consumer)) {
+            consumer.notBefore = Clock::now() + troublePause;
+            return {};
+        }
+        consumer.told = MQRC_NONE;
+        consumer.notBefore = {};
+        if (consumer.wants(MQCBDO_EVENT_CALL)) {
+            call(consumer, MQCBCT_EVENT_CALL, warning(MQRC_GET_ENABLED), MQCS_NONE);
+            return {true};
+        }
+    }
     const bool whole = request.maxMsgLength == MQCBD_FULL_MSG_LENGTH;
     const auto most = static_cast<std::size_t>(whole ? 0 : request.maxMsgLength);
     if (!roomFor(std::max(firstBuffer, most))) return tell(consumer, failure(MQRC_STORAGE_NOT_AVAILABLE));
     for (;;) {
         MQMD md = request.md;
-        MQGMO gmo = request.gmo;
-        gmo.Options &= ~MQGMO_WAIT;
-        if (whole) gmo.Options &= ~MQGMO_ACCEPT_TRUNCATED_MSG;
-        if (consumer.browsed && (gmo.Options & MQGMO_BROWSE_FIRST) != 0)
-            gmo.Options = (gmo.Options & ~MQGMO_BROWSE_FIRST) | MQGMO_BROWSE_NEXT;
+        MQGMO gmo = nextGet(request, consumer.browsed);
         const auto length = static_cast<MQLONG>(whole ? buffer_.size() : most);
         MQLONG dataLength = 0;
         Outcome got;
@@ -202,21 +244,17 @@ Consumers::Turn Consumers::turnOf(Consumer &consumer)
             continue;
         }
         consumer.browsed = true;
+        consumer.hearsOfNone = true;
         consumer.told = MQRC_NONE;
 
-        const bool stays = (gmo.Options & core::browseOptions) != 0 || got.Reason == MQRC_TRUNCATED_MSG_FAILED;
         MQCBC context{};
-        std::memcpy(context.StrucId, MQCBC_STRUC_ID, sizeof context.StrucId);
-        context.Version = MQCBC_VERSION_2;
+        const bool stays = (gmo.Options & core::browseOptions) != 0 || got.Reason == MQRC_TRUNCATED_MSG_FAILED;
         context.CallType = stays ? MQCBCT_MSG_NOT_REMOVED : MQCBCT_MSG_REMOVED;
-        context.Hobj = request.hobj;
-        context.CallbackArea = request.callback.area;
-        context.ConnectionArea = connectionArea_;
         context.CompCode = got.CompCode;
         context.Reason = got.Reason;
         context.DataLength = dataLength;
         context.BufferLength = length;
-        request.callback.function(hconn_, &md, &gmo, dataLength == 0 ? nullptr : buffer_.data(), &context);
+        deliver(consumer, md, gmo, context);
         consumer.waitingSince = Clock::now();
         return {true};
     }
@@ -237,16 +275,30 @@ Consumers::Turn Consumers::tell(Consumer &consumer, const Outcome &trouble)
     return {true};
 }
 
-// With MQGMO_WAIT and an interval, a consumer that asks for events hears when it has passed.
+// With MQGMO_WAIT, a consumer that asks for events hears when its interval has passed; with an interval of 0 it hears
+// once, until it has had a message again.
 Consumers::Turn Consumers::nothingFor(Consumer &consumer)
 {
     const MQGMO &gmo = consumer.request.gmo;
     consumer.told = MQRC_NONE;
-    if ((gmo.Options & MQGMO_WAIT) == 0 || gmo.WaitInterval <= 0 || !consumer.wants(MQCBDO_EVENT_CALL)) return {};
-    if (Clock::now() < consumer.waitingSince + std::chrono::milliseconds(gmo.WaitInterval)) return {};
+    if (!waitsForEvents(gmo, consumer.request.callback) || gmo.WaitInterval < 0) return {};
+    if (gmo.WaitInterval == 0) {
+        if (!std::exchange(consumer.hearsOfNone, false)) return {};
+    } else if (Clock::now() < consumer.waitingSince + std::chrono::milliseconds(gmo.WaitInterval)) {
+        return {};
+    }
     call(consumer, MQCBCT_EVENT_CALL, failure(MQRC_NO_MSG_AVAILABLE), MQCS_NONE);
     consumer.waitingSince = std::max(Clock::now(), consumer.waitingSince + 1ms);
     return {true};
+}
+
+bool Consumers::isInhibited(const Consumer &consumer) const
+{
+    const core::ConnectionUse use(hconn_);
+    if (use.outcome().failed()) return false;
+    core::OpenObject *object = use->handles.find(consumer.request.hobj);
+    if (object == nullptr || object->hold.queue == nullptr) return false;
+    return !use->catalog.refresh(object->hold).failed() && object->hold.queue->inhibitGet == MQQA_GET_INHIBITED;
 }
 
 // Which queues the consumers have, and whether something may bring them a message that wakes nobody: the death of who
@@ -288,7 +340,7 @@ store::Deadline Consumers::whenToLookAgain(const List &consumers) const
             continue;
         }
         const MQGMO &gmo = consumer->request.gmo;
-        if ((gmo.Options & MQGMO_WAIT) != 0 && gmo.WaitInterval > 0 && consumer->wants(MQCBDO_EVENT_CALL))
+        if (waitsForEvents(gmo, consumer->request.callback) && gmo.WaitInterval > 0)
             until = std::min(until, consumer->waitingSince + std::chrono::milliseconds(gmo.WaitInterval));
     }
     return until;

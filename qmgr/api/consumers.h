@@ -25,8 +25,17 @@ struct ConsumerRequest {
     core::Callback callback;
     MQLONG maxMsgLength = MQCBD_FULL_MSG_LENGTH;
     MQMD md = {MQMD_DEFAULT}; // as the program gave it, up to its Version
+    bool describes = true;    // the consumer is shown a descriptor
     MQGMO gmo = {MQGMO_DEFAULT};
 };
+
+// Browsing, a consumer is shown with MQGMO_BROWSE_FIRST the first message each time, with MQGMO_BROWSE_NEXT each
+// message once, and with both together each one once from the start of the queue on.
+inline constexpr MQLONG startThenGoOn = MQGMO_BROWSE_FIRST | MQGMO_BROWSE_NEXT;
+inline constexpr MQLONG setsMark = MQGMO_MARK_BROWSE_HANDLE | MQGMO_MARK_BROWSE_CO_OP;
+
+// What the next MQGET for the consumer asks for; `browsed`: it has been shown a message.
+MQGMO nextGet(const ConsumerRequest &request, bool browsed);
 
 class Consumers : public core::Consuming {
 public:
@@ -52,6 +61,7 @@ private:
         std::atomic<bool> gone{false};
         bool started = false;           // it has had its start call
         bool browsed = false;           // the first message
+        bool hearsOfNone = true;        // an interval of 0: that there is no message is told once
         MQLONG told = MQRC_NONE;        // the reason that it was told of last
         Clock::time_point waitingSince; // for a message
         Clock::time_point notBefore;    // the next attempt after a passing trouble
@@ -62,16 +72,19 @@ private:
 
     List list() const;
     std::shared_ptr<Consumer> find(MQHOBJ hobj) const;
-    void call(const Consumer &consumer, MQLONG type, const Outcome &what, MQLONG state) const;
+    void call(const Consumer &consumer, MQLONG type, const Outcome &what, MQLONG state) const noexcept;
     // A turn of one consumer.
     struct Turn {
         bool called = false;
         MQLONG ended = MQRC_NONE;
     };
+    void complete(MQCBC &context, const Consumer &consumer) const noexcept;
+    void deliver(const Consumer &consumer, MQMD &md, MQGMO &gmo, MQCBC &context) noexcept;
     bool roomFor(std::size_t bytes);
     Turn turnOf(Consumer &consumer);
     Turn tell(Consumer &consumer, const Outcome &trouble);
     Turn nothingFor(Consumer &consumer);
+    bool isInhibited(const Consumer &consumer) const;
     bool lookAtQueues(const List &consumers);
     store::Deadline whenToLookAgain(const List &consumers) const;
 

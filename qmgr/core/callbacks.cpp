@@ -3,6 +3,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -223,7 +224,8 @@ bool Callbacks::onThreadOf(MQHCONN hconn)
     return ofThisThread != nullptr && ofThisThread->hconn_ == hconn;
 }
 
-MQLONG Callbacks::invoke(const Call &call) const
+// What the program's function throws nobody could catch.
+MQLONG Callbacks::invoke(const Call &call) const noexcept
 {
     MQCBC context{};
     std::memcpy(context.StrucId, MQCBC_STRUC_ID, sizeof context.StrucId);
@@ -340,9 +342,12 @@ Outcome Callbacks::start(std::unique_lock<std::mutex> &lock, MQLONG operation, M
     waits_ = waits;
     wanted_ = Stage::Started;
     wake();
-    bool done = await(lock, [this, starts = starts_] { return starts_ != starts; });
-    const bool refused = startRefused_;
-    if (done && (waits || refused))
+    // Another thread may stop it before it has begun.
+    const std::uint64_t before = starts_;
+    bool done = await(lock, [&] { return starts_ != before || (wanted_ != Stage::Started && !consumes_); });
+    const bool began = starts_ != before;
+    const bool refused = !began || startRefused_;
+    if (done && began && (waits || refused))
         done = await(lock, [this] { return stage_ != Stage::Started && stage_ == wanted_; });
     waits_ = false;
     if (!done) return failure(MQRC_HCONN_ERROR);
@@ -406,32 +411,47 @@ store::Deadline Callbacks::consumeOnce(std::unique_lock<std::mutex> &lock, const
     return done.again;
 }
 
+// One thing that there is to do, or a sleep. False at the end of the connection.
+bool Callbacks::runOnce(std::unique_lock<std::mutex> &lock)
+{
+    if (!calls_.empty()) {
+        makeCall(lock);
+        return true;
+    }
+    if (ending_) return false;
+    const store::Watch watch = watch_;
+    const std::uint32_t observed = watch.observe();
+    if (tellState()) return true;
+    if (mustReconnect()) {
+        reconnect(lock);
+        return true;
+    }
+    if (wanted_ != stage_) {
+        changeStage(lock);
+        return true;
+    }
+    const store::Deadline until = stage_ == Stage::Started ? consumeOnce(lock, watch) : store::unlimitedWait;
+    if (!calls_.empty() || ending_ || wanted_ != stage_) return true;
+    lock.unlock();
+    watch.sleep(observed, until);
+    lock.lock();
+    return true;
+}
+
 void Callbacks::run()
 {
     ofThisThread = this;
     std::unique_lock lock(mutex_);
     for (;;) {
-        if (!calls_.empty()) {
-            makeCall(lock);
-            continue;
+        try {
+            if (!runOnce(lock)) return;
+        } catch (const std::bad_alloc &) {
+            // Nobody is there to be told. Whatever it was is tried again.
+            if (!lock.owns_lock()) lock.lock();
+            running_ = false;
+            changed_.notify_all();
+            changed_.wait_for(lock, busyPause);
         }
-        if (ending_) return;
-        const store::Watch watch = watch_;
-        const std::uint32_t observed = watch.observe();
-        if (tellState()) continue;
-        if (mustReconnect()) {
-            reconnect(lock);
-            continue;
-        }
-        if (wanted_ != stage_) {
-            changeStage(lock);
-            continue;
-        }
-        const store::Deadline until = stage_ == Stage::Started ? consumeOnce(lock, watch) : store::unlimitedWait;
-        if (!calls_.empty() || ending_ || wanted_ != stage_) continue;
-        lock.unlock();
-        watch.sleep(observed, until);
-        lock.lock();
     }
 }
 

@@ -110,9 +110,10 @@ private:
     };
 
     void run();
+    bool runOnce(std::unique_lock<std::mutex> &lock);
     Outcome startThread();
     void makeCall(std::unique_lock<std::mutex> &lock);
-    MQLONG invoke(const Call &call) const;
+    MQLONG invoke(const Call &call) const noexcept;
     void postEvent(const Outcome &what);
     void ask(std::unique_lock<std::mutex> &lock, const Outcome &what, Answer &answer);
     bool letGo();

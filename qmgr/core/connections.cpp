@@ -25,6 +25,8 @@ struct ConnectionEntry {
     std::atomic<std::uint32_t> special{0};
     // Consumers of messages have the connection: only the thread that calls them may use it.
     std::atomic<bool> consumes{false};
+    // The thread of the library has the connection, to reconnect it.
+    std::atomic<bool> library{false};
     // The handle that is being disconnected; a futex word.
     std::atomic<MQHCONN> leaving{0};
 };
@@ -125,6 +127,7 @@ MQHCONN addConnection(std::unique_ptr<Connection> connection)
     entry->special.store(neverBlocks ? special::neverBlocks : 0, std::memory_order_relaxed);
     entry->leaving.store(0, std::memory_order_relaxed);
     entry->consumes.store(false, std::memory_order_relaxed);
+    entry->library.store(false, std::memory_order_relaxed);
     entry->hconn = static_cast<MQHCONN>(number << placeBits | entry->place);
     connection->hconn = entry->hconn;
     connection->leaving = &entry->leaving;
@@ -147,28 +150,49 @@ ConnectionUse::ConnectionUse(MQHCONN hconn, When when) : outcome_(failure(MQRC_H
 
     bool waits = when != When::Free;
     if (const std::uint32_t found = entry->special.load(std::memory_order_relaxed); found != 0) [[unlikely]] {
-        if ((found & special::neverBlocks) != 0) waits = false;
         if ((found & special::hasCallbacks) != 0 && !Callbacks::mayWaitFor(hconn)) {
             outcome_ = failure(MQRC_CALL_IN_PROGRESS);
             return;
         }
-        if (entry->consumes && when == When::Mine && !Callbacks::onThreadOf(hconn)) {
+        // While consumers have the connection, only their thread and who stops it meet here.
+        const bool consumes = entry->consumes;
+        if (consumes && when == When::Mine && !Callbacks::onThreadOf(hconn)) {
             outcome_ = failure(MQRC_HCONN_ASYNC_ACTIVE);
             return;
         }
+        if ((found & special::neverBlocks) != 0 && !consumes) waits = false;
     }
-    std::unique_lock lock(entry->inUse, std::defer_lock);
-    if (waits) {
-        lock.lock();
-    } else if (!lock.try_lock()) {
+    if (!take(*entry, hconn, when, waits)) {
         outcome_ = failure(MQRC_CALL_IN_PROGRESS);
         return;
     }
-    if (entry->hconn != hconn) return;
+    if (entry->hconn != hconn) {
+        lock_.unlock();
+        return;
+    }
     entry_ = entry;
     connection_ = entry->connection.get();
-    lock_ = std::move(lock);
+    if (when == When::Free) {
+        entry->library = true;
+        library_.flag = &entry->library;
+    }
     outcome_ = checkConnection(*connection_);
+}
+
+// Locks the connection. False where another call has it and there is no waiting for that.
+bool ConnectionUse::take(ConnectionEntry &entry, MQHCONN hconn, When when, bool waits)
+{
+    lock_ = std::unique_lock(entry.inUse, std::defer_lock);
+    if (waits) {
+        lock_.lock();
+        return true;
+    }
+    if (lock_.try_lock()) return true;
+    if (when == When::Free) return false;
+    if (!entry.library) return lock_.try_lock(); // it may have let go of it between the two looks
+    if (when == When::Leaving) announceRemoval(hconn);
+    lock_.lock();
+    return true;
 }
 
 bool wasInterrupted(MQHCONN hconn, const Outcome &outcome)
@@ -191,9 +215,19 @@ std::shared_ptr<Callbacks> ConnectionUse::consumingCallbacks(MQHCONN hconn)
 void ConnectionUse::announceRemoval(MQHCONN hconn)
 {
     ConnectionEntry *entry = entryOf(hconn);
-    if (entry == nullptr || (entry->special.load(std::memory_order_relaxed) & special::neverBlocks) != 0) return;
+    if (entry == nullptr) return;
+    const bool neverBlocks = (entry->special.load(std::memory_order_relaxed) & special::neverBlocks) != 0;
+    if (neverBlocks && !entry->library && !entry->consumes) return;
     entry->leaving.store(hconn);
     store::futexWake(&entry->leaving);
+}
+
+void ConnectionUse::withdrawRemoval(MQHCONN hconn)
+{
+    ConnectionEntry *entry = entryOf(hconn);
+    if (entry == nullptr) return;
+    MQHCONN announced = hconn;
+    entry->leaving.compare_exchange_strong(announced, 0);
 }
 
 const std::shared_ptr<Callbacks> &ConnectionUse::callbacks()

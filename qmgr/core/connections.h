@@ -9,6 +9,7 @@
 // ever means a connection of the child.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -27,9 +28,10 @@ MQHCONN addConnection(std::unique_ptr<Connection> connection);
 class ConnectionUse {
 public:
     enum class When {
-        Mine,    // waits for its turn, unless the connection was made with MQCNO_HANDLE_SHARE_NO_BLOCK
-        Free,    // not found while another call uses the connection
+        Mine,    // waits for its turn; with MQCNO_HANDLE_SHARE_NO_BLOCK only for threads of the library
+        Free,    // not found while another call uses the connection; for a thread of the library
         Control, // like Mine, also while consumers of messages have the connection
+        Leaving, // like Control; ends a reconnection that it would wait for
     };
     explicit ConnectionUse(MQHCONN hconn, When when = When::Mine);
     // The end of a call is where requests to the queue manager are served.
@@ -58,12 +60,24 @@ public:
     static std::shared_ptr<Callbacks> consumingCallbacks(MQHCONN hconn);
 
     // Lets a reconnection end that the connection is in: it is about to be disconnected. Not with
-    // MQCNO_HANDLE_SHARE_NO_BLOCK: there the MQDISC is refused while the reconnection is in progress.
+    // MQCNO_HANDLE_SHARE_NO_BLOCK while a call of the program reconnects: there the MQDISC is refused.
     static void announceRemoval(MQHCONN hconn);
+    // It was refused.
+    static void withdrawRemoval(MQHCONN hconn);
 
 private:
+    bool take(ConnectionEntry &entry, MQHCONN hconn, When when, bool waits);
+
     ConnectionEntry *entry_ = nullptr;
     Connection *connection_ = nullptr;
+    // Raised while a thread of the library has the lock; lowered behind it, so that who meets the lock sees it.
+    struct Raised {
+        ~Raised()
+        {
+            if (flag != nullptr) *flag = false;
+        }
+        std::atomic<bool> *flag = nullptr;
+    } library_;
     std::unique_lock<std::mutex> lock_;
     Outcome outcome_;
 };

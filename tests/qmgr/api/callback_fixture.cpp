@@ -18,15 +18,17 @@ std::array<std::chrono::milliseconds, 1> testDelay{};
 
 } // namespace
 
-void MQENTRY Diary::callback(MQHCONN hconn, PMQVOID md, PMQVOID, PMQVOID buffer, PMQCBC context)
+void MQENTRY Diary::callback(MQHCONN hconn, PMQVOID md, PMQVOID gmo, PMQVOID buffer, PMQCBC context)
 {
     auto &diary = *static_cast<Diary *>(context->CallbackArea);
-    Told told{hconn, *context, {}, {MQMD_DEFAULT}};
+    Told told{hconn, *context, {}, {MQMD_DEFAULT}, {MQGMO_DEFAULT}, md != nullptr};
     const bool message = context->CallType == MQCBCT_MSG_REMOVED || context->CallType == MQCBCT_MSG_NOT_REMOVED;
     if (message) {
         const MQLONG length = std::min(context->DataLength, context->BufferLength);
         if (length > 0) told.body.assign(static_cast<const char *>(buffer), static_cast<std::size_t>(length));
         if (md != nullptr) std::memcpy(&told.md, md, MQMD_LENGTH_1);
+        if (gmo != nullptr && static_cast<MQGMO *>(gmo)->Version == MQGMO_CURRENT_VERSION)
+            std::memcpy(&told.gmo, gmo, sizeof told.gmo);
     }
     {
         const std::lock_guard lock(diary.mutex_);

@@ -18,6 +18,8 @@ struct Told {
     MQCBC context{};
     std::string body; // of a message
     MQMD md = {MQMD_DEFAULT};
+    MQGMO gmo = {MQGMO_DEFAULT};
+    bool described = false; // it came with a descriptor
 };
 
 // What a callback was told. Outlives the registration.

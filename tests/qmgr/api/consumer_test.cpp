@@ -1,5 +1,5 @@
 // MQCTL and message consumers.
-#include "callback_fixture.h"
+#include "consumer_fixture.h"
 
 #include <atomic>
 #include <cstring>
@@ -13,55 +13,6 @@ namespace mqrig::qmgr::testing {
 namespace {
 
 using namespace std::chrono_literals;
-using Bodies = std::vector<std::string>;
-
-class Consumer : public CallbackTest {
-public:
-    static constexpr MQLONG everything = MQOO_INPUT_SHARED | MQOO_OUTPUT | MQOO_BROWSE | MQOO_INQUIRE;
-
-    Consumer()
-        : hconn(connect()), q1(open(hconn, "Q1", everything)), other(connect()), otherQ1(open(other, "Q1", everything))
-    {
-    }
-    // Nobody writes into a diary that is gone.
-    ~Consumer() override { disconnect(hconn); }
-
-    static MQCBD consumerInto(Diary &diary, MQLONG options = MQCBDO_NONE)
-    {
-        MQCBD cbd = handlerInto(diary, options);
-        cbd.CallbackType = MQCBT_MESSAGE_CONSUMER;
-        return cbd;
-    }
-    static MQGMO gmo(MQLONG options = MQGMO_NO_SYNCPOINT)
-    {
-        MQGMO made = gmoWith(options, MQGMO_VERSION_2);
-        made.MatchOptions = MQMO_NONE;
-        return made;
-    }
-    Codes consume(MQLONG options = MQCBDO_NONE)
-    {
-        return manage(hconn, MQOP_REGISTER, consumerInto(diary, options), q1, {MQMD_DEFAULT}, gmo());
-    }
-    static Codes consumerOperation(MQHCONN hconn, MQLONG operation, MQHOBJ hobj)
-    {
-        Codes codes;
-        MQCB(hconn, operation, nullptr, hobj, nullptr, nullptr, &codes.CompCode, &codes.Reason);
-        return codes;
-    }
-    Bodies bodies(std::size_t count)
-    {
-        Bodies found;
-        for (const Told &told : diary.entries(count))
-            found.push_back(told.body);
-        return found;
-    }
-
-    Diary diary;
-    MQHCONN hconn;
-    MQHOBJ q1;
-    MQHCONN other;
-    MQHOBJ otherQ1;
-};
 
 TEST_F(Consumer, GetsWhatIsThereAndWhatComesWhenItIsStarted)
 {
@@ -317,19 +268,6 @@ TEST_F(Consumer, TruncatedMessagesAreRemovedWhereAccepted)
     EXPECT_EQ(diary.entries(1)[0].context.CallType, MQCBCT_MSG_REMOVED);
 }
 
-TEST_F(Consumer, BrowsingShowsEachMessageOnce)
-{
-    manage(hconn, MQOP_REGISTER, consumerInto(diary), q1, {MQMD_DEFAULT}, gmo(MQGMO_BROWSE_FIRST));
-    put(other, otherQ1, "1");
-    put(other, otherQ1, "2");
-    control(hconn, MQOP_START);
-    diary.entries(2);
-    put(other, otherQ1, "3");
-    EXPECT_EQ(bodies(3), (Bodies{"1", "2", "3"}));
-    EXPECT_EQ(diary.entries(3)[2].context.CallType, MQCBCT_MSG_NOT_REMOVED);
-    EXPECT_EQ(depth("Q1"), 3);
-}
-
 TEST_F(Consumer, SeesWhoseMarkRunsOut)
 {
     alterQueueManager({{MQIA_MSG_MARK_BROWSE_INTERVAL, 300}});
@@ -367,31 +305,6 @@ TEST_F(Consumer, TheSelectionHoldsForEachMessage)
     put(other, otherQ1, "nor this");
     put(other, otherQ1, "and this", wanted);
     EXPECT_EQ(bodies(2), (Bodies{"this", "and this"}));
-}
-
-TEST_F(Consumer, AnIntervalWithoutMessagesIs2033WhereAskedFor)
-{
-    MQGMO waiting = gmo(MQGMO_NO_SYNCPOINT | MQGMO_WAIT);
-    waiting.WaitInterval = 20;
-    manage(hconn, MQOP_REGISTER, consumerInto(diary, MQCBDO_EVENT_CALL), q1, {MQMD_DEFAULT}, waiting);
-    control(hconn, MQOP_START);
-    const Told told = diary.entries(2)[1];
-    EXPECT_EQ(told.context.CallType, MQCBCT_EVENT_CALL);
-    EXPECT_EQ(told.context.Reason, MQRC_NO_MSG_AVAILABLE);
-}
-
-TEST_F(Consumer, InhibitedGetsAreToldOnceAndPass)
-{
-    consume(MQCBDO_EVENT_CALL);
-    alterQueue("Q1", {{MQIA_INHIBIT_GET, MQQA_GET_INHIBITED}});
-    control(hconn, MQOP_START);
-    const Told told = diary.entries(1)[0];
-    EXPECT_EQ(told.context.CallType, MQCBCT_EVENT_CALL);
-    EXPECT_EQ(told.context.Reason, MQRC_GET_INHIBITED);
-    EXPECT_EQ(told.context.State, MQCS_SUSPENDED_TEMPORARY);
-    put(other, otherQ1, "x");
-    alterQueue("Q1", {{MQIA_INHIBIT_GET, MQQA_GET_ALLOWED}});
-    EXPECT_EQ(bodies(2)[1], "x");
 }
 
 TEST_F(Consumer, QuiescingSuspendsWhoAskedForIt)
@@ -488,25 +401,54 @@ TEST_F(Consumer, StartWaitInACallbackIs2012)
     disconnect(hconn); // before what the callback uses goes
 }
 
-// ---- What is refused ----
+// ---- Several threads ----
 
-TEST_F(Consumer, BadHandlesAndOptions)
+TEST_F(Consumer, AStopBeforeTheStartHasBegunEndsItsWaiting)
 {
-    const MQCBD cbd = consumerInto(diary);
-    const MQMD md = {MQMD_DEFAULT};
-    EXPECT_EQ(manage(hconn, MQOP_REGISTER, cbd, 4711, md, gmo()), failed(MQRC_HOBJ_ERROR));
-    const MQHOBJ output = open(hconn, "Q1", MQOO_OUTPUT);
-    EXPECT_EQ(manage(hconn, MQOP_REGISTER, cbd, output, md, gmo()), failed(MQRC_NOT_OPEN_FOR_INPUT));
-    EXPECT_EQ(manage(hconn, MQOP_REGISTER, cbd, output, md, gmo(MQGMO_BROWSE_NEXT)), failed(MQRC_NOT_OPEN_FOR_BROWSE));
-    EXPECT_EQ(manage(hconn, MQOP_REGISTER, cbd, q1, md, gmo(MQGMO_MSG_UNDER_CURSOR)), failed(MQRC_OPTIONS_ERROR));
-    MQMD badMd = md;
-    badMd.Version = 9;
-    EXPECT_EQ(manage(hconn, MQOP_REGISTER, cbd, q1, badMd, gmo()), failed(MQRC_MD_ERROR));
-    MQGMO badGmo = gmo();
-    badGmo.StrucId[0] = 'x';
-    EXPECT_EQ(manage(hconn, MQOP_REGISTER, cbd, q1, md, badGmo), failed(MQRC_GMO_ERROR));
-    EXPECT_EQ(consumerOperation(hconn, MQOP_SUSPEND, q1), failed(MQRC_CALLBACK_NOT_REGISTERED));
+    consume();
+    // The library's thread is busy meanwhile.
+    std::promise<void> goOn;
+    Diary handler;
+    handler.then = [&](MQHCONN, MQCBC &) { goOn.get_future().wait(); };
+    auto registered = std::async(
+        std::launch::async, [&] { return manage(hconn, MQOP_REGISTER, handlerInto(handler, MQCBDO_REGISTER_CALL)); });
+    handler.entries(1);
+    for (const MQLONG start : {MQOP_START, MQOP_START_WAIT}) {
+        auto started = std::async(std::launch::async, [&] { return control(hconn, start); });
+        EXPECT_EQ(started.wait_for(50ms), std::future_status::timeout);
+        EXPECT_EQ(control(hconn, MQOP_STOP), ok);
+        EXPECT_EQ(started.get(), failed(MQRC_CONNECTION_STOPPED));
+    }
+    goOn.set_value();
+    EXPECT_EQ(registered.get(), ok);
+    EXPECT_EQ(commit(hconn), ok);
+    disconnect(hconn); // before what the callback uses goes
 }
+
+TEST_F(Consumer, WhoNeverBlocksMayStillStopAndSuspendIt)
+{
+    constexpr int messages = 300;
+    for (int i = 0; i < messages; ++i)
+        put(other, otherQ1, "x");
+    MQHCONN its = connectWith(MQCNO_HANDLE_SHARE_NO_BLOCK);
+    const MQHOBJ hobj = open(its, "Q1", everything);
+    // Both the thread of the library and the callbacks use the connection all the time.
+    diary.then = [](MQHCONN called, MQCBC &) { EXPECT_EQ(commit(called), ok); };
+    manage(its, MQOP_REGISTER, consumerInto(diary), hobj, {MQMD_DEFAULT}, gmo());
+    EXPECT_EQ(control(its, MQOP_START), ok);
+    while (diary.size() < messages) {
+        std::this_thread::sleep_for(1ms);
+        ASSERT_EQ(control(its, MQOP_SUSPEND), ok);
+        ASSERT_EQ(control(its, MQOP_RESUME), ok);
+        ASSERT_EQ(control(its, MQOP_STOP), ok);
+        ASSERT_EQ(control(its, MQOP_START), ok);
+    }
+    put(other, otherQ1, "last");
+    EXPECT_EQ(bodies(messages + 1).back(), "last");
+    EXPECT_EQ(disconnect(its), ok);
+}
+
+// ---- What is refused ----
 
 TEST_F(Consumer, BadControl)
 {

@@ -93,6 +93,29 @@ TEST_F(Reconnect, ADisconnectThatWasRefusedChangesNothing)
     EXPECT_EQ(disconnect(impatient), ok);
 }
 
+TEST_F(Reconnect, WhoNeverBlocksWaitsForTheLibrarysOwnThread)
+{
+    MQHCONN impatient = connectWith(MQCNO_RECONNECT_Q_MGR | MQCNO_HANDLE_SHARE_NO_BLOCK);
+    const MQHOBJ its = open(impatient, "Q1", everything);
+    manage(impatient, MQOP_REGISTER, handlerInto(diary));
+    endToReconnect();
+    diary.entries(1);
+    auto call = std::async(std::launch::async, [&] { return put(impatient, its, "late"); });
+    EXPECT_EQ(call.wait_for(100ms), std::future_status::timeout);
+    start();
+    EXPECT_EQ(call.get(), ok);
+    EXPECT_EQ(disconnect(impatient), ok);
+}
+
+TEST_F(Reconnect, WhoNeverBlocksMayDisconnectFromTheLibrarysOwnThread)
+{
+    MQHCONN impatient = connectWith(MQCNO_RECONNECT_Q_MGR | MQCNO_HANDLE_SHARE_NO_BLOCK);
+    manage(impatient, MQOP_REGISTER, handlerInto(diary));
+    endToReconnect();
+    diary.entries(1);
+    EXPECT_EQ(disconnect(impatient), failed(MQRC_CONNECTION_BROKEN));
+}
+
 TEST_F(Reconnect, AFirstCallThatUsesTheConnectionDoesNotHoldItUp)
 {
     diary.then = [](MQHCONN its, MQCBC &context) {
@@ -309,6 +332,63 @@ TEST_F(Reconnect, HandlesKeepTheirNumbersAndOptions)
     EXPECT_EQ(value, 9);
     MQHOBJ closing = output;
     EXPECT_EQ(close(hconn, closing), ok);
+}
+
+TEST_F(Reconnect, ATemporaryDynamicQueueIsMadeAgain)
+{
+    define(objects::ObjectKind::ModelQueue, "MODEL", {}, {{MQIA_MAX_Q_DEPTH, 2}});
+    MQOD od = {MQOD_DEFAULT};
+    setText(od.ObjectName, "MODEL");
+    setText(od.DynamicQName, "REPLY.*");
+    MQHOBJ reply = MQHO_UNUSABLE_HOBJ;
+    ASSERT_EQ(tryOpen(hconn, od, MQOO_INPUT_EXCLUSIVE | MQOO_OUTPUT, reply), ok);
+    const std::string name = text(od.ObjectName);
+    EXPECT_EQ(put(hconn, reply, "gone with it"), ok);
+    endToReconnect();
+    start();
+    EXPECT_EQ(get(hconn, reply).codes, failed(MQRC_NO_MSG_AVAILABLE));
+    const MQHCONN other = connect();
+    EXPECT_EQ(openCodes(other, name, MQOO_INPUT_SHARED), failed(MQRC_OBJECT_IN_USE));
+    const MQHOBJ answers = open(other, name, MQOO_OUTPUT);
+    EXPECT_EQ(put(other, answers, "1"), ok);
+    EXPECT_EQ(put(other, answers, "2"), ok);
+    EXPECT_EQ(put(other, answers, "3"), failed(MQRC_Q_FULL));
+    EXPECT_EQ(get(hconn, reply).body, "1");
+    EXPECT_EQ(close(hconn, reply), ok);
+    EXPECT_EQ(openCodes(other, name, MQOO_OUTPUT), failed(MQRC_UNKNOWN_OBJECT_NAME));
+}
+
+TEST_F(Reconnect, APermanentDynamicQueueIsOpenedAgain)
+{
+    define(objects::ObjectKind::ModelQueue, "MODEL", {}, {{MQIA_DEFINITION_TYPE, MQQDT_PERMANENT_DYNAMIC}});
+    MQOD od = {MQOD_DEFAULT};
+    setText(od.ObjectName, "MODEL");
+    setText(od.DynamicQName, "MINE");
+    MQHOBJ mine = MQHO_UNUSABLE_HOBJ;
+    ASSERT_EQ(tryOpen(hconn, od, MQOO_INPUT_SHARED | MQOO_OUTPUT, mine), ok);
+    EXPECT_EQ(put(hconn, mine, "kept", persistentMd()), ok);
+    endToReconnect();
+    start();
+    EXPECT_EQ(get(hconn, mine).body, "kept");
+    Codes codes;
+    MQCLOSE(hconn, &mine, MQCO_DELETE, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, ok);
+    EXPECT_EQ(openCodes(connect(), "MINE", MQOO_OUTPUT), failed(MQRC_UNKNOWN_OBJECT_NAME));
+}
+
+TEST_F(Reconnect, ATemporaryDynamicQueueWithoutItsModelIs2548)
+{
+    define(objects::ObjectKind::ModelQueue, "MODEL", {}, {});
+    MQOD od = {MQOD_DEFAULT};
+    setText(od.ObjectName, "MODEL");
+    setText(od.DynamicQName, "MINE");
+    MQHOBJ mine = MQHO_UNUSABLE_HOBJ;
+    ASSERT_EQ(tryOpen(hconn, od, MQOO_INPUT_SHARED, mine), ok);
+    deleteQueue("MODEL");
+    endToReconnect();
+    start();
+    EXPECT_EQ(put(hconn, q1, "x"), failed(MQRC_RECONNECT_FAILED));
+    EXPECT_EQ(openCodes(connect(), "MINE", MQOO_OUTPUT), failed(MQRC_UNKNOWN_OBJECT_NAME));
 }
 
 TEST_F(Reconnect, ExclusiveUseIsTakenAgain)
