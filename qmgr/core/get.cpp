@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <optional>
+#include <utility>
 
 #include "qmgr/core/command_server.h"
 #include "qmgr/core/delivery.h"
@@ -42,19 +43,36 @@ store::Deadline deadlineOf(const GetRequest &request)
     return std::chrono::steady_clock::now() + std::chrono::milliseconds(request.waitInterval);
 }
 
-// The message waited for may be a reply to a request that nobody serves yet. While another program serves, its death
-// would go unnoticed in a long sleep.
-store::Deadline endOfSleep(Connection &connection, store::Deadline deadline)
-{
-    constexpr std::chrono::milliseconds watchInterval{100};
-    if (!connection.store->requestsWaiting() || serveRequests(connection) == Served::Done) return deadline;
-    return std::min(deadline, std::chrono::steady_clock::now() + watchInterval);
-}
+// The message waited for may be a reply to a request that nobody serves yet. While another program serves, or is about
+// to, its death would go unnoticed in a long sleep.
+class RequestWatch {
+public:
+    explicit RequestWatch(Connection &connection) : connection_(connection) {}
+
+    // Before each sleep: when to look up from it.
+    store::Deadline endOfSleep(store::Deadline deadline)
+    {
+        constexpr std::chrono::milliseconds watchInterval{100};
+        const bool knew = std::exchange(knows_, connection_.store->requestsWaiting());
+        const bool slept = std::exchange(slept_, true);
+        if (!knows_) return deadline;
+        // Those that came up while this one slept are being served by who has put them, as a rule.
+        const bool cameUp = slept && !knew;
+        if (!cameUp && serveRequests(connection_) == Served::Done) return deadline;
+        return std::min(deadline, std::chrono::steady_clock::now() + watchInterval);
+    }
+
+private:
+    Connection &connection_;
+    bool slept_ = false;
+    bool knows_ = false;
+};
 
 Outcome lookUntilFound(Connection &connection, OpenObject &object, const GetRequest &request, GotMessage &got)
 {
     const bool waits = request.has(MQGMO_WAIT) && request.waitInterval != 0;
     std::optional<store::Deadline> deadline;
+    RequestWatch requests(connection);
     for (;;) {
         // Where messages for others come all the time, no sleep ever lasts until the deadline: it ends the looking.
         const bool lastLook = deadline && std::chrono::steady_clock::now() >= *deadline;
@@ -69,7 +87,7 @@ Outcome lookUntilFound(Connection &connection, OpenObject &object, const GetRequ
         if (look.held && connection.store->releaseDead()) continue;
         if (!waits || lastLook) return look.outcome;
         if (!deadline) deadline = deadlineOf(request);
-        store::Deadline until = endOfSleep(connection, *deadline);
+        store::Deadline until = requests.endOfSleep(*deadline);
         if (look.again)
             until = std::min(until, std::chrono::steady_clock::now() + std::chrono::microseconds(*look.again));
         if (!connection.store->waitForMessage(queue, observed, until) && until == *deadline) return look.outcome;

@@ -31,9 +31,10 @@ inline bool futexWait(const void *word, std::uint32_t seen, std::chrono::steady_
     return answer == 0 || errno != ETIMEDOUT;
 }
 
-inline void futexWake(const void *word, int howMany = INT_MAX)
+// How many have been woken.
+inline long futexWake(const void *word, int howMany = INT_MAX)
 {
-    syscall(SYS_futex, word, FUTEX_WAKE, howMany, nullptr, nullptr, 0);
+    return syscall(SYS_futex, word, FUTEX_WAKE, howMany, nullptr, nullptr, 0);
 }
 
 } // namespace mqrig::qmgr::store

@@ -7,13 +7,32 @@
 // message, visible or held. Both run under the live state's one writer lock, so either the lowering sees the message
 // or the raising comes after it. Too high costs a look, too low cannot be.
 //
+// Sleepers that wait for a message are no help against a killed server as long as they sleep, so one of them is woken
+// when the word is raised (waiting.cpp).
+//
 // The turn is a robust mutex: requests are served one after the other in the order of their queue, and when a server
 // is killed the next one to ask has the turn.
 #include <cerrno>
 
+#include "qmgr/store/futex.h"
 #include "qmgr/store/store.h"
 
 namespace mqrig::qmgr::store {
+
+namespace {
+
+// Whatever it sleeps for. Of those that were killed nobody wakes.
+void wakeOneSleeper(ControlBlock &control)
+{
+    for (std::uint32_t number = 0; number < control.slotLimit; ++number) {
+        const std::uint32_t cell = control.slots[number].waitsOn;
+        if (cell == 0) continue;
+        control.cells[cell - 1].word.fetch_add(1);
+        if (futexWake(&control.cells[cell - 1].word, 1) > 0) return;
+    }
+}
+
+} // namespace
 
 void Store::setRequestQueue(QueueId queue)
 {
@@ -24,7 +43,7 @@ void Store::noteRequests(std::span<const QueueId> queues)
 {
     const QueueId requests = control().requestQueue.load(std::memory_order_relaxed);
     for (const QueueId queue : queues)
-        if (queue == requests) control().requestsWaiting = 1;
+        if (queue == requests && control().requestsWaiting.exchange(1) == 0) wakeOneSleeper(control());
 }
 
 bool Store::noRequestsLeft()

@@ -13,6 +13,12 @@
 // what a killed process made visible without waking it, it finds when somebody cleans up behind that process and wakes
 // everybody (slots.cpp).
 //
+// A sleeper may wait for what a request to the queue manager brings, and a request is served by whoever has put it,
+// unless that one is killed. So while requests wait no sleep lasts longer than those 500 ms, and the first one that
+// waits wakes one sleeper, of any queue, before it becomes visible (requests.cpp). Who is about to sleep counts itself
+// first and then looks whether requests wait; who raises `requestsWaiting` then looks for sleepers: so one of the two
+// notices the other.
+//
 // A connection's own thread, which calls the callbacks of its program, sleeps on a word of its slot instead (watch.h),
 // because it waits for several things at once. It marks the cells of its queues; whoever wakes the getters of a marked
 // cell raises the words of the slots that watch it, and takes the mark off.
@@ -114,10 +120,13 @@ bool Store::waitForMessage(std::uint32_t slot, QueueId queue, std::uint32_t obse
         // that is too low would let sleepers be forgotten, one that is too high costs a needless call.
         cell.waiters.fetch_add(1);
         own.waitsOn = queue % waitCells + 1;
+        const bool requests = control().requestsWaiting != 0;
+        if (requests) until = std::min(until, std::chrono::steady_clock::now() + watchInterval);
         const bool woken = futexWait(&cell.word, observed, until);
         own.waitsOn = 0;
         cell.waiters.fetch_sub(1);
 
+        if (!woken && requests && std::chrono::steady_clock::now() < deadline) return true;
         if (woken || !watching) continue;
         if (releaseDead()) return true;
         if (anyPrepared() && !finishPrepared().failed() && cell.word != observed) return true;

@@ -682,6 +682,44 @@ TEST_P(KilledServer, WhileAnotherProgramWaitsForTheReplyIsReplacedByIt)
     ::close(taken[1]);
 }
 
+// The getter sleeps before there is any request, and nobody makes another call.
+TEST_P(KilledServer, IsReplacedByAGetterThatHasSleptAllTheTime)
+{
+    std::vector<store::Step> steps = {store::Step::RequestTaken, store::Step::RequestRun};
+    // Visible, and not yet taken.
+    if (GetParam() == MQPER_PERSISTENT) steps.push_back(store::Step::UnitFlipped);
+    for (const store::Step step : steps) {
+        int go[2];
+        ASSERT_EQ(pipe(go), 0);
+        const pid_t sender = fork();
+        if (sender == 0) {
+            char mark = 0;
+            EXPECT_EQ(read(go[0], &mark, 1), 1);
+            MQHCONN other = connect();
+            static store::Step last;
+            last = step;
+            store::seams.reached = [](store::Step reached) {
+                if (reached == last) kill(getpid(), SIGKILL);
+            };
+            sendFrom(other, ping(), GetParam());
+            _exit(1);
+        }
+        std::thread killer([&] {
+            usleep(300000); // so that the get below sleeps, as a rule
+            EXPECT_EQ(write(go[1], "x", 1), 1);
+        });
+        MQGMO gmo = gmoWith(MQGMO_WAIT | MQGMO_NO_SYNCPOINT);
+        gmo.WaitInterval = 15000;
+        EXPECT_EQ(get(hconn, replies, {MQMD_DEFAULT}, gmo).codes, ok);
+        killer.join();
+        int status = 0;
+        waitpid(sender, &status, 0);
+        EXPECT_TRUE(WIFSIGNALED(status));
+        ::close(go[0]);
+        ::close(go[1]);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Persistence, KilledServer, ::testing::Values(MQPER_NOT_PERSISTENT, MQPER_PERSISTENT));
 
 TEST_F(CommandServer, RequestsOfManyProcessesAreEachServedOnce)
