@@ -55,7 +55,7 @@ Status dsp_message(RunParams *params, const void *data, MQLONG length, int kind,
 {
     if (kind == DisplayPutFile) return show_file_name(params, counter);
 
-    Head head = counter_head(counter);
+    Head head;
     if (kind == DisplayLogicalMessage) {
         head.text("logical message: ").number(number).text(" length: ");
     } else if (kind == DisplaySegment) {
@@ -69,6 +69,7 @@ Status dsp_message(RunParams *params, const void *data, MQLONG length, int kind,
     LockedSection locked(params);
     if (locked.status() != StatusOk) return StatusLocalFailure;
     dsp_timestamp(params);
+    counter_head(counter).write();
 
     // The way the message was entered decides its form; -raw and -hex speak of messages got.
     ShownBody body;
