@@ -18,6 +18,7 @@ constexpr Option endOptions[] = {
     {"-r", "", "end at once; programs that asked for it reconnect after the next start"},
 };
 constexpr Option deleteOptions[] = {{"-f", "", "end it at once first, if it is running"}};
+constexpr Option backupOptions[] = {{"-f", "", "replace FILE if it is there"}};
 constexpr Option mqscOptions[] = {
     {"-e", "COMMAND", "run this command instead of standard input; may be given several times"}};
 
@@ -49,6 +50,20 @@ constexpr Subcommand table[] = {
      "A line that begins with * is a comment; + or - at the end of a line continues it.\n"
      "Names in lower case stand between single quotes. END ends the input.\n",
      mqscCommand},
+    {"check", "NAME", 1, 1, noOptions, "verify the files of a queue manager",
+     "Reads everything and changes nothing, whether the queue manager runs or has ended: the\n"
+     "log with its definitions and persistent messages, and the live state of a running one.\n"
+     "One line for each finding, and one that sums up. Exit code 0: all is well; 3: there are\n"
+     "findings; 1: nothing could be verified.\n",
+     checkCommand},
+    {"backup", "NAME FILE", 2, 2, backupOptions, "write definitions and persistent messages to a file",
+     "The queue manager may run meanwhile; FILE has what was committed at one moment. It is\n"
+     "for its owner alone, and is there only when it is complete and verified.\n",
+     backupCommand},
+    {"restore", "NAME FILE", 2, 2, noOptions, "make a queue manager from a backup; it is running at once",
+     "FILE is a backup of a queue manager of the same name, which must not exist here (any\n"
+     "more). FILE is verified first.\n",
+     restoreCommand},
     {"explain", "REASON...", 1, 1000, noOptions, "say what a reason code means",
      "REASON is a number or a name: 2085, MQRC_UNKNOWN_OBJECT_NAME, MQRCCF_OBJECT_OPEN.\n", explainCommand},
 };
@@ -59,7 +74,7 @@ void printList(std::FILE *to)
     for (const Subcommand &row : table)
         std::fprintf(to, "  %-8s  %s\n", std::string(row.name).c_str(), std::string(row.summary).c_str());
     std::fputs("\nrigqm COMMAND --help tells more about a command.\n"
-               "Exit codes: 0 done, 1 failed, 2 wrong usage.\n",
+               "Exit codes: 0 done, 1 failed, 2 wrong usage, 3 check has findings.\n",
                to);
 }
 

@@ -49,6 +49,8 @@ int reportFailure(std::string_view queueManager, const qmgr::Outcome &outcome)
     const std::string meaning = meaningOf(outcome.Reason);
     if (!meaning.empty()) {
         text += meaning;
+        if (outcome.Reason == MQRC_UNEXPECTED_ERROR && !queueManager.empty())
+            text += " (rigqm check " + std::string(queueManager.substr(0, 48)) + " tells more)";
     } else {
         const auto reasons = reasonsOf(outcome.Reason);
         text += "reason " + std::to_string(outcome.Reason);

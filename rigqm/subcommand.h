@@ -18,6 +18,7 @@ namespace mqrig::rigqm {
 inline constexpr int exitOk = 0;
 inline constexpr int exitFailed = 1;
 inline constexpr int exitUsage = 2;
+inline constexpr int exitFindings = 3; // of `check`: something is wrong with the store
 
 struct Subcommand {
     std::string_view name;
@@ -36,6 +37,9 @@ int endCommand(const Arguments &arguments);
 int listCommand(const Arguments &arguments);
 int deleteCommand(const Arguments &arguments);
 int mqscCommand(const Arguments &arguments);
+int checkCommand(const Arguments &arguments);
+int backupCommand(const Arguments &arguments);
+int restoreCommand(const Arguments &arguments);
 int explainCommand(const Arguments &arguments);
 
 // ---- What they share ----

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# What takes longer than an everyday run: many kills, the whole suite under valgrind's eye, cppcheck, coverage.
-# Usage: scripts/long.sh [kills] [faults] [valgrind] [fuzz] [cppcheck] [coverage]   (all of them without an argument)
+# What takes longer than an everyday run: many kills, load, the whole suite under valgrind's eye, cppcheck, coverage.
+# Usage: scripts/long.sh [kills] [faults] [soak] [valgrind] [fuzz] [cppcheck] [coverage]   (all without an argument)
+# --soak is the same as soak. MQRIG_SOAK_SECONDS: of mixed work (default 3600), MQRIG_SOAK_DEEP: messages on one queue
+# (default 1000000).
 # MQRIG_KILL_ROUNDS: rounds of three kills each, at random moments and again at every named step (default 700).
 # MQRIG_FORWARDING_KILLS: kills of a run from queue to queue (default 200). MQRIG_FUZZ_SECONDS: the CPU time of each
 # fuzz target (default 600).
@@ -9,7 +11,7 @@ cd "$(dirname "$0")/.."
 . scripts/packages.sh
 
 steps=("$@")
-[ ${#steps[@]} -gt 0 ] || steps=(kills faults valgrind fuzz cppcheck coverage)
+[ ${#steps[@]} -gt 0 ] || steps=(kills faults soak valgrind fuzz cppcheck coverage)
 step() { echo "== $1 ($(date -u +%H:%M:%S))"; }
 
 need_packages $mqrig_long_packages
@@ -35,8 +37,15 @@ faults() {
     --faults build-asan/tests/faults tests/client/faults/runs.test
 }
 
+soak_run() {
+  step "load: ${MQRIG_SOAK_SECONDS:-3600} s of mixed work"
+  configure_and_build release -DMQRIG_TESTS=ON -- rigqm mqm_r soak
+  nice tests/load/soak.sh build/bin build/tests/bin/soak seconds="${MQRIG_SOAK_SECONDS:-3600}" \
+    deep="${MQRIG_SOAK_DEEP:-1000000}"
+}
+
 valgrind_run() {
-  step "valgrind over a put, a get, a browse and MQSC"
+  step "valgrind over a put, a get, a browse, MQSC, a check and a backup"
   configure_and_build debug -DMQRIG_BENCH=OFF -- mqrig rigqm mqm_r
   MQRIG_STORE=$(mktemp -d)
   export MQRIG_STORE
@@ -47,7 +56,14 @@ valgrind_run() {
   "${check[@]}" build-debug/bin/mqrig -qm QM1 -q Q1 -m hello -n 3 MQPMO_SYNCPOINT MQPER_PERSISTENT >/dev/null
   "${check[@]}" build-debug/bin/mqrig -qm QM1 -q Q1 -n 3 -brv >/dev/null
   "${check[@]}" build-debug/bin/mqrig -qm QM1 -q Q1 -n 3 MQGMO_SYNCPOINT >/dev/null
-  rm -rf "$MQRIG_STORE"
+  local backup
+  backup=$(mktemp -u)
+  "${check[@]}" build-debug/bin/rigqm backup QM1 "$backup" >/dev/null
+  "${check[@]}" build-debug/bin/rigqm check QM1
+  "${check[@]}" build-debug/bin/rigqm end QM1
+  "${check[@]}" build-debug/bin/rigqm delete QM1
+  "${check[@]}" build-debug/bin/rigqm restore QM1 "$backup"
+  rm -rf "$MQRIG_STORE" "$backup"
   unset MQRIG_STORE
   echo "no errors"
 }
@@ -108,6 +124,7 @@ for name in "${steps[@]}"; do
   case $name in
     kills) kills ;;
     faults) faults ;;
+    soak | --soak) soak_run ;;
     valgrind) valgrind_run ;;
     fuzz) fuzz_run ;;
     cppcheck) cppcheck_run ;;

@@ -15,7 +15,7 @@ namespace mqrig::qmgr::store {
 namespace {
 
 constexpr std::array<char, 8> magic{'M', 'Q', 'L', 'I', 'V', 'E', '\n', '\x1a'};
-constexpr std::uint32_t format = 5;
+constexpr std::uint32_t format = 6;
 
 class Descriptor {
 public:
@@ -104,11 +104,11 @@ std::unique_ptr<ControlMapping> ControlMapping::create(const std::filesystem::pa
 std::unique_ptr<ControlMapping> ControlMapping::open(const std::filesystem::path &live, int &error)
 {
     error = 0;
-    const Descriptor file(::open((live / "control").c_str(), O_RDWR | O_CLOEXEC));
+    const Descriptor file(::open((live / "control").c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
     struct stat control {};
     struct stat data {};
     if (file.get() < 0 || stat((live / "data.mdb").c_str(), &data) != 0 || fstat(file.get(), &control) != 0) {
-        if (errno != ENOENT && errno != ENOTDIR) error = errno;
+        if (errno != ENOENT && errno != ENOTDIR && errno != EISDIR && errno != ELOOP && errno != ENXIO) error = errno;
         return nullptr;
     }
     LifeStamp stamp{};

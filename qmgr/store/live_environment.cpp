@@ -178,6 +178,28 @@ Outcome LiveEnvironment::beginRead(MDB_txn *&txn)
     }
 }
 
+Outcome LiveEnvironment::beginReadOfPages(MDB_txn *&txn, const std::filesystem::path &data, PageHeads &heads)
+{
+    for (;;) {
+        if (const Outcome begun = beginRead(txn); begun.failed()) return begun;
+        MDB_txn *writer = nullptr; // inside the reader's gate: nothing is remapped between the two
+        int code = mdb_txn_begin(env_, nullptr, 0, &writer);
+        if (code == 0) {
+            mdb_txn_reset(txn);
+            code = mdb_txn_renew(txn);
+            const auto read = readPageHeads(data);
+            mdb_txn_abort(writer);
+            if (code == 0 && read) {
+                heads = *read;
+                return success();
+            }
+        }
+        endRead(txn);
+        txn = nullptr;
+        if (code != MDB_MAP_RESIZED) return code == 0 ? failure(MQRC_UNEXPECTED_ERROR) : outcomeOfLive(code);
+    }
+}
+
 void LiveEnvironment::endRead(MDB_txn *txn)
 {
     handOver(env_);

@@ -20,6 +20,7 @@
 #include <lmdb.h>
 
 #include "qmgr/store/control_block.h"
+#include "qmgr/store/live_pages.h"
 #include "qmgr/store/lock_file.h"
 #include "qmgr/store/outcome.h"
 
@@ -58,6 +59,8 @@ public:
 
     // Transactions. What begin gives must be handed to the end of the same kind, also after an error inside.
     Outcome beginRead(MDB_txn *&txn);
+    // The same on the latest state, with the heads of the file as they are now. Keeps writers waiting for a moment.
+    Outcome beginReadOfPages(MDB_txn *&txn, const std::filesystem::path &data, PageHeads &heads);
     void endRead(MDB_txn *txn);
     // Gets the one writer lock of the live state. `room`: bytes that the transaction may add, 0 if it may use the
     // space that is kept for getting messages out.
@@ -69,6 +72,10 @@ public:
     // Frees the reader slots of processes that died inside a read transaction: their snapshots keep pages from being
     // used again. Answers how many there were.
     int clearDeadReaders();
+
+    // The library has met pages that cannot be: nothing in there is to be believed any more.
+    void noteDamage() { damaged_.store(true, std::memory_order_relaxed); }
+    [[nodiscard]] bool damaged() const { return damaged_.load(std::memory_order_relaxed); }
 
     // After MDB_MAP_FULL, outside every transaction of this thread: makes the map larger by at least `room` bytes.
     // MQRC_STORAGE_NOT_AVAILABLE if the disk does not have them.
@@ -91,6 +98,7 @@ private:
     std::atomic<std::uint64_t> mapped_{0};
     bool broken_ = false;                      // has lost its map; under mapMutex_
     std::atomic<std::uint64_t> cannotGrow_{0}; // the size at which growing failed last
+    std::atomic<bool> damaged_{false};
     Gate gate_;
     std::mutex readersMutex_;
     std::vector<MDB_txn *> readers_; // reset, ready to be renewed

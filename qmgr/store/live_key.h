@@ -42,6 +42,10 @@ public:
     static LiveKey bodiesOf(QueueId queue) { return LiveKey('B').u32(queue); }
     static LiveKey indexesOf(QueueId queue) { return LiveKey('I').u32(queue); }
     static LiveKey holds() { return LiveKey('H'); }
+    static LiveKey messages() { return LiveKey('M'); }
+    static LiveKey bodies() { return LiveKey('B'); }
+    static LiveKey marks() { return LiveKey('C'); }
+    static LiveKey indexes() { return LiveKey('I'); }
     static LiveKey queue(QueueId queue) { return messagesOf(queue); }
     static LiveKey booking(std::uint32_t slot, QueueId queue) { return LiveKey('S').u32(slot).u32(queue); }
     static LiveKey bookingsOf(std::uint32_t slot) { return LiveKey('S').u32(slot); }

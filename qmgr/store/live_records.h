@@ -71,6 +71,20 @@ struct UnitRecord {
     std::uint64_t steps;
 };
 
+// Runs `act` on the key of every index record that the message has.
+template <class Act>
+void forEachIndex(const MessageKey &key, const MQMD &md, Act &&act)
+{
+    const auto isNoId = [](const MQBYTE *id) {
+        return std::all_of(id, id + 24, [](MQBYTE byte) { return byte == 0; });
+    };
+    if (!isNoId(md.MsgId)) act(LiveKey::indexed(key, Index::MsgId, md.MsgId));
+    if (!isNoId(md.CorrelId)) act(LiveKey::indexed(key, Index::CorrelId, md.CorrelId));
+    if (isNoId(md.GroupId)) return;
+    act(LiveKey::indexed(key, Index::GroupId, md.GroupId));
+    act(LiveKey::groupPlace(key.queue, {MessageId(md.GroupId), md.MsgSeqNumber, md.Offset}).place(key));
+}
+
 // A key as the library takes it.
 [[nodiscard]] inline MDB_val valueOf(const LiveKey &key)
 {

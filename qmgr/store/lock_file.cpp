@@ -35,8 +35,10 @@ LockFile::Opened LockFile::open(const std::filesystem::path &path)
     // Looked up before it is opened: a second descriptor could not be closed again without dropping every lock.
     if (stat(path.c_str(), &file) == 0) {
         if (const auto found = known.find(identity(file)); found != known.end()) return {found->second.get(), 0};
+        // Locks on something that others have open too would not be ours.
+        if (!S_ISREG(file.st_mode)) return {nullptr, EINVAL};
     }
-    const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     if (fd < 0 || fstat(fd, &file) != 0) return {nullptr, errno};
     auto &entry = known[identity(file)];
     if (!entry) entry.reset(new LockFile(fd));

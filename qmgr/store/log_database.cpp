@@ -9,44 +9,16 @@
 
 #include <sqlite3.h>
 
-#include "qmgr/store/checksum.h"
+#include "qmgr/store/log_format.h"
 #include "qmgr/store/seams.h"
 
 namespace mqrig::qmgr::store {
 
 namespace {
 
-constexpr int formatNumber = 1;
-constexpr std::uint64_t pageSize = 4096;
+using logFormat::pageSize;
 constexpr std::uint64_t aheadWindow = 2000 * (pageSize + 24); // the write-ahead file between two checkpoints
 constexpr int spaceStep = 1 << 20;
-constexpr int applicationId = 0x4d51524c; // "MQRL": tells file(1) and us that the file is a log of ours
-
-constexpr const char *schema = R"(
-CREATE TABLE queue_manager(
-    id INTEGER PRIMARY KEY CHECK(id = 1),
-    name TEXT NOT NULL,
-    state INTEGER NOT NULL,
-    generation INTEGER NOT NULL,
-    ticket INTEGER NOT NULL,
-    next_queue INTEGER NOT NULL,
-    sequence_base INTEGER NOT NULL);
-CREATE TABLE definitions(
-    type INTEGER NOT NULL,
-    name TEXT NOT NULL,
-    queue INTEGER NOT NULL,
-    bytes BLOB NOT NULL,
-    checksum INTEGER NOT NULL,
-    PRIMARY KEY(type, name)) WITHOUT ROWID;
-CREATE TABLE messages(
-    sequence INTEGER PRIMARY KEY,
-    queue INTEGER NOT NULL,
-    place INTEGER NOT NULL,
-    backouts INTEGER NOT NULL,
-    checksum INTEGER NOT NULL,
-    header BLOB NOT NULL,
-    body BLOB NOT NULL);
-)";
 
 constexpr std::array<const char *, 19> statementTexts{
     "BEGIN IMMEDIATE",
@@ -54,7 +26,9 @@ constexpr std::array<const char *, 19> statementTexts{
     "ROLLBACK",
     "INSERT INTO messages(sequence, queue, place, backouts, checksum, header, body) VALUES(?, ?, ?, ?, ?, ?, ?)",
     "DELETE FROM messages WHERE sequence = ?",
-    "UPDATE messages SET backouts = ? WHERE sequence = ?",
+    // The checksum without the old count and with the new one. (SQLite has no xor: a | b without a & b.)
+    "UPDATE messages SET backouts = ?1, checksum = (checksum | ((backouts | ?1) & ~(backouts & ?1)))"
+    " & ~(checksum & ((backouts | ?1) & ~(backouts & ?1))) WHERE sequence = ?2",
     "DELETE FROM messages WHERE queue = ?",
     "INSERT OR REPLACE INTO definitions(type, name, queue, bytes, checksum) VALUES(?, ?, ?, ?, ?)",
     "DELETE FROM definitions WHERE type = ? AND name = ?",
@@ -69,29 +43,6 @@ constexpr std::array<const char *, 19> statementTexts{
     "PRAGMA page_count",
     "PRAGMA freelist_count",
 };
-
-Outcome outcomeOfLog(int code)
-{
-    switch (code & 0xff) {
-    case SQLITE_OK:
-    case SQLITE_ROW:
-    case SQLITE_DONE:
-        return success();
-    case SQLITE_FULL:
-    case SQLITE_BUSY:
-        return failure(MQRC_STORAGE_NOT_AVAILABLE);
-    case SQLITE_NOMEM:
-        return failure(MQRC_RESOURCE_PROBLEM);
-    case SQLITE_PERM:
-    case SQLITE_READONLY:
-    case SQLITE_AUTH:
-        return failure(MQRC_NOT_AUTHORIZED);
-    case SQLITE_CANTOPEN:
-        return failure(errno == EACCES ? MQRC_NOT_AUTHORIZED : MQRC_STORAGE_NOT_AVAILABLE);
-    default:
-        return failure(MQRC_UNEXPECTED_ERROR);
-    }
-}
 
 // Repeats while SQLite finds its locks taken, for a few seconds at most.
 template <class Act>
@@ -141,26 +92,15 @@ void bindText(sqlite3_stmt *statement, int index, std::string_view text)
     sqlite3_bind_text(statement, index, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
 }
 
-std::uint64_t checksumOfMessage(const MessageKey &key, std::span<const std::byte> header,
-                                std::span<const std::byte> body)
-{
-    const std::uint64_t seed = key.sequence ^ (std::uint64_t{key.queue} << 8 | key.order) * 0x9e3779b97f4a7c15;
-    return checksumOf(body, checksumOf(header, seed));
-}
-
-std::uint64_t checksumOfDefinition(MQLONG type, std::string_view name, QueueId queue, std::string_view bytes)
-{
-    const std::uint64_t seed = static_cast<std::uint64_t>(type) << 32 | queue;
-    return checksumOf(std::as_bytes(std::span(bytes)), checksumOf(std::as_bytes(std::span(name)), seed));
-}
-
 } // namespace
 
 int LogDatabase::connect(const std::filesystem::path &file)
 {
     static_assert(statementTexts.size() == statements);
     constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
-    return sqlite3_open_v2(file.c_str(), &database_, flags, nullptr);
+    const int code = sqlite3_open_v2(file.c_str(), &database_, flags, nullptr);
+    if (code == SQLITE_OK) sqlite3_db_config(database_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    return code;
 }
 
 int LogDatabase::configure()
@@ -181,16 +121,18 @@ LogDatabase::Opened LogDatabase::create(const std::filesystem::path &file, std::
 {
     // Made first, for SQLite would let everybody read it. Its two companions take their permissions from it.
     const int fd = ::open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (fd < 0) return {outcomeOfLog(errno == ENOSPC || errno == EDQUOT ? SQLITE_FULL : SQLITE_CANTOPEN), nullptr};
+    if (fd < 0)
+        return {logFormat::outcomeOf(errno == ENOSPC || errno == EDQUOT ? SQLITE_FULL : SQLITE_CANTOPEN), nullptr};
     close(fd);
     std::unique_ptr<LogDatabase> log(new LogDatabase);
     int code = log->connect(file);
     if (code == SQLITE_OK) code = log->configure();
     if (code == SQLITE_OK) code = log->execute("BEGIN IMMEDIATE");
-    if (code == SQLITE_OK) code = log->execute(schema);
+    for (const logFormat::Table &table : logFormat::tables)
+        if (code == SQLITE_OK) code = log->execute(table.sql);
     if (code == SQLITE_OK) {
-        const std::string settings = "PRAGMA application_id = " + std::to_string(applicationId) +
-                                     "; PRAGMA user_version = " + std::to_string(formatNumber) +
+        const std::string settings = "PRAGMA application_id = " + std::to_string(logFormat::applicationId) +
+                                     "; PRAGMA user_version = " + std::to_string(logFormat::number) +
                                      "; INSERT INTO queue_manager VALUES(1, '', 1, 0, 0, 1, 0)";
         code = log->execute(settings.c_str());
     }
@@ -205,22 +147,21 @@ LogDatabase::Opened LogDatabase::create(const std::filesystem::path &file, std::
     }
     sqlite3_finalize(naming);
     if (code == SQLITE_OK) code = log->execute("COMMIT");
-    if (code != SQLITE_OK) return {outcomeOfLog(code), nullptr};
+    if (code != SQLITE_OK) return {logFormat::outcomeOf(code), nullptr};
     return {success(), std::move(log)};
 }
 
 LogDatabase::Opened LogDatabase::open(const std::filesystem::path &file)
 {
     std::unique_ptr<LogDatabase> log(new LogDatabase);
-    if (const int code = log->connect(file); code != SQLITE_OK) return {outcomeOfLog(code), nullptr};
+    if (const int code = log->connect(file); code != SQLITE_OK) return {logFormat::outcomeOf(code), nullptr};
     // A file that is not ours is not touched.
     if (const Outcome current = log->bringUpToDate(); current.failed()) return {current, nullptr};
-    if (const int code = log->configure(); code != SQLITE_OK) return {outcomeOfLog(code), nullptr};
+    if (!logFormat::hasOnlyOurTables(log->database_)) return {failure(MQRC_UNEXPECTED_ERROR), nullptr};
+    if (const int code = log->configure(); code != SQLITE_OK) return {logFormat::outcomeOf(code), nullptr};
     return {success(), std::move(log)};
 }
 
-// How to change the format: raise formatNumber, and add to `upgrades` the statements that turn a log of the format
-// before into one of the new format.
 Outcome LogDatabase::bringUpToDate()
 {
     const auto number = [this](const char *sql) {
@@ -233,20 +174,24 @@ Outcome LogDatabase::bringUpToDate()
         return std::pair{code, value};
     };
     const auto [code, id] = number("PRAGMA application_id");
-    if (code != SQLITE_ROW) return outcomeOfLog(code);
-    if (id != applicationId) return failure(MQRC_UNEXPECTED_ERROR);
+    if (code != SQLITE_ROW) return logFormat::outcomeOf(code);
+    if (id != logFormat::applicationId) return failure(MQRC_UNEXPECTED_ERROR);
     const int found = number("PRAGMA user_version").second;
-    if (found > formatNumber) return failure(MQRC_ENVIRONMENT_ERROR);
-    if (found == formatNumber) return success();
-    constexpr std::array<const char *, formatNumber> upgrades{nullptr}; // [n]: from format n to n + 1; none before 1
+    if (found > logFormat::number) return failure(MQRC_ENVIRONMENT_ERROR);
+    if (found == logFormat::number) return success();
+    constexpr std::array<const char *, logFormat::number> upgrades{
+        nullptr, // [n]: from format n to n + 1; none before 1
+        // The checksum covers the backout count.
+        "UPDATE messages SET checksum = (checksum | backouts) & ~(checksum & backouts) WHERE backouts <> 0",
+    };
     if (found < 1) return failure(MQRC_UNEXPECTED_ERROR);
     std::string steps = "BEGIN IMMEDIATE;";
-    for (int from = found; from < formatNumber; ++from)
-        steps += upgrades.at(static_cast<std::size_t>(from));
-    steps += "; PRAGMA user_version = " + std::to_string(formatNumber) + "; COMMIT";
+    for (int from = found; from < logFormat::number; ++from)
+        steps += std::string(upgrades.at(static_cast<std::size_t>(from))) + ';';
+    steps += "PRAGMA user_version = " + std::to_string(logFormat::number) + "; COMMIT";
     const int upgraded = execute(steps.c_str());
     if (upgraded != SQLITE_OK) execute("ROLLBACK");
-    return outcomeOfLog(upgraded);
+    return logFormat::outcomeOf(upgraded);
 }
 
 LogDatabase::~LogDatabase()
@@ -267,7 +212,7 @@ int LogDatabase::execute(const char *sql)
 
 void LogDatabase::fail(int code)
 {
-    if (!steps_.failed()) steps_ = outcomeOfLog(code);
+    if (!steps_.failed()) steps_ = logFormat::outcomeOf(code);
 }
 
 sqlite3_stmt *LogDatabase::prepared(Statement which)
@@ -371,7 +316,7 @@ Outcome LogDatabase::commit()
     sqlite3_reset(statement);
     if (unsynced != 0) code = SQLITE_IOERR_FSYNC;
     if (code == SQLITE_DONE) return success();
-    const Outcome failed = outcomeOfLog(code);
+    const Outcome failed = logFormat::outcomeOf(code);
     rollback();
     return failed;
 }
@@ -385,6 +330,20 @@ void LogDatabase::rollback()
     sqlite3_reset(statement);
 }
 
+void LogDatabase::settle()
+{
+    sqlite3_file *ahead = nullptr;
+    sqlite3_file_control(database_, "main", SQLITE_FCNTL_JOURNAL_POINTER, &ahead);
+    sqlite3_int64 size = 0;
+    if (ahead != nullptr && ahead->pMethods != nullptr) ahead->pMethods->xFileSize(ahead, &size);
+    // A reader stands in the way for as long as it likes, and then everything stays where it is, as good as before.
+    sqlite3_wal_checkpoint_v2(database_, "main", SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+    aheadSpace_ = 0;
+    // The head-room for deletions is kept where there was some.
+    if (static_cast<std::uint64_t>(size) >= 2 * aheadWindow) makeRoom(0, 0);
+    steps_ = success();
+}
+
 void LogDatabase::insertMessage(const MessageKey &key, const MessageHeader &header, std::span<const std::byte> body)
 {
     sqlite3_stmt *statement = prepared(InsertMessage);
@@ -393,8 +352,9 @@ void LogDatabase::insertMessage(const MessageKey &key, const MessageHeader &head
     sqlite3_bind_int64(statement, 1, signedOf(key.sequence));
     sqlite3_bind_int64(statement, 2, key.queue);
     sqlite3_bind_int(statement, 3, key.order);
-    sqlite3_bind_int(statement, 4, header.md.BackoutCount);
-    sqlite3_bind_int64(statement, 5, signedOf(checksumOfMessage(key, headerBytes, body)));
+    sqlite3_bind_int64(statement, 4, static_cast<std::uint32_t>(header.md.BackoutCount));
+    const auto backouts = static_cast<std::uint32_t>(header.md.BackoutCount);
+    sqlite3_bind_int64(statement, 5, signedOf(logFormat::checksumOfMessage(key, backouts, headerBytes, body)));
     bindBlob(statement, 6, headerBytes);
     bindBlob(statement, 7, body);
     run(statement);
@@ -434,9 +394,9 @@ void LogDatabase::storeDefinition(const Definition &definition)
     bindText(statement, 2, definition.name);
     sqlite3_bind_int64(statement, 3, definition.queue);
     bindBlob(statement, 4, std::as_bytes(std::span(definition.bytes)));
-    sqlite3_bind_int64(
-        statement, 5,
-        signedOf(checksumOfDefinition(definition.type, definition.name, definition.queue, definition.bytes)));
+    sqlite3_bind_int64(statement, 5,
+                       signedOf(logFormat::checksumOfDefinition(definition.type, definition.name, definition.queue,
+                                                                definition.bytes)));
     run(statement);
     sqlite3_clear_bindings(statement);
 }
@@ -513,7 +473,7 @@ LogDatabase::QueueManagerRow LogDatabase::queueManager()
             row.outcome = failure(MQRC_UNEXPECTED_ERROR);
         }
     } else {
-        row.outcome = code == SQLITE_DONE ? failure(MQRC_UNEXPECTED_ERROR) : outcomeOfLog(code);
+        row.outcome = code == SQLITE_DONE ? failure(MQRC_UNEXPECTED_ERROR) : logFormat::outcomeOf(code);
     }
     sqlite3_reset(statement);
     return row;
@@ -543,7 +503,7 @@ bool LogDatabase::Reader::step()
 {
     if (outcome.failed()) return false;
     const int code = sqlite3_step(statement);
-    if (code != SQLITE_ROW && code != SQLITE_DONE) outcome = outcomeOfLog(code);
+    if (code != SQLITE_ROW && code != SQLITE_DONE) outcome = logFormat::outcomeOf(code);
     return code == SQLITE_ROW;
 }
 
@@ -556,7 +516,8 @@ bool LogDatabase::Reader::nextMessage()
     const auto headerBytes = blobColumn(statement, 5);
     body = blobColumn(statement, 6);
     if (headerBytes.size() != sizeof header ||
-        checksumOfMessage(key, headerBytes, body) != unsignedColumn(statement, 4)) {
+        logFormat::checksumOfMessage(key, unsignedColumn(statement, 3), headerBytes, body) !=
+            unsignedColumn(statement, 4)) {
         outcome = failure(MQRC_UNEXPECTED_ERROR);
         return false;
     }
@@ -573,7 +534,7 @@ bool LogDatabase::Reader::nextDefinition()
     definition.queue = static_cast<QueueId>(sqlite3_column_int64(statement, 2));
     const auto bytes = blobColumn(statement, 3);
     definition.bytes.assign(reinterpret_cast<const char *>(bytes.data()), bytes.size());
-    if (checksumOfDefinition(definition.type, definition.name, definition.queue, definition.bytes) !=
+    if (logFormat::checksumOfDefinition(definition.type, definition.name, definition.queue, definition.bytes) !=
         unsignedColumn(statement, 4)) {
         outcome = failure(MQRC_UNEXPECTED_ERROR);
         return false;

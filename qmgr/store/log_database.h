@@ -64,6 +64,11 @@ public:
     Outcome commit();
     void rollback();
 
+    // Brings everything from the write-ahead file into the database and empties the former, as far as nobody reads it
+    // at the moment: what is damaged in it later is in nobody's way, and the next life's commits stand alone in it.
+    // Between transactions, by whoever may write.
+    void settle();
+
     // Steps of a transaction.
 
     // Makes sure that a transaction can insert messages of this many bytes in all (headers included) and that there is

@@ -45,6 +45,7 @@ MessageCursor::~MessageCursor()
 
 void MessageCursor::start(QueueId queue)
 {
+    queue_ = queue;
     const bool anyHeld = transaction_.queue(queue).held > 0;
     if (transaction_.outcome_.failed()) return;
     if (!transaction_.sticks(mdb_cursor_open(transaction_.txn_, transaction_.records_, &walk_))) walk_ = nullptr;
@@ -55,7 +56,20 @@ void MessageCursor::start(QueueId queue)
 bool MessageCursor::first()
 {
     nextHoldKnown_ = false;
+    if (holds_ != nullptr && !byIndex_) return firstAmongHeld();
     return go(prefix_, true); // the queue's counters stand before its messages
+}
+
+bool MessageCursor::firstAmongHeld()
+{
+    const QueueStatus status = transaction_.queue(queue_);
+    const auto known = status.searchFrom(queue_);
+    // What this connection has locked by browsing is visible to it alone.
+    const auto &shown = transaction_.shown_;
+    const bool shownBefore = known && shown && shown->queue == queue_ && *shown < *known;
+    const bool found = known && !shownBefore ? go(prefix_.place(*known), false) : go(prefix_, true);
+    if (found && !shown) transaction_.noteSearch(key_);
+    return found;
 }
 
 bool MessageCursor::seek(const MessageKey &behind)

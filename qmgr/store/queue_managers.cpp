@@ -2,13 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <fcntl.h>
 #include <fstream>
-#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "qmgr/store/folders.h"
 #include "qmgr/store/paths.h"
 #include "qmgr/store/process.h"
 #include "qmgr/store/seams.h"
@@ -20,74 +18,7 @@ namespace {
 
 // Files of the store folder that are no queue manager begin with '.', which no queue manager's folder does.
 constexpr const char *defaultFile = ".default";
-constexpr const char *unfinished = ".new-";
 constexpr const char *discarded = ".old-";
-
-Outcome outcomeOfErrno()
-{
-    switch (errno) {
-    case ENOSPC:
-    case EDQUOT:
-        return failure(MQRC_STORAGE_NOT_AVAILABLE);
-    case EACCES:
-    case EPERM:
-    case EROFS:
-        return failure(MQRC_NOT_AUTHORIZED);
-    case EEXIST:
-    case ENOTEMPTY:
-        return failure(MQRC_OBJECT_ALREADY_EXISTS);
-    case ENOENT:
-        return failure(MQRC_Q_MGR_NAME_ERROR);
-    default:
-        return failure(MQRC_UNEXPECTED_ERROR);
-    }
-}
-
-std::string randomName(const char *prefix)
-{
-    std::uint64_t number = 0;
-    if (getrandom(&number, sizeof number, 0) != sizeof number) number = static_cast<std::uint64_t>(currentTime());
-    return prefix + std::to_string(number);
-}
-
-// What was made or renamed in the folder is there after a power failure, too.
-void syncFolder(const std::filesystem::path &folder)
-{
-    const int fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return;
-    fsync(fd);
-    close(fd);
-}
-
-// Makes a folder that may be there already, and its parents, for nobody else's eyes.
-Outcome makeFolders(const std::filesystem::path &folder)
-{
-    const auto make = [&] {
-        if (mkdir(folder.c_str(), 0700) != 0) return errno == EEXIST;
-        syncFolder(folder.has_parent_path() ? folder.parent_path() : ".");
-        return true;
-    };
-    if (make()) return success();
-    if (errno != ENOENT || !folder.has_parent_path() || folder.parent_path() == folder) return outcomeOfErrno();
-    if (const Outcome parent = makeFolders(folder.parent_path()); parent.failed()) return parent;
-    return make() ? success() : outcomeOfErrno();
-}
-
-// A small file that is on disk, as a whole, when it is back.
-Outcome writeFile(const std::filesystem::path &file, std::string_view text)
-{
-    const int fd = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (fd < 0) return outcomeOfErrno();
-    const ssize_t size = write(fd, text.data(), text.size());
-    Outcome outcome;
-    if (size < 0 || fsync(fd) != 0) {
-        outcome = outcomeOfErrno();
-    } else if (static_cast<std::size_t>(size) != text.size()) {
-        outcome = failure(MQRC_STORAGE_NOT_AVAILABLE);
-    }
-    close(fd);
-    return outcome;
-}
 
 // What a killed create or delete has left. One that is still at work is younger than that.
 void sweepLeftovers(const std::filesystem::path &storeFolder)
@@ -97,7 +28,7 @@ void sweepLeftovers(const std::filesystem::path &storeFolder)
     for (const auto &entry : std::filesystem::directory_iterator(storeFolder, error)) {
         const std::string name = entry.path().filename().string();
         struct stat status {};
-        if (!name.starts_with(unfinished) && !name.starts_with(discarded)) continue;
+        if (!name.starts_with(unfinishedPrefix) && !name.starts_with(discarded)) continue;
         if (stat(entry.path().c_str(), &status) != 0 || status.st_mtime > currentTime() / 1'000'000 - anHour) continue;
         std::filesystem::remove_all(entry.path(), error);
     }
@@ -117,17 +48,17 @@ Outcome writeLog(const std::filesystem::path &folder, std::string_view name, std
 
 } // namespace
 
-Outcome createQueueManager(const std::filesystem::path &storeFolder, std::string_view name,
-                           std::span<const Definition> objects, DefaultQueueManager makeDefault)
+Outcome makeQueueManager(const std::filesystem::path &storeFolder, std::string_view name,
+                         const std::function<Outcome(const std::filesystem::path &)> &write)
 {
     if (!isQueueManagerName(name)) return failure(MQRC_Q_MGR_NAME_ERROR);
     if (const Outcome made = makeFolders(storeFolder); made.failed()) return made;
     sweepLeftovers(storeFolder);
     const std::filesystem::path folder = storeFolder / folderOfName(name);
     if (!Store::exists(folder).failed()) return failure(MQRC_OBJECT_ALREADY_EXISTS);
-    const std::filesystem::path building = storeFolder / randomName(unfinished);
+    const std::filesystem::path building = storeFolder / randomName(unfinishedPrefix);
     if (mkdir(building.c_str(), 0700) != 0) return outcomeOfErrno();
-    Outcome outcome = writeLog(building, name, objects);
+    Outcome outcome = write(building);
     if (!outcome.failed()) {
         syncFolder(building);
         reached(Step::CreateWritten);
@@ -140,6 +71,15 @@ Outcome createQueueManager(const std::filesystem::path &storeFolder, std::string
         return outcome;
     }
     syncFolder(storeFolder);
+    return success();
+}
+
+Outcome createQueueManager(const std::filesystem::path &storeFolder, std::string_view name,
+                           std::span<const Definition> objects, DefaultQueueManager makeDefault)
+{
+    const Outcome made = makeQueueManager(
+        storeFolder, name, [&](const std::filesystem::path &folder) { return writeLog(folder, name, objects); });
+    if (made.failed()) return made;
     return makeDefault == DefaultQueueManager::Yes ? setDefaultQueueManager(storeFolder, name) : success();
 }
 
@@ -191,7 +131,7 @@ Outcome setDefaultQueueManager(const std::filesystem::path &storeFolder, std::st
 {
     if (!isQueueManagerName(name)) return failure(MQRC_Q_MGR_NAME_ERROR);
     if (const Outcome there = Store::exists(storeFolder / folderOfName(name)); there.failed()) return there;
-    const std::filesystem::path written = storeFolder / randomName(unfinished);
+    const std::filesystem::path written = storeFolder / randomName(unfinishedPrefix);
     Outcome outcome = writeFile(written, std::string(name) + '\n');
     if (!outcome.failed() && rename(written.c_str(), (storeFolder / defaultFile).c_str()) != 0)
         outcome = outcomeOfErrno();
@@ -243,7 +183,9 @@ Outcome Store::logState(State state)
 {
     if (const Outcome begun = log_->begin(); begun.failed()) return begun;
     log_->setState(control().stamp.generation, state);
-    return judgeLog(log_->commit());
+    const Outcome logged = judgeLog(log_->commit());
+    if (!logged.failed() && state == State::Ended) log_->settle();
+    return logged;
 }
 
 Outcome Store::end(End how)

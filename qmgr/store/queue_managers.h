@@ -6,6 +6,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -30,6 +31,10 @@ struct QueueManagerEntry {
 // each is ignored). It is running at once. All or nothing, whenever the process is killed.
 Outcome createQueueManager(const std::filesystem::path &storeFolder, std::string_view name,
                            std::span<const Definition> objects, DefaultQueueManager makeDefault);
+
+// The same of a folder that `write` fills.
+Outcome makeQueueManager(const std::filesystem::path &storeFolder, std::string_view name,
+                         const std::function<Outcome(const std::filesystem::path &)> &write);
 
 // An ended queue manager goes with everything in it; MQRC_Q_MGR_ACTIVE otherwise.
 Outcome deleteQueueManager(const std::filesystem::path &storeFolder, std::string_view name);

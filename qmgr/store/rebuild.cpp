@@ -47,6 +47,7 @@ Store::Opened Store::beginLife(const std::filesystem::path &folder, LockFile &lo
     const std::uint64_t base = std::max({static_cast<std::uint64_t>(currentTime()) << 8,
                                          row.sequenceBase + numbersOfOneLife, log.highestSequence() + 1});
     const std::uint64_t generation = row.generation + 1;
+    log.settle();
     if (const Outcome begun = log.begin(); begun.failed()) return {begun, nullptr};
     log.beginLife(generation, base);
     if (const Outcome committed = log.commit(); committed.failed()) return {committed, nullptr};

@@ -102,6 +102,7 @@ Store::SlotTaken Store::takeSlot()
                 slot.holds = 0;
                 slot.watched = 0;
                 slot.state = SlotState::Taken;
+                noteBusy();
                 for (std::uint32_t limit = block.slotLimit; limit <= number;) {
                     if (block.slotLimit.compare_exchange_weak(limit, number + 1)) break;
                 }
@@ -123,6 +124,7 @@ void Store::freeSlot(std::uint32_t number)
         slotLocks_->unlock(number);
     }
     if (control().state == State::Quiescing && !anyConnection()) completeQuiesce();
+    noteQuiet();
 }
 
 bool Store::releaseDead()

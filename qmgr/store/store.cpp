@@ -93,7 +93,7 @@ Store::Opened Store::openUnderLock(const std::filesystem::path &folder, LockFile
 }
 
 Store::Opened Store::openLife(const std::filesystem::path &folder, LockFile &locks,
-                              std::unique_ptr<ControlMapping> control)
+                              std::unique_ptr<ControlMapping> control, Damage damage)
 {
     const std::filesystem::path live = folder / "live";
     std::shared_ptr<Store> store(new Store(folder, locks));
@@ -102,10 +102,15 @@ Store::Opened Store::openLife(const std::filesystem::path &folder, LockFile &loc
     const auto [slotLocks, error] = LockFile::open(live / "slots");
     if (slotLocks == nullptr) return {outcomeOfFile(error), nullptr};
     store->slotLocks_ = slotLocks;
+    if (store->control().stamp.ready == 1 && !store->isSound()) {
+        if (damage == Damage::EndsLife) store->endLife();
+        return {failure(MQRC_UNEXPECTED_ERROR), nullptr};
+    }
     auto opened = LiveEnvironment::open(live, store->control(), locks);
-    if (opened.outcome.Reason == MQRC_UNEXPECTED_ERROR) store->endLife();
+    if (opened.outcome.Reason == MQRC_UNEXPECTED_ERROR && damage == Damage::EndsLife) store->endLife();
     if (opened.outcome.failed()) return {opened.outcome, nullptr};
     store->live_ = std::move(opened.environment);
+    store->renewQuiet();
     return {success(), std::move(store)};
 }
 
@@ -161,8 +166,16 @@ Outcome Store::start(const std::filesystem::path &folder)
     return begun.outcome;
 }
 
+// The log is as it was; the next start makes the live state anew from it.
+Outcome Store::endDamagedLife()
+{
+    if (control().state != State::Ended) endLife();
+    return failure(MQRC_CONNECTION_BROKEN);
+}
+
 Outcome Store::begin(ReadTransaction &transaction)
 {
+    if (live_->damaged()) return endDamagedLife();
     if (const Outcome begun = live_->beginRead(transaction.txn_); begun.failed()) return begun;
     transaction.environment_ = live_.get();
     transaction.records_ = live_->records();
@@ -171,6 +184,7 @@ Outcome Store::begin(ReadTransaction &transaction)
 
 Outcome Store::begin(WriteTransaction &transaction, std::size_t room, std::uint32_t slot)
 {
+    if (live_->damaged()) return endDamagedLife();
     if (const Outcome begun = live_->beginWrite(transaction.txn_, room); begun.failed()) return begun;
     transaction.environment_ = live_.get();
     transaction.records_ = live_->records();

@@ -7,12 +7,14 @@
 // Where things are:
 //   store.cpp         opening the present life, transactions
 //   rebuild.cpp       beginning a life: the live state rebuilt from the log
+//   soundness.cpp     whether the files are as the last connection left them
 //   slots.cpp         connections of this and other processes, the clean-up of dead ones
 //   commit.cpp        units of work: prepare, log, flip (the protocol and why it is right)
 //   definitions.cpp   object definitions
 //   temporary_queues.cpp  queues that go with their connection
 //   requests.cpp      whether requests to the queue manager wait, and whose turn it is to serve them
 //   waiting.cpp       sleeping and waking, state changes
+//   live_check.cpp    verifying the live state
 //   queue_managers.cpp  create, delete, list, start, end
 #pragma once
 
@@ -36,7 +38,9 @@
 
 namespace mqrig::qmgr::store {
 
+class Findings;
 class LogLock;
+struct LiveContents;
 
 class Store {
 public:
@@ -53,6 +57,8 @@ public:
     static StateOfQueueManager look(const std::filesystem::path &folder);
     // Lets go of a life that has ended, so that it goes when its last connection does.
     static void forgetEnded(const std::shared_ptr<Store> &store);
+    // Verifies the live state of the present life, if there is one, and changes nothing (live_check.cpp).
+    static void check(const std::filesystem::path &folder, LiveContents &contents, Findings &findings);
     // Whether a queue manager's folder is there: MQRC_Q_MGR_NAME_ERROR if not.
     static Outcome exists(const std::filesystem::path &folder);
 
@@ -142,15 +148,25 @@ public:
     // Completes a quiesce whose last connection has gone.
     void completeQuiesce();
 
+    // ---- The files between two connections (soundness.cpp) ----
+    // A connection comes; the last one may have gone; the library has touched its file at opening.
+    void noteBusy() { control().quiet.dataChanged = 0; }
+    void noteQuiet();
+    void renewQuiet();
+
 private:
     friend class LogLock;
     Store(std::filesystem::path folder, LockFile &locks) : folder_(std::move(folder)), locks_(locks) {}
 
     static Opened openUnderLock(const std::filesystem::path &folder, LockFile &locks);
+    enum class Damage : std::uint8_t { EndsLife, IsLookedAt };
     static Opened openLife(const std::filesystem::path &folder, LockFile &locks,
-                           std::unique_ptr<ControlMapping> control);
+                           std::unique_ptr<ControlMapping> control, Damage damage = Damage::EndsLife);
     static Opened beginLife(const std::filesystem::path &folder, LockFile &locks, LogDatabase &log);
     Outcome fill(LogDatabase &log);
+    // Start-up lock held, the live state not yet open in this process.
+    [[nodiscard]] bool isSound();
+    void checkRecords(LiveContents &contents, Findings &findings);
     static void putDefinition(WriteTransaction &transaction, const Definition &definition);
 
     // The log, opened at its first use in this process. Log lock held.
@@ -172,6 +188,7 @@ private:
     Outcome logState(State state);
     void cleanUp(std::uint32_t slot);
     void endLife();
+    Outcome endDamagedLife();
 
     std::filesystem::path folder_;
     LockFile &locks_;

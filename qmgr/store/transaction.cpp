@@ -7,6 +7,15 @@
 
 namespace mqrig::qmgr::store {
 
+namespace {
+
+bool isDamage(int code)
+{
+    return code == MDB_CORRUPTED || code == MDB_PAGE_NOTFOUND || code == MDB_PANIC || code == MDB_CURSOR_FULL;
+}
+
+} // namespace
+
 ReadTransaction::~ReadTransaction()
 {
     if (txn_ != nullptr) environment_->endRead(txn_);
@@ -18,6 +27,7 @@ bool Transaction::sticks(int code)
     if (!outcome_.failed()) {
         outcome_ = outcomeOfLive(code);
         outgrown_ = code == MDB_MAP_FULL;
+        if (isDamage(code)) environment_->noteDamage();
     }
     return false;
 }
@@ -37,6 +47,11 @@ QueueStatus Transaction::queue(QueueId queue)
 {
     if (scratch_ != nullptr) return scratch_->entryOf(*this, queue).status;
     return recordIn<QueueStatus>(get(LiveKey::queue(queue))).value_or(QueueStatus{});
+}
+
+void Transaction::noteSearch(const MessageKey &found)
+{
+    if (scratch_ != nullptr) scratch_->entryOf(*this, found.queue).status.setSearch(found);
 }
 
 bool Transaction::exists(QueueId queue)

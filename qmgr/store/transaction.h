@@ -81,6 +81,13 @@ struct QueueStatus {
     std::uint32_t toldEnqueued = 0;
     std::uint32_t toldDequeued = 0;
 
+    // Nothing before this place is visible (place 0: not known), so that a search does not step over what others hold,
+    // message by message: a unit of work that gets many would take longer with each. Lowered by whatever comes to be
+    // visible before it, raised by searches.
+    std::uint64_t searchSequence = 0;
+    std::uint32_t searchOrder = 0;
+    std::uint32_t spare = 0; // no padding here either
+
     void addToDepth()
     {
         depth += 1;
@@ -95,6 +102,20 @@ struct QueueStatus {
     {
         depth -= 1;
         dequeued += 1;
+    }
+    [[nodiscard]] std::optional<MessageKey> searchFrom(QueueId queue) const
+    {
+        if (searchSequence == 0) return std::nullopt;
+        return MessageKey{.queue = queue, .order = static_cast<std::uint8_t>(searchOrder), .sequence = searchSequence};
+    }
+    void setSearch(const MessageKey &from)
+    {
+        searchOrder = from.order;
+        searchSequence = from.sequence;
+    }
+    void mayShow(const MessageKey &key)
+    {
+        if (const auto from = searchFrom(key.queue); from && key < *from) setSearch(key);
     }
     void resetStatistics(std::int64_t now)
     {
@@ -158,6 +179,8 @@ protected:
     [[nodiscard]] std::optional<Hold> holdOf(const MessageKey &key);
     [[nodiscard]] bool isHeld(const MessageKey &key);
     [[nodiscard]] bool isShown(const MessageKey &key) const { return shown_ && *shown_ == key; }
+    // A search has found nothing visible before this. Kept for the next ones, if anything is stored.
+    void noteSearch(const MessageKey &found);
     // Remembers LMDB's error code; MDB_NOTFOUND is none. True if there was no error.
     bool sticks(int code);
 
@@ -306,6 +329,7 @@ public:
 
 private:
     void start(QueueId queue);
+    bool firstAmongHeld();
     bool go(const LiveKey &from, bool behind);
     bool settle(int code, Transaction::Value name, Transaction::Value value);
     bool isHeld();
@@ -313,7 +337,8 @@ private:
     Transaction &transaction_;
     MDB_cursor *walk_ = nullptr;  // over messages or over one index
     MDB_cursor *holds_ = nullptr; // over the queue's holds, beside it; null while the queue has none
-    LiveKey prefix_;              // of the records of the walk
+    QueueId queue_ = 0;
+    LiveKey prefix_; // of the records of the walk
     bool byIndex_ = false;
     MessageKey key_;
     std::optional<MessageKey> nextHold_; // first held message not before key_

@@ -11,22 +11,6 @@ namespace mqrig::qmgr::store {
 
 namespace {
 
-bool isNoId(const MQBYTE *id)
-{
-    return std::all_of(id, id + 24, [](MQBYTE byte) { return byte == 0; });
-}
-
-// Runs `act` on the index key of every id that the message has.
-template <class Act>
-void forEachIndex(const MessageKey &key, const MQMD &md, Act &&act)
-{
-    if (!isNoId(md.MsgId)) act(LiveKey::indexed(key, Index::MsgId, md.MsgId));
-    if (!isNoId(md.CorrelId)) act(LiveKey::indexed(key, Index::CorrelId, md.CorrelId));
-    if (isNoId(md.GroupId)) return;
-    act(LiveKey::indexed(key, Index::GroupId, md.GroupId));
-    act(LiveKey::groupPlace(key.queue, {MessageId(md.GroupId), md.MsgSeqNumber, md.Offset}).place(key));
-}
-
 void add(OpenCounts &counts, const OpenCounts &change)
 {
     counts.input += change.input;
@@ -192,6 +176,7 @@ void WriteTransaction::insertMessage(const NewMessage &message)
         std::memcpy(body.mv_data, message.body.data(), message.body.size());
     }
     forEachIndex(message.key, header.md, [this](const LiveKey &index) { store(index, nullptr, 0); });
+    counters(message.key.queue).mayShow(message.key);
 }
 
 void WriteTransaction::eraseMessage(const MessageKey &key)
@@ -217,7 +202,9 @@ void WriteTransaction::changeHold(const MessageKey &key, const Hold &hold)
 void WriteTransaction::clearHold(const MessageKey &key)
 {
     erase(LiveKey::hold(key));
-    counters(key.queue).held -= 1;
+    QueueStatus &status = counters(key.queue);
+    status.held -= 1;
+    status.mayShow(key);
 }
 
 void WriteTransaction::addStep(UnitKind unit, StepKind step, const MessageKey &key, bool persistent,

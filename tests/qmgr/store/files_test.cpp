@@ -43,10 +43,29 @@ void overwrite(const std::filesystem::path &file, std::size_t at, std::string_vi
 
 TEST_F(Files, ALogOfANewerFormatIsRefusedWithItsOwnReason)
 {
-    sql("PRAGMA user_version = 2");
+    sql("PRAGMA user_version = 3");
     EXPECT_EQ(startQueueManager(folder_, "QM1"), failure(MQRC_ENVIRONMENT_ERROR));
-    sql("PRAGMA user_version = 1");
+    sql("PRAGMA user_version = 2");
     EXPECT_EQ(startQueueManager(folder_, "QM1"), success());
+}
+
+TEST_F(Files, ALogOfAnOlderFormatIsBroughtUpToDate)
+{
+    // In the first format the checksum did not cover the backout count.
+    sql("UPDATE messages SET checksum = (checksum | 5) & ~(checksum & 5), backouts = 5");
+    ASSERT_EQ(startQueueManager(folder_, "QM1"), success());
+    ASSERT_EQ(endQueueManager(folder_, "QM1", End::Immediate), success());
+    sql("UPDATE messages SET checksum = (checksum | 5) & ~(checksum & 5); PRAGMA user_version = 1");
+    ASSERT_EQ(startQueueManager(folder_, "QM1"), success());
+    const auto a = connect();
+    EXPECT_EQ(browse(*a, q1_), (Texts{"safe"}));
+    const Outcome read = a->read([this](ReadTransaction &transaction) {
+        MessageCursor cursor(transaction, q1_);
+        EXPECT_TRUE(cursor.first());
+        EXPECT_EQ(cursor.header().md.BackoutCount, 5);
+        return success();
+    });
+    EXPECT_EQ(read, success());
 }
 
 TEST_F(Files, AForeignDatabaseIsRefusedAndLeftAlone)

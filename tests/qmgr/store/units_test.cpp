@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <map>
+#include <random>
+
 #include "store_test.h"
 
 namespace mqrig::qmgr::store::test {
@@ -153,6 +157,57 @@ TEST_P(Units, LargeUnitsCommit)
     ASSERT_EQ(unit.commit(), success());
     EXPECT_EQ(browse(*a, q1_), (Texts{}));
     EXPECT_EQ(statusOf(*a, q1_).held, 0U);
+}
+
+// Searches begin behind what others hold; whatever comes back before that place must be found all the same. A model
+// says which message is the first visible one.
+TEST_P(Units, FindTheFirstVisibleMessageWhateverIsHeld)
+{
+    std::mt19937 random(17); // NOLINT: the same steps every time
+    const auto a = connect();
+    struct Getter {
+        explicit Getter(std::unique_ptr<Attachment> connection) : attachment(std::move(connection)), unit(*attachment)
+        {
+        }
+        std::unique_ptr<Attachment> attachment;
+        UnitOfWork unit;
+        std::vector<std::pair<int, int>> holds;
+    };
+    Getter getters[] = {Getter(connect()), Getter(connect()), Getter(connect())};
+    std::map<std::pair<int, int>, bool> model; // 9 - priority and number: whether it is held
+    int number = 0;
+    for (int step = 0; step < 1500; ++step) {
+        Getter &getter = getters[random() % std::size(getters)];
+        const auto act = random() % 12;
+        if (act < 4) {
+            const int priority = static_cast<int>(random() % 4);
+            ++number;
+            const std::string text = std::to_string(9 - priority) + '/' + std::to_string(number);
+            const Wanted wanted{.persistence = kind_.persistence, .priority = priority};
+            ASSERT_EQ(put(*a, q1_, text, wanted), success());
+            model[{9 - priority, number}] = false;
+        } else if (act < 10) {
+            const auto first = std::ranges::find(model, false, &std::pair<const std::pair<int, int>, bool>::second);
+            const std::string text =
+                first == model.end() ? ""
+                                     : std::to_string(first->first.first) + '/' + std::to_string(first->first.second);
+            ASSERT_EQ(getter.unit.get(q1_), text) << step;
+            if (first == model.end()) continue;
+            first->second = true;
+            getter.holds.push_back(first->first);
+        } else {
+            const bool commits = act == 10;
+            ASSERT_EQ(commits ? getter.unit.commit() : getter.unit.backOut(), success());
+            for (const auto &hold : getter.holds) {
+                if (commits)
+                    model.erase(hold);
+                else
+                    model[hold] = false;
+            }
+            getter.holds.clear();
+        }
+    }
+    EXPECT_GT(model.size(), 5U);
 }
 
 } // namespace

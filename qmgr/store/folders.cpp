@@ -1,0 +1,77 @@
+#include "qmgr/store/folders.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <fcntl.h>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "qmgr/store/seams.h"
+
+namespace mqrig::qmgr::store {
+
+Outcome outcomeOfErrno()
+{
+    switch (errno) {
+    case ENOSPC:
+    case EDQUOT:
+        return failure(MQRC_STORAGE_NOT_AVAILABLE);
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return failure(MQRC_NOT_AUTHORIZED);
+    case EEXIST:
+    case ENOTEMPTY:
+        return failure(MQRC_OBJECT_ALREADY_EXISTS);
+    case ENOENT:
+        return failure(MQRC_Q_MGR_NAME_ERROR);
+    default:
+        return failure(MQRC_UNEXPECTED_ERROR);
+    }
+}
+
+std::string randomName(const char *prefix)
+{
+    std::uint64_t number = 0;
+    if (getrandom(&number, sizeof number, 0) != sizeof number) number = static_cast<std::uint64_t>(currentTime());
+    return prefix + std::to_string(number);
+}
+
+void syncFolder(const std::filesystem::path &folder)
+{
+    const int fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) return;
+    fsync(fd);
+    close(fd);
+}
+
+Outcome makeFolders(const std::filesystem::path &folder)
+{
+    const auto make = [&] {
+        if (mkdir(folder.c_str(), 0700) != 0) return errno == EEXIST;
+        syncFolder(folder.has_parent_path() ? folder.parent_path() : ".");
+        return true;
+    };
+    if (make()) return success();
+    if (errno != ENOENT || !folder.has_parent_path() || folder.parent_path() == folder) return outcomeOfErrno();
+    if (const Outcome parent = makeFolders(folder.parent_path()); parent.failed()) return parent;
+    return make() ? success() : outcomeOfErrno();
+}
+
+Outcome writeFile(const std::filesystem::path &file, std::string_view text)
+{
+    const int fd = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    if (fd < 0) return outcomeOfErrno();
+    const ssize_t size = write(fd, text.data(), text.size());
+    Outcome outcome;
+    if (size < 0 || fsync(fd) != 0) {
+        outcome = outcomeOfErrno();
+    } else if (static_cast<std::size_t>(size) != text.size()) {
+        outcome = failure(MQRC_STORAGE_NOT_AVAILABLE);
+    }
+    close(fd);
+    return outcome;
+}
+
+} // namespace mqrig::qmgr::store

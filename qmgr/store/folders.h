@@ -1,0 +1,26 @@
+// Making folders and files that are there as a whole or not at all.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "qmgr/store/outcome.h"
+
+namespace mqrig::qmgr::store {
+
+// Names of what is being made begin with this; what a killed process has left is swept out by the next create.
+inline constexpr const char *unfinishedPrefix = ".new-";
+[[nodiscard]] std::string randomName(const char *prefix);
+
+// Makes a folder that may be there already, and its parents, for nobody else's eyes.
+[[nodiscard]] Outcome makeFolders(const std::filesystem::path &folder);
+// What was made or renamed in the folder is there after a power failure, too.
+void syncFolder(const std::filesystem::path &folder);
+// A small file that is on disk, as a whole, when it is back.
+[[nodiscard]] Outcome writeFile(const std::filesystem::path &file, std::string_view text);
+
+// What a failed file operation means to a caller of the MQI.
+[[nodiscard]] Outcome outcomeOfErrno();
+
+} // namespace mqrig::qmgr::store

@@ -1,0 +1,67 @@
+#include "store_report.h"
+
+#include <cstdio>
+#include <system_error>
+
+#include "qmgr/objects/object_definition.h"
+#include "subcommand.h"
+
+namespace mqrig::rigqm {
+
+std::string counted(std::uint64_t number, const char *one, const char *many)
+{
+    return std::to_string(number) + ' ' + (number == 1 ? one : many);
+}
+
+bool canDecode(const qmgr::store::Definition &definition)
+{
+    // Numbers of object types are small; what else is stored has a form of its own, and a checksum like all.
+    constexpr MQLONG firstOther = 1000;
+    if (definition.type >= firstOther) return true;
+    return qmgr::objects::ObjectDefinition::decode(definition.bytes).has_value();
+}
+
+void printFindings(const std::vector<std::string> &findings)
+{
+    for (std::string line : findings) {
+        for (char &c : line)
+            if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = '.';
+        std::printf("%s.\n", line.c_str());
+    }
+}
+
+std::string contentsOf(const qmgr::store::LogContents &log)
+{
+    return counted(log.definitions, "object", "objects") + ", " +
+           counted(log.messages, "persistent message", "persistent messages") + " of " +
+           counted(log.bytes, "byte", "bytes");
+}
+
+int reportBackupFault(std::string_view name, std::string_view file, const qmgr::store::BackupResult &result)
+{
+    using Fault = qmgr::store::BackupResult::Fault;
+    const std::string shown(file.substr(0, 200));
+    switch (result.fault) {
+    case Fault::None:
+        return exitOk;
+    case Fault::QueueManager:
+        break;
+    case Fault::FileExists:
+        return reportFailure(shown + " exists; -f replaces it.");
+    case Fault::FileError:
+        return reportFailure(shown + ": " + std::generic_category().message(result.error) + '.');
+    case Fault::InsideStore:
+        return reportFailure(shown + " would stand among the files of the store; choose another place.");
+    case Fault::Damaged:
+        printFindings(result.findings);
+        return reportFailure(std::string(name) + ": the files are damaged; nothing was written.");
+    case Fault::NoBackup:
+        return reportFailure(shown + " is the log of a queue manager, not a backup of it (rigqm backup makes one).");
+    case Fault::OtherQueueManager:
+        return reportFailure(shown + " is a backup of queue manager " + result.contents.name.substr(0, 48) +
+                             ", and can be restored under that name only.");
+    }
+    return reportFailure(name, result.outcome);
+}
+
+} // namespace mqrig::rigqm
