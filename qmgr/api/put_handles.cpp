@@ -32,6 +32,11 @@ Outcome PutHandles::apply(MQHCONN hconn, core::Connection &connection, core::Rea
         handles_.created = &*created_;
     }
 
+    if ((pmo.Options & MQPMO_PASS_ALL_CONTEXT) != 0)
+        if (const core::OpenObject *source = connection.handles.find(pmo.Context);
+            source != nullptr && source->savedContext)
+            handles_.userContext = source->savedContext->properties;
+
     if (!call.ownDescriptor) {
         call.message.header.md = core::descriptorFromHandles(handles_);
         if (const MQLONG reason = acceptDescriptor(connection.queueManager().codedCharSetId, call))

@@ -1,4 +1,4 @@
-// The message handles of MQPMO during a put.
+// The message handles of MQPMO during a put, and the properties of the context that it passes on.
 #pragma once
 
 #include <cstddef>
@@ -30,10 +30,12 @@ private:
     std::size_t properties_ = 0;    // bytes of them
 };
 
-// Whether a put has anything to do with handles: one branch for those that have not.
+// Whether a put has anything to do with handles, or passes on properties of a context: one branch for those that do
+// not.
 inline bool usesHandles(const PutCall &call)
 {
-    return (call.pmo.OriginalMsgHandle | call.pmo.NewMsgHandle | call.pmo.Action) != 0;
+    return (call.pmo.OriginalMsgHandle | call.pmo.NewMsgHandle | call.pmo.Action |
+            (call.pmo.Options & MQPMO_PASS_ALL_CONTEXT)) != 0;
 }
 
 } // namespace mqrig::qmgr::api

@@ -4,7 +4,9 @@
 // MQOO_SAVE_ALL_CONTEXT keeps it for a later MQPUT that passes it on.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include "cmqc.h"
 #include "qmgr/core/process_identity.h"
@@ -28,6 +30,13 @@ struct OriginContext {
 struct MessageContext {
     IdentityContext identity;
     OriginContext origin;
+};
+
+// What a handle keeps of a message: its context, and its properties of the user context (MQPD_USER_CONTEXT) as they are
+// stored (properties/record.h).
+struct SavedContext {
+    MessageContext fields;
+    std::vector<std::byte> properties;
 };
 
 MessageContext contextOf(const MQMD &md);

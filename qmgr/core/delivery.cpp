@@ -1,6 +1,9 @@
 #include "qmgr/core/delivery.h"
 
 #include <cstring>
+#include <optional>
+#include <set>
+#include <string_view>
 #include <utility>
 
 #include "qmgr/core/md_extension.h"
@@ -43,6 +46,24 @@ public:
         (void)properties::readRecord(propertiesOf(got.header, stored), set_);
     }
 
+    // Those of the user context, before anything is unpacked. What was set goes before what the body says.
+    std::vector<std::byte> userContext()
+    {
+        static_cast<void>(splitBody());
+        std::vector<std::byte> record;
+        const auto append = [&](const properties::Property &property) {
+            if (property.descriptor.context == MQPD_USER_CONTEXT) properties::appendRecord(property, record);
+        };
+        std::set<std::string_view> names;
+        for (const properties::Property &property : set_) {
+            names.insert(property.name);
+            append(property);
+        }
+        for (const properties::Property &property : inBody_)
+            if (!names.contains(property.name)) append(property);
+        return record;
+    }
+
     std::unique_ptr<UnpackedMessage> unpack(PropertyDelivery delivery)
     {
         switch (delivery) {
@@ -72,7 +93,7 @@ public:
                 makeHeader();
                 break;
             }
-            const properties::Split split = splitBody();
+            const properties::Split &split = splitBody();
             if (properties::anyForJms(pointersTo(inBody_)))
                 makeHeader();
             else
@@ -83,7 +104,12 @@ public:
     }
 
 private:
-    properties::Split splitBody() { return properties::splitProperties(body_, message_->form, inBody_); }
+    // The body is read once.
+    const properties::Split &splitBody()
+    {
+        if (!split_) split_ = properties::splitProperties(body_, message_->form, inBody_);
+        return *split_;
+    }
 
     void takeFromBody(const properties::Split &split)
     {
@@ -103,6 +129,7 @@ private:
     std::unique_ptr<UnpackedMessage> message_;
     Properties set_;
     Properties inBody_;
+    std::optional<properties::Split> split_;
 };
 
 // What does not fit a version-1 descriptor goes in front of everything.
@@ -154,10 +181,13 @@ PropertyDelivery propertyDelivery(MQLONG options, bool hasMessageHandle, MQLONG 
 Outcome prepareDelivery(const GetRequest &request, std::span<const std::byte> stored, GotMessage &got)
 {
     got.unpacked.reset();
+    got.userContext.clear();
     std::size_t length = stored.size();
     if (mayHaveProperties(got.header)) [[unlikely]] {
         const auto delivery = propertyDelivery(request.options, request.hasMessageHandle, got.propertyControl);
-        got.unpacked = Unpacker(stored, got).unpack(delivery);
+        Unpacker unpacker(stored, got);
+        if (got.savesContext) got.userContext = unpacker.userContext();
+        got.unpacked = unpacker.unpack(delivery);
         length = got.unpacked->front.size() + stored.size() - got.unpacked->restAt;
     }
     if (request.extensionCcsid && !fitsVersion1(got.header.md)) [[unlikely]] {

@@ -79,6 +79,7 @@ Outcome lookUntilFound(Connection &connection, OpenObject &object, const GetRequ
         if (const Outcome may = mayGet(connection, object, request); may.failed()) return may;
         const store::QueueId queue = object.hold.queue->id;
         got.propertyControl = object.hold.queue->propertyControl;
+        got.savesContext = object.allows(MQOO_SAVE_ALL_CONTEXT);
         // Before the look, so that a message that comes between look and sleep ends the sleep.
         const std::uint32_t observed = connection.store->observe(queue);
         const Look look = request.has(browseOptions) ? browseMessage(connection, object, request, got)
@@ -97,12 +98,12 @@ Outcome lookUntilFound(Connection &connection, OpenObject &object, const GetRequ
 
 // The context is that of the last get, if it removed its message. A browse leaves none; a get that returned no message,
 // or left it for want of room, changes nothing.
-void saveContext(OpenObject &object, const GetRequest &request, const Outcome &outcome, const GotMessage &got)
+void saveContext(OpenObject &object, const GetRequest &request, const Outcome &outcome, GotMessage &got)
 {
     if (request.has(browseOptions))
         object.savedContext.reset();
     else if (outcome.Reason != MQRC_TRUNCATED_MSG_FAILED)
-        object.savedContext = contextOf(got.header.md);
+        object.savedContext = SavedContext{contextOf(got.header.md), std::move(got.userContext)};
 }
 
 // A get that removed a message may have brought the depth down to the limit of an event.

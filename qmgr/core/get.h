@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "cmqc.h"
 #include "qmgr/core/connection.h"
@@ -47,7 +48,9 @@ struct GotMessage {
     MQLONG returnedLength = 0;   // of what is in the buffer
 
     MQLONG propertyControl = MQPROP_COMPATIBILITY; // of the queue
+    bool savesContext = false;                     // MQOO_SAVE_ALL_CONTEXT
     std::unique_ptr<UnpackedMessage> unpacked;     // of a message that is not returned as it is stored (delivery.h)
+    std::vector<std::byte> userContext;            // its properties that a saved context has (context.h)
 
     GotMessage();
     ~GotMessage();

@@ -37,7 +37,7 @@ struct OpenObject {
     // What this handle has marked (MQGMO_MARK_BROWSE_HANDLE).
     HandleMarks marks;
     // With MQOO_SAVE_ALL_CONTEXT: of the message that the last successful MQGET removed; none if that was a browse.
-    std::optional<MessageContext> savedContext;
+    std::optional<SavedContext> savedContext;
     // Made with the first message in a group, the first segment or the first call with logical order.
     std::unique_ptr<LogicalOrder> logicalOrder;
 

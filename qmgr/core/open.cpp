@@ -199,7 +199,7 @@ Outcome reopenObject(Connection &connection, OpenObject &object)
     const ObjectName name{object.type, object.asked.name, object.asked.queueManager, object.asked.dynamicName};
     if (const Outcome opened = openByType(connection, name, again); opened.failed()) return opened;
     again.selector = object.selector;
-    again.savedContext = object.savedContext;
+    again.savedContext = std::move(object.savedContext);
     // Messages that outlive the queue manager's end keep their keys, so browsing goes on where it stood.
     const bool sameQueue =
         object.hold.queue != nullptr && again.hold.queue != nullptr && object.hold.queue->id == again.hold.queue->id;

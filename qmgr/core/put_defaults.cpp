@@ -116,9 +116,9 @@ Outcome passContext(Connection &connection, const PutRequest &request, std::int6
     const OpenObject *source = connection.handles.find(request.contextHandle);
     if (source == nullptr || !source->allows(MQOO_SAVE_ALL_CONTEXT)) return failure(MQRC_CONTEXT_HANDLE_ERROR);
     if (!source->savedContext) return failure(MQRC_CONTEXT_NOT_AVAILABLE);
-    setIdentity(md, source->savedContext->identity);
+    setIdentity(md, source->savedContext->fields.identity);
     if (request.has(MQPMO_PASS_ALL_CONTEXT))
-        setOrigin(md, source->savedContext->origin);
+        setOrigin(md, source->savedContext->fields.origin);
     else
         setDefaultOrigin(md, connection.identity, connection.clock, putTime);
     return success();

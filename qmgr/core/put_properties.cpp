@@ -33,11 +33,13 @@ bool isCopied(const properties::Property &property, MQLONG relation)
     return relation == 0 || (property.descriptor.copyOptions & (relation | MQCOPY_ALL)) != 0;
 }
 
-std::vector<const properties::Property *> combined(const PutHandles &handles)
+// `passed`: those of the saved context.
+std::vector<const properties::Property *> combined(const PutHandles &handles,
+                                                   const std::vector<properties::Property> &passed)
 {
+    const MQLONG relation = relationOf(handles.action);
     std::vector<const properties::Property *> all;
     if (handles.original != nullptr) {
-        const MQLONG relation = relationOf(handles.action);
         for (const properties::Property &property : handles.original->properties) {
             const bool replaced =
                 handles.created != nullptr && handles.created->properties.find(property.name) != nullptr;
@@ -47,6 +49,14 @@ std::vector<const properties::Property *> combined(const PutHandles &handles)
     if (handles.created != nullptr)
         for (const properties::Property &property : handles.created->properties)
             all.push_back(&property);
+    // What the handles say goes before the saved context.
+    const auto isSaid = [&](const std::string &name) {
+        if (handles.created != nullptr && handles.created->properties.find(name) != nullptr) return true;
+        const auto *original = handles.original != nullptr ? handles.original->properties.find(name) : nullptr;
+        return original != nullptr && isCopied(*original, relation);
+    };
+    for (const properties::Property &property : passed)
+        if (!isSaid(property.name)) all.push_back(&property);
     return all;
 }
 
@@ -108,7 +118,9 @@ MQMD descriptorFromHandles(const PutHandles &handles)
 Outcome attachProperties(Connection &connection, const PutHandles &handles, Reach reach, store::NewMessage &message,
                          std::vector<std::byte> &stored)
 {
-    const auto all = combined(handles);
+    std::vector<properties::Property> passed;
+    (void)properties::readRecord(handles.userContext, passed);
+    const auto all = combined(handles, passed);
     if (all.empty()) return success();
     std::size_t bytes = 0;
     for (const properties::Property *property : all) {

@@ -1,4 +1,5 @@
-// The properties of a message that is put: those of the message handles in MQPMO, as MQPMO.Action combines them.
+// The properties of a message that is put: those of the message handles in MQPMO, as MQPMO.Action combines them, and
+// those of a context that is passed on.
 #pragma once
 
 #include <cstddef>
@@ -20,6 +21,7 @@ struct PutHandles {
     MQLONG action = MQACTP_NEW;
     MessageHandle *original = nullptr;
     MessageHandle *created = nullptr;
+    std::span<const std::byte> userContext{}; // SavedContext::properties of the handle whose context is passed on
 };
 
 // Where a message goes: to at least one queue here, or to other queue managers only. Properties may ask to be

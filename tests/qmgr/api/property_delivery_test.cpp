@@ -434,6 +434,67 @@ TEST_F(PropertyDelivery, ActionsChooseWhatIsCopied)
     EXPECT_EQ(putWith(MQHM_NONE, "", {MQMD_DEFAULT}, hmsg, MQACTP_REPLY), failed(MQRC_HMSG_ERROR));
 }
 
+TEST_F(PropertyDelivery, UserContextIsPassedOn)
+{
+    defineQueue("NEXT");
+    q1 = open(hconn, "Q1", everything | MQOO_SAVE_ALL_CONTEXT);
+    const MQHOBJ next = open(hconn, "NEXT", MQOO_OUTPUT | MQOO_INPUT_SHARED | MQOO_PASS_ALL_CONTEXT);
+    const std::string body = withFolders(
+        {"<usr><inBody context='user'>3</inBody><else>4</else><mine context='user'>5</mine></usr>"}, "hello");
+    MQPD pd = {MQPD_DEFAULT};
+    set(hmsg, "other", MQTYPE_STRING, "0", {MQSMPO_DEFAULT}, pd);
+    pd.Context = MQPD_USER_CONTEXT;
+    set(hmsg, "mine", MQTYPE_STRING, "1", {MQSMPO_DEFAULT}, pd);
+    set(hmsg, "size", MQTYPE_INT32, bytesOf(MQLONG{2}), {MQSMPO_DEFAULT}, pd);
+
+    MQPMO pmo = pmoWith(MQPMO_NO_SYNCPOINT | MQPMO_PASS_ALL_CONTEXT);
+    pmo.Context = q1;
+    const auto arrived = [&](const MQPMO &with, MQLONG getOptions = MQGMO_PROPERTIES_IN_HANDLE) {
+        MQGMO gmo = gmoWith(MQGMO_NO_SYNCPOINT | getOptions, MQGMO_VERSION_4);
+        gmo.MsgHandle = target;
+        EXPECT_EQ(putWith(hmsg, body, ofFormat("MQHRF2")), ok);
+        EXPECT_EQ(get(hconn, q1, version2Md(), gmo).codes, ok);
+        EXPECT_EQ(put(hconn, next, "next", {MQMD_DEFAULT}, with), ok);
+        gmo.Options = MQGMO_NO_SYNCPOINT | MQGMO_PROPERTIES_IN_HANDLE;
+        EXPECT_EQ(get(hconn, next, version2Md(), gmo).body, "next");
+        return shown(target);
+    };
+    EXPECT_EQ(arrived(pmo), "mine=1 size=2 inBody=3");
+    EXPECT_EQ(arrived(pmo, MQGMO_NO_PROPERTIES), "mine=1 size=2 inBody=3");
+    EXPECT_EQ(arrived(pmo, MQGMO_PROPERTIES_FORCE_MQRFH2), "mine=1 size=2 inBody=3");
+    EXPECT_EQ(arrived(pmoWith(MQPMO_NO_SYNCPOINT)), "");
+
+    // The handles of the put go first.
+    const MQHMSG created = create(hconn);
+    set(created, "mine", "new");
+    pmo.Version = MQPMO_VERSION_3;
+    pmo.NewMsgHandle = created;
+    EXPECT_EQ(arrived(pmo), "mine=new size=2 inBody=3");
+    EXPECT_EQ(shown(created), "mine=new size=2 inBody=3") << "it is the message that was put";
+    pmo.NewMsgHandle = MQHM_NONE;
+    pmo.OriginalMsgHandle = hmsg;
+    EXPECT_EQ(arrived(pmo), "other=0 mine=1 size=2 inBody=3");
+
+    // A browse leaves no context, and so no properties of it.
+    pmo.OriginalMsgHandle = MQHM_NONE;
+    putWith(hmsg);
+    get(hconn, q1, MQGMO_BROWSE_FIRST);
+    EXPECT_EQ(put(hconn, next, "next", {MQMD_DEFAULT}, pmo), failed(MQRC_CONTEXT_NOT_AVAILABLE));
+    pmo.Context = MQHO_UNUSABLE_HOBJ;
+    EXPECT_EQ(put(hconn, next, "next", {MQMD_DEFAULT}, pmo), failed(MQRC_CONTEXT_HANDLE_ERROR));
+    get(hconn, q1);
+    pmo.Context = q1;
+    EXPECT_EQ(put(hconn, next, "next", {MQMD_DEFAULT}, pmo), ok);
+    get(hconn, next);
+    put(hconn, q1, "plain");
+    get(hconn, q1);
+    EXPECT_EQ(put(hconn, next, "next", {MQMD_DEFAULT}, pmo), ok) << "of a message without any";
+    MQGMO gmo = gmoWith(MQGMO_NO_SYNCPOINT | MQGMO_PROPERTIES_IN_HANDLE, MQGMO_VERSION_4);
+    gmo.MsgHandle = target;
+    get(hconn, next, version2Md(), gmo);
+    EXPECT_EQ(shown(target), "");
+}
+
 TEST_F(PropertyDelivery, ReportsCopyWhatMayBeReported)
 {
     defineQueue("ANSWERS");
