@@ -46,8 +46,9 @@ public:
     ListPut(Connection &connection, DistributionList &list, const PutRequest &request, const PutRecords &records,
             const store::NewMessage &message)
         : connection_(connection), list_(list), request_(request), records_(records), message_(message),
-          header_(message.header)
+          header_(message.header), oneCorrelId_(request.has(MQPMO_NEW_CORREL_ID))
     {
+        request_.options &= ~MQPMO_NEW_CORREL_ID; // it is made
     }
 
     void run(UnitOfWork *unit)
@@ -75,6 +76,7 @@ private:
     {
         store::NewMessage own = message_;
         records_.load(index, own.header.md);
+        if (oneCorrelId_) std::memcpy(own.header.md.CorrelId, message_.header.md.CorrelId, sizeof(MQBYTE24));
         return own;
     }
 
@@ -108,12 +110,12 @@ private:
             if (!done_[i] && goesTheSameWay(queue, list_.destinations[i])) together.push_back(i);
         if (together.size() < 2) return false;
 
-        DistributionHeader header(records_.fields() | (request_.has(MQPMO_NEW_CORREL_ID) ? MQPMRF_CORREL_ID : 0));
+        DistributionHeader header(records_.fields());
         std::vector<MQMD> descriptors;
         descriptors.reserve(together.size());
         for (const std::size_t i : together) {
             MQMD &md = descriptors.emplace_back(messageFor(i).header.md);
-            makeIdentifiers(md);
+            makeMsgId(md);
             const objects::QueueDefinition &destination = *list_.destinations[i].hold.queue;
             header.add(destination.remoteQueue, destination.remoteQueueManager, md);
         }
@@ -121,7 +123,7 @@ private:
         std::memcpy(shared.header.md.MsgId, descriptors.front().MsgId, sizeof shared.header.md.MsgId);
         std::memcpy(shared.header.md.CorrelId, descriptors.front().CorrelId, sizeof shared.header.md.CorrelId);
         PutRequest request = request_;
-        request.options &= ~(MQPMO_NEW_MSG_ID | MQPMO_NEW_CORREL_ID);
+        request.options &= ~MQPMO_NEW_MSG_ID;
         request.distribution = &header;
         request.logicalOrder = nullptr;
         const Outcome put = putMessage(connection_, queue, request, shared);
@@ -134,12 +136,11 @@ private:
         return true;
     }
 
-    void makeIdentifiers(MQMD &md) const
+    void makeMsgId(MQMD &md) const
     {
         constexpr MQBYTE24 none = {MQMI_NONE_ARRAY};
         if (request_.has(MQPMO_NEW_MSG_ID) || std::memcmp(md.MsgId, none, sizeof none) == 0)
             connection_.newIdentifier(md.MsgId);
-        if (request_.has(MQPMO_NEW_CORREL_ID)) connection_.newIdentifier(md.CorrelId);
     }
 
     // Onto the same transmission queue, and nothing about the message itself depends on the name.
@@ -157,6 +158,7 @@ private:
     const PutRecords &records_;
     const store::NewMessage &message_;
     store::MessageHeader header_;
+    bool oneCorrelId_; // the message's, whatever the records say
     std::vector<bool> done_;
     bool kept_ = false;
 };
@@ -262,6 +264,7 @@ Outcome putToList(Connection &connection, DistributionList &list, const PutReque
                   store::NewMessage &message)
 {
     if (sharesGroup(list, request, records, message.header.md)) return failure(MQRC_GROUP_ID_ERROR);
+    if (request.has(MQPMO_NEW_CORREL_ID)) connection.newIdentifier(message.header.md.CorrelId);
     ListPut put(connection, list, request, records, message);
     if (request.has(MQPMO_SYNCPOINT)) {
         put.run(nullptr);

@@ -40,8 +40,8 @@ Outcome closeList(Connection &connection, const DistributionList &list);
 void resolveList(Connection &connection, DistributionList &list);
 
 // Puts the message on all destinations, with the fields that the records have for each; identifiers that are made are
-// left in the records. `message.header.md` becomes what MQPUT returns: that of the first destination, but with the
-// identifiers that the program gave. MQRC_GROUP_ID_ERROR: messages in groups would have one group for all destinations.
+// left in the records. With MQPMO_NEW_CORREL_ID one CorrelId is made for all destinations. `message.header.md` becomes
+// what MQPUT returns: that of the first destination, but with the other identifiers that the program gave. MQRC_GROUP_ID_ERROR: messages in groups would have one group for all destinations.
 Outcome putToList(Connection &connection, DistributionList &list, const PutRequest &request, const PutRecords &records,
                   store::NewMessage &message);
 

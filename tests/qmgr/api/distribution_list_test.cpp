@@ -192,6 +192,32 @@ TEST_F(DistributionListTest, PutMessageRecordsSayWhatDiffers)
     EXPECT_EQ(bytes(take("L3").md.MsgId), bytes(md.MsgId)) << "no record: the descriptor's";
 }
 
+TEST_F(DistributionListTest, OneNewCorrelIdIsForAllDestinations)
+{
+    defineTransmissionQueue("QM2", MQDL_SUPPORTED);
+    MQBYTE24 records[2] = {};
+    setBytes(records[0], "one");
+    setBytes(records[1], "two");
+    destinations({"L1", "L2", "L3", "A:QM2", "B:QM2"});
+    ASSERT_EQ(openList(), ok);
+    MQMD md = {MQMD_DEFAULT};
+    setBytes(md.CorrelId, "of the descriptor");
+    MQPMO pmo = listPmo(MQPMO_NO_SYNCPOINT | MQPMO_NEW_CORREL_ID);
+    pmo.RecsPresent = 2;
+    pmo.PutMsgRecFields = MQPMRF_CORREL_ID;
+    pmo.PutMsgRecPtr = records;
+    ASSERT_EQ(putInOut(hconn, list, "x", md, pmo), ok);
+    const std::string made = bytes(md.CorrelId);
+    EXPECT_EQ(made.substr(0, 4), "AMQ ");
+    EXPECT_EQ(bytes(records[0]), made);
+    EXPECT_EQ(bytes(records[1]), made);
+    for (const char *queue : {"L1", "L2", "L3"})
+        EXPECT_EQ(bytes(take(queue).md.CorrelId), made) << queue;
+    MQXQH header;
+    std::memcpy(&header, take("QM2").body.data(), sizeof header);
+    EXPECT_EQ(bytes(header.MsgDesc.CorrelId), made) << "they share a message";
+}
+
 TEST_F(DistributionListTest, AccountingTokensNeedTheContextOption)
 {
     MQBYTE32 tokens[2] = {};
