@@ -1,7 +1,7 @@
 # Sourced by the other scripts: the Debian packages that each needs, and how they are installed.
 
 mqrig_build_packages="g++ cmake ninja-build pkg-config libsqlite3-dev liblmdb-dev"
-mqrig_test_packages="$mqrig_build_packages googletest sqlite3 binutils util-linux locales"
+mqrig_test_packages="$mqrig_build_packages googletest patch sqlite3 binutils util-linux locales"
 mqrig_ci_packages="$mqrig_test_packages g++-multilib clang-tidy python3"
 mqrig_long_packages="$mqrig_ci_packages clang libclang-rt-14-dev valgrind cppcheck gcovr"
 

@@ -97,7 +97,8 @@ private:
     std::map<MessageName, Message> messages_;
     std::set<MessageName> active_;         // may still be on a queue
     std::array<int, queues> mayBeTaken_{}; // single gets under way when their worker was killed
-    bool countsMayBeBehind_ = false;       // a life ended without its last backouts having reached the log
+    std::array<int, queues> unknownBackouts_{};
+    bool countsMayBeBehind_ = false; // a life ended without its last backouts having reached the log
     std::map<std::uint32_t, Place> places_;
     std::map<MessageName, Request> requests_; // whose last word is not spoken
     std::set<MessageName> answered_;
