@@ -38,6 +38,7 @@ public:
         }
         if (look_.waiterSleeps) awaitEmptyWait();
         connect();
+        if (look_.waiterSleeps) awaitServed();
         // Killed while another cleaned up behind a third: a look finds what the first look could not.
         static_cast<void>(store_->releaseDead());
         // What a killed holder of the log lock has left is finished by the next one, whoever it is.
@@ -79,6 +80,18 @@ private:
                              std::to_string(status.uncommitted));
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
+    }
+
+    // The getter that sleeps serves requests too, when it wakes: it may be about to.
+    void awaitServed()
+    {
+        const auto until = std::chrono::steady_clock::now() + patience;
+        const auto busy = [this](Queue queue) {
+            const QueueStatus status = statusOf(indexOf(queue));
+            return status.held != 0 || (queue == Queue::Command && status.depth != status.uncommitted);
+        };
+        while ((busy(Queue::Command) || busy(Queue::Replies)) && std::chrono::steady_clock::now() < until)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 
     void connect()

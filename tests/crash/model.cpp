@@ -283,9 +283,15 @@ void Model::decide(const std::map<MessageName, int> &present)
             }
         }
     }
-    // Nothing of these can be told from outside, any more.
-    for (const UnitNumber number : inDoubt_)
-        unitDidNotHappen(number, 0, 1);
+    // Of these nothing certain can be told from outside, because a single get was killed beside them. What they got is
+    // not there, so they may as well have happened.
+    for (const UnitNumber number : inDoubt_) {
+        if (units_[number].gets.empty()) {
+            unitDidNotHappen(number, 0, 1);
+        } else {
+            units_[number].fate = Fate::Happened;
+        }
+    }
     inDoubt_.clear();
 }
 
