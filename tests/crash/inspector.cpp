@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "cmqcfc.h"
+#include "mqi_name.h"
 #include "processes.h"
 #include "qmgr/command/pcf_reader.h"
 #include "qmgr/store/attachment.h"
@@ -96,8 +97,8 @@ private:
 
     void connect()
     {
-        MQCHAR48 name{};
-        std::strncpy(name, queueManager, sizeof name);
+        MQCHAR48 name;
+        copyName(name, queueManager);
         MQCONN(name, &hconn_, &compCode_, &reason_);
         if (compCode_ != MQCC_OK) fault("MQCONN answered " + std::to_string(reason_));
     }
@@ -113,8 +114,7 @@ private:
     {
         const bool takes = queue == Queue::Replies || queue == Queue::Filled;
         MQOD od = {MQOD_DEFAULT};
-        std::memset(od.ObjectName, 0, sizeof od.ObjectName);
-        std::strncpy(od.ObjectName, nameOf(queue), sizeof od.ObjectName);
+        copyName(od.ObjectName, nameOf(queue));
         MQHOBJ hobj = MQHO_UNUSABLE_HOBJ;
         MQOPEN(hconn_, &od, MQOO_BROWSE | MQOO_INPUT_SHARED | MQOO_INQUIRE, &hobj, &compCode_, &reason_);
         if (compCode_ != MQCC_OK)

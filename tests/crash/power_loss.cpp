@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "cmqc.h"
+#include "mqi_name.h"
 #include "processes.h"
 #include "qmgr/objects/object_definition.h"
 #include "qmgr/objects/system_objects.h"
@@ -79,14 +80,13 @@ class Program {
 public:
     Program()
     {
-        MQCHAR48 field{};
-        std::strncpy(field, name, sizeof field);
+        MQCHAR48 field;
+        copyName(field, name);
         MQCONN(field, &hconn_, &compCode_, &reason_);
         expect("MQCONN");
         for (std::size_t n = 0; n < queueNames.size(); ++n) {
             MQOD od = {MQOD_DEFAULT};
-            std::memset(od.ObjectName, 0, sizeof od.ObjectName);
-            std::strncpy(od.ObjectName, queueNames.at(n), sizeof od.ObjectName);
+            copyName(od.ObjectName, queueNames.at(n));
             MQOPEN(hconn_, &od, MQOO_OUTPUT | MQOO_INPUT_SHARED | MQOO_BROWSE, &handles_.at(n), &compCode_, &reason_);
             expect("MQOPEN");
         }
