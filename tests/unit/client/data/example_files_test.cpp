@@ -38,6 +38,9 @@ const Example EXAMPLES_OF_COMMANDS[] = {
      "Id : 1026, MQCFT_INTEGER_LIST : 3 [3],[17],[18]\n"},
     {"inquire_queues.pcf", MQCMD_INQUIRE_Q, 84,
      "Command : 13\nId : 2016, MQCFT_STRING : 0 1 *\nId : 1002, MQCFT_INTEGER_LIST : 2 [2016],[20]\n"},
+    {"inquire_queues_like.pcf", MQCMD_INQUIRE_Q, 116,
+     "Command : 13\nId : 2016, MQCFT_STRING : 0 1 *\nId : 1002, MQCFT_INTEGER_LIST : 2 [2013],[15]\n"
+     "Id : 2013, MQCFT_STRING_FILTER : 18 0 5 jobs*\n"},
     {"ping_queue_manager.pcf", MQCMD_PING_Q_MGR, 36, "Command : 40\n"},
     {"reset_queue_statistics.pcf", MQCMD_RESET_Q_STATS, 64, "Command : 17\nId : 2016, MQCFT_STRING : 0 8 APP.JOBS\n"},
 };
