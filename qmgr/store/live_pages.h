@@ -15,7 +15,7 @@
 namespace mqrig::qmgr::store {
 
 // The two heads of the file, from which everything is reached. Each is written over by the transaction after the next.
-using PageHeads = std::array<std::uint8_t, 2 * 4096>;
+using PageHeads = std::array<std::uint8_t, std::size_t{2} * 4096>;
 // Nothing if the file cannot be read that far.
 [[nodiscard]] std::optional<PageHeads> readPageHeads(const std::filesystem::path &data);
 
