@@ -26,7 +26,7 @@ struct ConnectionEntry {
     // Consumers of messages have the connection: only the thread that calls them may use it.
     std::atomic<bool> consumes{false};
     // The thread of the library has the connection, to reconnect it.
-    std::atomic<bool> library{false};
+    std::atomic<bool> reconnecting{false};
     // The handle that is being disconnected; a futex word.
     std::atomic<MQHCONN> leaving{0};
 };
@@ -127,7 +127,7 @@ MQHCONN addConnection(std::unique_ptr<Connection> connection)
     entry->special.store(neverBlocks ? special::neverBlocks : 0, std::memory_order_relaxed);
     entry->leaving.store(0, std::memory_order_relaxed);
     entry->consumes.store(false, std::memory_order_relaxed);
-    entry->library.store(false, std::memory_order_relaxed);
+    entry->reconnecting.store(false, std::memory_order_relaxed);
     entry->hconn = static_cast<MQHCONN>(number << placeBits | entry->place);
     connection->hconn = entry->hconn;
     connection->leaving = &entry->leaving;
@@ -173,8 +173,8 @@ ConnectionUse::ConnectionUse(MQHCONN hconn, When when) : outcome_(failure(MQRC_H
     entry_ = entry;
     connection_ = entry->connection.get();
     if (when == When::Free) {
-        entry->library = true;
-        library_.flag = &entry->library;
+        entry->reconnecting = true;
+        library_.flag = &entry->reconnecting;
     }
     outcome_ = checkConnection(*connection_);
 }
@@ -189,7 +189,7 @@ bool ConnectionUse::take(ConnectionEntry &entry, MQHCONN hconn, When when, bool 
     }
     if (lock_.try_lock()) return true;
     if (when == When::Free) return false;
-    if (!entry.library) return lock_.try_lock(); // it may have let go of it between the two looks
+    if (!entry.reconnecting) return lock_.try_lock(); // it may have let go of it between the two looks
     if (when == When::Leaving) announceRemoval(hconn);
     lock_.lock();
     return true;
@@ -217,7 +217,7 @@ void ConnectionUse::announceRemoval(MQHCONN hconn)
     ConnectionEntry *entry = entryOf(hconn);
     if (entry == nullptr) return;
     const bool neverBlocks = (entry->special.load(std::memory_order_relaxed) & special::neverBlocks) != 0;
-    if (neverBlocks && !entry->library && !entry->consumes) return;
+    if (neverBlocks && !entry->reconnecting && !entry->consumes) return;
     entry->leaving.store(hconn);
     store::futexWake(&entry->leaving);
 }

@@ -8,6 +8,7 @@
 
 namespace {
 
+// The name must outlive what points at it.
 MQCHARV text(const std::string &value)
 {
     MQCHARV charv = {MQCHARV_DEFAULT};
@@ -148,7 +149,8 @@ int main()
     CHECK(inquire("keep.bytes", MQTYPE_BYTE_STRING) == std::string("\0\1\2", 3));
     MQIMPO impo = {MQIMPO_DEFAULT};
     MQPD pd = {MQPD_DEFAULT};
-    MQCHARV secret = text("secret");
+    const std::string secretName = "secret";
+    MQCHARV secret = text(secretName);
     MQLONG type = MQTYPE_AS_SET;
     MQLONG length = 0;
     char none[8];
