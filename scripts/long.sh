@@ -72,7 +72,7 @@ valgrind_run() {
 # Sizes that an input only claims are refused: allocations fail, and that path is looked at too.
 # What it finds of new paths goes into the build folder; a crash leaves its input there.
 fuzz_target() {
-  local target=$1 name wanted=${MQRIG_FUZZ_SECONDS:-600} spent=0 inputs=0 used TIMEFORMAT=%0U
+  local target=$1 name wanted=${MQRIG_FUZZ_SECONDS:-600} spent=0 inputs=0 user system TIMEFORMAT='%0U %0S'
   name=$(basename "$target" _fuzzer)
   local found=build-fuzz/found/$name
   mkdir -p "$found"
@@ -83,8 +83,8 @@ fuzz_target() {
       tail -n 40 "$found.log" >&2
       return 1
     fi
-    used=$(tail -n 1 "$found.time")
-    spent=$((spent + (used > 0 ? used : 1)))
+    read -r user system < <(tail -n 1 "$found.time")
+    spent=$((spent + (user + system > 0 ? user + system : 1)))
     inputs=$((inputs + $(sed -n 's/^stat::number_of_executed_units: *//p' "$found.log")))
   done
   echo "$name: $inputs inputs in $spent s of CPU time"
