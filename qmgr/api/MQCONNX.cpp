@@ -11,13 +11,10 @@ using namespace mqrig::qmgr;
 
 namespace {
 
-// MQCNO_GENERATE_CONN_TAG: the connection id makes a tag that no other connection has.
 void storeConnection(const core::Connection &connection, MQCNO &cno)
 {
-    if (cno.Version >= MQCNO_VERSION_3 && (cno.Options & MQCNO_GENERATE_CONN_TAG) != 0) {
-        std::memset(cno.ConnTag, 0, sizeof cno.ConnTag);
-        std::memcpy(cno.ConnTag, connection.connectionId.data(), connection.connectionId.size());
-    }
+    if (cno.Version >= MQCNO_VERSION_3 && (cno.Options & MQCNO_GENERATE_CONN_TAG) != 0)
+        std::memcpy(cno.ConnTag, connection.connectionTag.data(), sizeof cno.ConnTag);
     if (cno.Version >= MQCNO_VERSION_5)
         std::memcpy(cno.ConnectionId, connection.connectionId.data(), sizeof cno.ConnectionId);
 }

@@ -70,6 +70,14 @@ PcfConnections readConnections(const PcfCommand &command)
     return read;
 }
 
+// The whole field, as in MQCNO.
+std::array<MQBYTE, MQ_CONN_TAG_LENGTH> tagBytes(const std::string &tag)
+{
+    std::array<MQBYTE, MQ_CONN_TAG_LENGTH> bytes{};
+    std::copy_n(tag.begin(), std::min(tag.size(), bytes.size()), bytes.begin());
+    return bytes;
+}
+
 } // namespace
 
 void inquireQueueStatus(const PcfCommand &command, PcfReplies &replies)
@@ -151,9 +159,13 @@ void inquireConnections(const PcfCommand &command, PcfReplies &replies)
         PcfWriter &reply = replies.add();
         reply.bytes(MQBACF_CONNECTION_ID, connectionId(connection, queueManager));
         reply.integer(MQIACF_CONN_INFO_TYPE, MQIACF_CONN_INFO_CONN);
-        for (const Attribute &row : rows)
-            if (row.access != objects::Access::Identity && isSelected(selection, row.selector))
+        for (const Attribute &row : rows) {
+            if (row.access == objects::Access::Identity || !isSelected(selection, row.selector)) continue;
+            if (row.selector == MQBACF_CONN_TAG)
+                reply.bytes(row.selector, tagBytes(value(row).text));
+            else
                 writeAttribute(reply, row, value(row));
+        }
     }
     if (replies.empty()) replies.fail(faultOf(MQRCCF_CONNECTION_ID_ERROR, MQBACF_CONNECTION_ID));
 }

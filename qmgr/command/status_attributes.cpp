@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "qmgr/command/process_facts.h"
+#include "qmgr/objects/connection_tag.h"
 #include "qmgr/objects/object_name.h"
 #include "qmgr/objects/queue_counters.h"
 
@@ -99,6 +100,7 @@ constexpr Attribute connectionRows[] = {
     number("TYPE", MQIACF_CONN_INFO_TYPE, ofConnection, connectionInfo, Access::Identity),
     text("APPLTAG", MQCACF_APPL_TAG, ofConnection, MQ_APPL_TAG_LENGTH),
     number("APPLTYPE", MQIA_APPL_TYPE, ofConnection, user),
+    text("CONNTAG", MQBACF_CONN_TAG, ofConnection, MQ_CONN_TAG_LENGTH),
     number("PID", MQIACF_PROCESS_ID, ofConnection),
     text("USERID", MQCACF_USER_IDENTIFIER, ofConnection, MQ_USER_ID_LENGTH),
 };
@@ -169,7 +171,9 @@ AttributeValue statusOf(const store::ConnectionInfo &connection, const std::stri
     case MQIACF_CONN_INFO_TYPE:
         return {MQIACF_CONN_INFO_CONN, {}};
     case MQCACF_APPL_TAG:
-        return {0, programOf(connection.pid)};
+        return {0, connection.program.empty() ? programOf(connection.pid) : connection.program};
+    case MQBACF_CONN_TAG:
+        return {0, objects::connectionTag(queueManager, connection.number)};
     case MQIA_APPL_TYPE:
         return {MQAT_USER, {}};
     case MQIACF_PROCESS_ID:

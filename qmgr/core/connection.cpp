@@ -1,5 +1,6 @@
 #include "qmgr/core/connection.h"
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -9,6 +10,7 @@
 #include "qmgr/core/command_server.h"
 #include "qmgr/core/connections.h"
 #include "qmgr/core/events.h"
+#include "qmgr/objects/connection_tag.h"
 #include "qmgr/objects/object_name.h"
 #include "qmgr/objects/system_objects.h"
 #include "qmgr/store/paths.h"
@@ -47,8 +49,8 @@ Outcome whenQuiescing(const std::filesystem::path &storeFolder, std::string_view
 
 Connection::Connection(std::unique_ptr<store::Attachment> attachment, const ConnectRequest &request,
                        std::filesystem::path folder)
-    : store(std::move(attachment)), catalog(*store), options(request.options), identity(processIdentity()),
-      storeFolder(std::move(folder)), queueManagerAsked(request.queueManager)
+    : store(std::move(attachment)), catalog(*store), options(request.options), applName(request.applName),
+      identity(processIdentity()), storeFolder(std::move(folder)), queueManagerAsked(request.queueManager)
 {
     identify();
     if (!request.applName.empty())
@@ -68,6 +70,10 @@ void Connection::identify()
 {
     objects::fillField(queueManagerName, store->queueManagerName());
     makeIdentifier(connectionId.data(), "AMQC", queueManagerName.data(), store->connectionNumber());
+    connectionTag.fill(0);
+    const std::string tag = objects::connectionTag(store->queueManagerName(), store->connectionNumber());
+    std::copy_n(tag.begin(), std::min(tag.size(), connectionTag.size()), connectionTag.begin());
+    if (!applName.empty()) store->nameProgram(applName);
 }
 
 void Connection::newIdentifier(MQBYTE24 &identifier) const

@@ -56,11 +56,13 @@ struct Connection {
     AsyncPuts asyncPuts;
     bool triggering = false; // a trigger message is being put, which triggers nothing itself
 
-    MQLONG options; // MQCNO_
+    MQLONG options;       // MQCNO_
+    std::string applName; // MQCNO.ApplName; empty: the program's file name
     ProcessIdentity identity;
     PutClock clock;
     std::array<char, MQ_Q_MGR_NAME_LENGTH> queueManagerName; // blank-padded
     std::array<MQBYTE, MQ_CONNECTION_ID_LENGTH> connectionId;
+    std::array<MQBYTE, MQ_CONN_TAG_LENGTH> connectionTag;
 
     // ---- The reconnection (reconnect.h) ----
     std::filesystem::path storeFolder;

@@ -1,5 +1,8 @@
 #include "qmgr/store/attachment.h"
 
+#include <algorithm>
+#include <array>
+#include <cstring>
 #include <utility>
 
 #include "qmgr/store/paths.h"
@@ -95,6 +98,15 @@ Watch Attachment::watch() const
 const std::string &Attachment::queueManagerName() const
 {
     return store_->name();
+}
+
+void Attachment::nameProgram(std::string_view name)
+{
+    ConnectionSlot &slot = store_->control().slots[slot_];
+    std::array<std::uint64_t, std::tuple_size_v<decltype(slot.program)>> words{};
+    std::memcpy(words.data(), name.data(), std::min(name.size(), sizeof(MQCHAR28)));
+    for (std::size_t i = 0; i < words.size(); ++i)
+        slot.program[i].store(words[i], std::memory_order_relaxed);
 }
 
 std::vector<ConnectionInfo> Attachment::connections() const

@@ -48,6 +48,7 @@ class Attachment;
 struct ConnectionInfo {
     std::uint64_t number = 0; // its Attachment::connectionNumber
     std::int32_t pid = 0;
+    std::string program{}; // what it calls itself; empty: as its process is called
 };
 
 // A queue that a connection has open, with all its handles for messages.
@@ -104,6 +105,8 @@ public:
     [[nodiscard]] std::uint32_t slot() const { return slot_; }
     // Number of this connection: never used again while the queue manager runs. For connection ids.
     [[nodiscard]] std::uint64_t connectionNumber() const { return connectionNumber_; }
+    // What the connection's program calls itself, for those that ask for connections; the first 28 characters count.
+    void nameProgram(std::string_view name);
     // Every connection whose process lives, in the order in which they were made, this one too.
     [[nodiscard]] std::vector<ConnectionInfo> connections() const;
     // What these have open, by connection; handles that only inquire or set do not count.

@@ -51,8 +51,11 @@ struct alignas(64) ConnectionSlot {
     std::atomic<std::uint32_t> holds;      // at least as many messages as it has locked: 0 spares the search for them
     std::atomic<std::uint32_t> watch;      // futex word of the connection's own thread, see watch.h
     std::atomic<std::uint64_t> watched;    // the wait cells that this thread watches, a bit for each, shared by many
+    // What the program calls itself, MQ_APPL_NAME_LENGTH characters and zeros; empty: as its process is called. A
+    // reader at the moment of a change sees part of it.
+    std::array<std::atomic<std::uint64_t>, 4> program;
 };
-static_assert(sizeof(ConnectionSlot) == 64);
+static_assert(sizeof(ConnectionSlot) == 128);
 
 // Getters of the queues that share the cell sleep on `word`; who changes it makes the system call only for waiters.
 struct alignas(64) WaitCell {

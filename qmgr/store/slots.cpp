@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstring>
 
 #include "qmgr/store/process.h"
 #include "qmgr/store/seams.h"
@@ -38,10 +39,23 @@ bool Store::anyConnection()
     return false;
 }
 
+namespace {
+
+std::string programOf(const ConnectionSlot &slot)
+{
+    std::array<std::uint64_t, std::tuple_size_v<decltype(slot.program)>> words{};
+    for (std::size_t i = 0; i < words.size(); ++i)
+        words[i] = slot.program[i].load(std::memory_order_relaxed);
+    const auto *text = reinterpret_cast<const char *>(words.data());
+    return {text, strnlen(text, sizeof words)};
+}
+
+} // namespace
+
 std::optional<ConnectionInfo> Store::connectionOf(std::uint32_t number)
 {
     const ConnectionSlot &slot = control().slots[number];
-    const ConnectionInfo connection{.number = slot.connection, .pid = slot.pid};
+    ConnectionInfo connection{.number = slot.connection, .pid = slot.pid, .program = programOf(slot)};
     if (slot.state != SlotState::Taken || !isAlive(slot, number, *slotLocks_)) return std::nullopt;
     return connection;
 }
@@ -101,6 +115,8 @@ Store::SlotTaken Store::takeSlot()
                 slot.waitsOn = 0;
                 slot.holds = 0;
                 slot.watched = 0;
+                for (std::atomic<std::uint64_t> &word : slot.program)
+                    word.store(0, std::memory_order_relaxed);
                 slot.state = SlotState::Taken;
                 noteBusy();
                 for (std::uint32_t limit = block.slotLimit; limit <= number;) {

@@ -3,6 +3,8 @@
 #include <cmqxc.h>
 
 #include <cstring>
+#include <string>
+#include <vector>
 
 namespace mqrig::qmgr::testing {
 namespace {
@@ -207,6 +209,44 @@ TEST_F(Connect, ReconnectOptionsAreAccepted)
         cno.Options = options;
         MQHCONN hconn = MQHC_UNUSABLE_HCONN;
         EXPECT_EQ(tryConnectX("QM1", cno, hconn), ok);
+    }
+}
+
+TEST_F(Connect, GeneratedTagIsOfOneConnectionOnly)
+{
+    std::vector<std::string> tags;
+    for (int i = 0; i < 2; ++i) {
+        MQCNO cno = {MQCNO_DEFAULT};
+        cno.Version = MQCNO_VERSION_3;
+        cno.Options = MQCNO_GENERATE_CONN_TAG;
+        MQHCONN hconn = MQHC_UNUSABLE_HCONN;
+        ASSERT_EQ(tryConnectX("QM1", cno, hconn), ok);
+        tags.push_back(bytes(cno.ConnTag));
+        EXPECT_EQ(tags.back().substr(0, 4), "MQCT");
+        EXPECT_EQ(std::string(tags.back().c_str()).substr(20), "QM1");
+    }
+    EXPECT_NE(tags[0], tags[1]);
+}
+
+TEST_F(Connect, TagIsLeftAloneWhereNoneIsWanted)
+{
+    MQCNO cno = {MQCNO_DEFAULT};
+    cno.Version = MQCNO_VERSION_3;
+    cno.ConnTag[0] = 7;
+    MQHCONN hconn = MQHC_UNUSABLE_HCONN;
+    ASSERT_EQ(tryConnectX("QM1", cno, hconn), ok);
+    EXPECT_EQ(cno.ConnTag[0], 7);
+}
+
+TEST_F(Connect, TagsThatSerialiseAreOfAnotherPlatform)
+{
+    for (const MQLONG option : {MQCNO_SERIALIZE_CONN_TAG_Q_MGR, MQCNO_SERIALIZE_CONN_TAG_QSG,
+                                MQCNO_RESTRICT_CONN_TAG_Q_MGR, MQCNO_RESTRICT_CONN_TAG_QSG}) {
+        MQCNO cno = {MQCNO_DEFAULT};
+        cno.Version = MQCNO_VERSION_3;
+        cno.Options = option;
+        MQHCONN hconn = MQHC_UNUSABLE_HCONN;
+        EXPECT_EQ(tryConnectX("QM1", cno, hconn), failed(MQRC_OPTIONS_ERROR));
     }
 }
 

@@ -130,6 +130,14 @@ TEST_F(MqscStatus, OneConnectionIsShownWithEverything)
         EXPECT_NE(shown.find(part), std::string::npos) << part << '\n' << shown;
 }
 
+TEST_F(MqscStatus, ConnectionIsShownUnderTheNameThatItsProgramGives)
+{
+    attachment_->nameProgram("billing of the third floor and more");
+    const std::string shown = answer("DIS CONN(" + nameOf(*attachment_) + ") APPLTAG CONNTAG");
+    EXPECT_NE(shown.find("APPLTAG(billing of the third floor a)"), std::string::npos) << shown;
+    EXPECT_NE(shown.find("CONNTAG(MQCT" + nameOf(*attachment_) + "QM1)"), std::string::npos) << shown;
+}
+
 TEST_F(MqscStatus, ConnectionThatHasEndedIsNotShown)
 {
     auto other = connect();

@@ -211,6 +211,9 @@ TEST_F(PcfStatus, ConnectionsAreFoundByTheirIds)
         EXPECT_EQ(reply.number(MQIACF_CONN_INFO_TYPE), MQIACF_CONN_INFO_CONN);
         EXPECT_EQ(reply.number(MQIACF_PROCESS_ID), getpid());
         EXPECT_EQ(reply.text(MQCACF_APPL_TAG), "qmgr_command_test");
+        const std::string tag = reply.find(MQBACF_CONN_TAG)->texts.front();
+        EXPECT_EQ(tag.size(), std::size_t{MQ_CONN_TAG_LENGTH});
+        EXPECT_EQ(tag.substr(0, 4), "MQCT");
     }
     const std::string id = all[1].find(MQBACF_CONNECTION_ID)->texts.front();
     ASSERT_EQ(id.size(), std::size_t{MQ_CONNECTION_ID_LENGTH});
