@@ -1,5 +1,7 @@
 /* A C99 program writes each structure of each version in the middle of a pattern, hands it to the library, and finds
    nothing changed but what the call returns: neither what is only read nor what lies behind the version. */
+#include <cmqxc.h>
+
 #include "program.h"
 
 static const unsigned char pattern = 0xA5;
@@ -59,12 +61,123 @@ static void connectOptions(void)
     }
 }
 
+/* What a connection names and only reads: a channel without a host, and credentials. */
+static void channelsAndCredentials(void)
+{
+    static const size_t lengths[] = {MQCD_LENGTH_1, MQCD_LENGTH_2,  MQCD_LENGTH_3,  MQCD_LENGTH_4,
+                                     MQCD_LENGTH_5, MQCD_LENGTH_6,  MQCD_LENGTH_7,  MQCD_LENGTH_8,
+                                     MQCD_LENGTH_9, MQCD_LENGTH_10, MQCD_LENGTH_11, MQCD_LENGTH_12};
+    MQLONG version;
+    for (version = MQCD_VERSION_1; version <= MQCD_CURRENT_VERSION; ++version) {
+        const size_t length = lengths[version - 1];
+        MQCNO cno = {MQCNO_DEFAULT};
+        MQCD cd = {MQCD_CLIENT_CONN_DEFAULT};
+        MQCSP csp = {MQCSP_DEFAULT};
+        MQHCONN hconn = MQHC_UNUSABLE_HCONN;
+        Block cdBlock;
+        Block again;
+        Block cspBlock;
+        cd.Version = version;
+        memset(cdBlock.bytes, pattern, sizeof cdBlock.bytes);
+        memcpy(cdBlock.bytes, &cd, length);
+        again = cdBlock;
+        cno.Version = MQCNO_VERSION_5;
+        cno.Options = MQCNO_HANDLE_SHARE_BLOCK;
+        cno.ClientConnPtr = cdBlock.bytes;
+        csp.AuthenticationType = MQCSP_AUTH_USER_ID_AND_PWD;
+        csp.CSPUserIdPtr = "user";
+        csp.CSPUserIdLength = 4;
+        cno.SecurityParmsPtr = lay(&cspBlock, &csp, MQCSP_LENGTH_1, MQCSP_VERSION_1);
+        OK(MQCONNX(qm1, &cno, &hconn, &cc, &rc));
+        CHECK(memcmp(again.bytes, cdBlock.bytes, sizeof again.bytes) == 0);
+        CHECK(isAsLaid(&cspBlock, &csp, MQCSP_LENGTH_1, MQCSP_VERSION_1));
+        OK(MQDISC(&hconn, &cc, &rc));
+    }
+}
+
+/* The arrays of a distribution list have no version: what lies around their elements is the program's. */
+static void distributionList(MQHCONN hconn)
+{
+    MQOD od = {MQOD_DEFAULT};
+    MQMD md = {MQMD_DEFAULT};
+    MQPMO pmo = {MQPMO_DEFAULT};
+    MQOR names[2] = {{MQOR_DEFAULT}, {MQOR_DEFAULT}};
+    MQRR none[2] = {{MQRR_DEFAULT}, {MQRR_DEFAULT}};
+    MQBYTE24 ids[2];
+    Block namesBlock;
+    Block againNames;
+    Block responses;
+    Block records;
+    NAME(names[0].ObjectName, "Q1");
+    NAME(names[1].ObjectName, "NOT.THERE");
+    memset(namesBlock.bytes, pattern, sizeof namesBlock.bytes);
+    memcpy(namesBlock.bytes, names, sizeof names);
+    againNames = namesBlock;
+    memset(responses.bytes, pattern, sizeof responses.bytes);
+    memcpy(responses.bytes, none, sizeof none);
+    memset(records.bytes, pattern, sizeof records.bytes);
+    memset(records.bytes, 0, sizeof ids);
+
+    od.Version = MQOD_VERSION_2;
+    od.RecsPresent = 2;
+    od.ObjectRecPtr = namesBlock.bytes;
+    od.ResponseRecPtr = responses.bytes;
+    pmo.Version = MQPMO_VERSION_2;
+    pmo.Options = MQPMO_NO_SYNCPOINT | MQPMO_NEW_MSG_ID;
+    pmo.RecsPresent = 2;
+    pmo.PutMsgRecFields = MQPMRF_MSG_ID;
+    pmo.PutMsgRecPtr = records.bytes;
+    pmo.ResponseRecPtr = responses.bytes;
+    WARNS(MQRC_MULTIPLE_REASONS, MQPUT1(hconn, &od, &md, &pmo, 5, "hello", &cc, &rc));
+    CHECK(memcmp(namesBlock.bytes, againNames.bytes, sizeof againNames.bytes) == 0);
+    CHECK(isPatternFrom(&responses, sizeof none) && isPatternFrom(&records, sizeof ids));
+    memcpy(none, responses.bytes, sizeof none);
+    CHECK(none[0].CompCode == MQCC_OK && none[0].Reason == MQRC_NONE);
+    CHECK(none[1].CompCode == MQCC_FAILED && none[1].Reason == MQRC_UNKNOWN_OBJECT_NAME);
+    CHECK(memcmp(records.bytes, MQMI_NONE, MQ_MSG_ID_LENGTH) != 0);
+    {
+        MQHOBJ hobj = openQueue(hconn, "Q1", MQOO_INPUT_SHARED);
+        MQGMO gmo = {MQGMO_DEFAULT};
+        MQLONG length = 0;
+        char buffer[16];
+        gmo.Options = MQGMO_NO_SYNCPOINT;
+        memcpy(md.MsgId, records.bytes, sizeof md.MsgId);
+        OK(MQGET(hconn, hobj, &md, &gmo, (MQLONG)sizeof buffer, buffer, &length, &cc, &rc));
+        OK(MQCLOSE(hconn, &hobj, MQCO_NONE, &cc, &rc));
+    }
+}
+
+static const size_t odLengths[] = {MQOD_LENGTH_1, MQOD_LENGTH_2, MQOD_LENGTH_3, MQOD_LENGTH_4};
+static const size_t mdLengths[] = {MQMD_LENGTH_1, MQMD_LENGTH_2};
+static const size_t gmoLengths[] = {MQGMO_LENGTH_1, MQGMO_LENGTH_2, MQGMO_LENGTH_3, MQGMO_LENGTH_4};
+
+/* The pattern behind the version does not travel with the message either. */
+static void putAndGetWhole(MQHCONN hconn, MQLONG odVersion, MQLONG mdVersion, MQHOBJ hobj)
+{
+    MQOD od = {MQOD_DEFAULT};
+    MQMD md = {MQMD_DEFAULT};
+    MQMD got = {MQMD_DEFAULT};
+    MQPMO pmo = {MQPMO_DEFAULT};
+    MQGMO gmo = {MQGMO_DEFAULT};
+    MQLONG length = 0;
+    char buffer[16];
+    Block odBlock;
+    Block mdBlock;
+    NAME(od.ObjectName, "Q1");
+    pmo.Options = MQPMO_NO_SYNCPOINT;
+    OK(MQPUT1(hconn, lay(&odBlock, &od, odLengths[odVersion - 1], odVersion),
+              lay(&mdBlock, &md, mdLengths[mdVersion - 1], mdVersion), &pmo, 5, "hello", &cc, &rc));
+    CHECK(isPatternFrom(&odBlock, odLengths[odVersion - 1]) && isPatternFrom(&mdBlock, mdLengths[mdVersion - 1]));
+    gmo.Options = MQGMO_NO_SYNCPOINT;
+    got.Version = MQMD_VERSION_2;
+    OK(MQGET(hconn, hobj, &got, &gmo, (MQLONG)sizeof buffer, buffer, &length, &cc, &rc));
+    CHECK(memcmp(got.GroupId, MQGI_NONE, sizeof got.GroupId) == 0);
+    CHECK(got.MsgSeqNumber == 1 && got.Offset == 0 && got.MsgFlags == MQMF_NONE && got.OriginalLength == -1);
+}
+
 static void openAndPut(MQHCONN hconn)
 {
-    static const size_t odLengths[] = {MQOD_LENGTH_1, MQOD_LENGTH_2, MQOD_LENGTH_3, MQOD_LENGTH_4};
-    static const size_t mdLengths[] = {MQMD_LENGTH_1, MQMD_LENGTH_2};
     static const size_t pmoLengths[] = {MQPMO_LENGTH_1, MQPMO_LENGTH_2, MQPMO_LENGTH_3};
-    static const size_t gmoLengths[] = {MQGMO_LENGTH_1, MQGMO_LENGTH_2, MQGMO_LENGTH_3, MQGMO_LENGTH_4};
     MQLONG odVersion;
     MQLONG mdVersion;
     MQLONG pmoVersion;
@@ -121,6 +234,8 @@ static void openAndPut(MQHCONN hconn)
                     CHECK(memcmp(got->PutTime, put->PutTime, sizeof got->PutTime) == 0);
                     if (mdVersion == MQMD_VERSION_2) CHECK(got->MsgSeqNumber == 1 && got->OriginalLength == -1);
                 }
+        for (mdVersion = MQMD_VERSION_1; mdVersion <= MQMD_CURRENT_VERSION; ++mdVersion)
+            putAndGetWhole(hconn, odVersion, mdVersion, hobj);
         OK(MQCLOSE(hconn, &hobj, MQCO_NONE, &cc, &rc));
     }
 }
@@ -165,8 +280,10 @@ static void messageHandles(MQHCONN hconn)
     MQLONG length = 0;
     MQLONG value = 42;
     MQLONG got = 0;
+    MQLONG version;
     char buffer[256];
     Block block;
+    Block mdBlock;
     Block pdBlock;
     name.VSPtr = "size";
     name.VSLength = 4;
@@ -183,14 +300,26 @@ static void messageHandles(MQHCONN hconn)
     CHECK(type == MQTYPE_INT32 && length == 4 && got == 42);
     CHECK(isPatternFrom(&block, MQIMPO_LENGTH_1) && isPatternFrom(&pdBlock, MQPD_LENGTH_1));
     CHECK(((MQPD *)(void *)pdBlock.bytes)->Support == MQPD_SUPPORT_OPTIONAL);
-    OK(MQMHBUF(hconn, hmsg, lay(&block, &mhbo, MQMHBO_LENGTH_1, 1), &all, &md, (MQLONG)sizeof buffer, buffer, &length,
-               &cc, &rc));
-    CHECK(isAsLaid(&block, &mhbo, MQMHBO_LENGTH_1, 1));
-    CHECK(memcmp(buffer, MQRFH_STRUC_ID, 4) == 0);
+    for (version = MQMD_VERSION_1; version <= MQMD_CURRENT_VERSION; ++version) {
+        MQMD *laid = lay(&mdBlock, &md, mdLengths[version - 1], version);
+        OK(MQMHBUF(hconn, hmsg, lay(&block, &mhbo, MQMHBO_LENGTH_1, 1), &all, laid, (MQLONG)sizeof buffer, buffer,
+                   &length, &cc, &rc));
+        CHECK(isAsLaid(&block, &mhbo, MQMHBO_LENGTH_1, 1));
+        CHECK(isPatternFrom(&mdBlock, mdLengths[version - 1]) && memcmp(laid->Format, MQFMT_RF_HEADER_2, 8) == 0);
+        CHECK(memcmp(buffer, MQRFH_STRUC_ID, 4) == 0);
+    }
     OK(MQDLTMP(hconn, hmsg, lay(&block, &dmpo, MQDMPO_LENGTH_1, 1), &name, &cc, &rc));
     CHECK(isAsLaid(&block, &dmpo, MQDMPO_LENGTH_1, 1));
-    OK(MQBUFMH(hconn, hmsg, lay(&block, &bmho, MQBMHO_LENGTH_1, 1), &md, length, buffer, &length, &cc, &rc));
-    CHECK(isAsLaid(&block, &bmho, MQBMHO_LENGTH_1, 1));
+    memcpy(md.Format, MQFMT_RF_HEADER_2, sizeof md.Format);
+    for (version = MQMD_VERSION_1; version <= MQMD_CURRENT_VERSION; ++version) {
+        char copy[256];
+        MQLONG left = 0;
+        MQMD *laid = lay(&mdBlock, &md, mdLengths[version - 1], version);
+        memcpy(copy, buffer, sizeof copy);
+        OK(MQBUFMH(hconn, hmsg, lay(&block, &bmho, MQBMHO_LENGTH_1, 1), laid, length, copy, &left, &cc, &rc));
+        CHECK(isAsLaid(&block, &bmho, MQBMHO_LENGTH_1, 1));
+        CHECK(isPatternFrom(&mdBlock, mdLengths[version - 1]) && left == 0 && memcmp(laid->Format, MQFMT_NONE, 8) == 0);
+    }
     OK(MQDLTMH(hconn, &hmsg, lay(&block, &dmho, MQDMHO_LENGTH_1, 1), &cc, &rc));
     CHECK(isAsLaid(&block, &dmho, MQDMHO_LENGTH_1, 1));
 }
@@ -212,10 +341,22 @@ static void callbacks(MQHCONN hconn)
     MQGMO gmo = {MQGMO_DEFAULT};
     MQHOBJ hobj = openQueue(hconn, "Q1", MQOO_INPUT_SHARED);
     MQCB_FUNCTION *function = handler;
+    MQLONG mdVersion;
+    MQLONG gmoVersion;
     Block block;
+    Block mdBlock;
+    Block gmoBlock;
     memcpy(&cbd.CallbackFunction, &function, sizeof function);
-    OK(MQCB(hconn, MQOP_REGISTER, lay(&block, &cbd, MQCBD_LENGTH_1, 1), hobj, &md, &gmo, &cc, &rc));
-    CHECK(isAsLaid(&block, &cbd, MQCBD_LENGTH_1, 1));
+    gmo.Options = MQGMO_NO_SYNCPOINT;
+    for (mdVersion = MQMD_VERSION_1; mdVersion <= MQMD_CURRENT_VERSION; ++mdVersion)
+        for (gmoVersion = MQGMO_VERSION_1; gmoVersion <= MQGMO_CURRENT_VERSION; ++gmoVersion) {
+            const size_t mdLength = mdLengths[mdVersion - 1];
+            const size_t gmoLength = gmoLengths[gmoVersion - 1];
+            OK(MQCB(hconn, MQOP_REGISTER, lay(&block, &cbd, MQCBD_LENGTH_1, 1), hobj,
+                    lay(&mdBlock, &md, mdLength, mdVersion), lay(&gmoBlock, &gmo, gmoLength, gmoVersion), &cc, &rc));
+            CHECK(isAsLaid(&block, &cbd, MQCBD_LENGTH_1, 1));
+            CHECK(isAsLaid(&mdBlock, &md, mdLength, mdVersion) && isAsLaid(&gmoBlock, &gmo, gmoLength, gmoVersion));
+        }
     OK(MQCTL(hconn, MQOP_START, lay(&block, &ctlo, MQCTLO_LENGTH_1, 1), &cc, &rc));
     CHECK(isAsLaid(&block, &ctlo, MQCTLO_LENGTH_1, 1));
     OK(MQCTL(hconn, MQOP_STOP, &ctlo, &cc, &rc));
@@ -229,7 +370,9 @@ int main(void)
     setName(qm1, sizeof qm1, "QM1");
     hconn = connectToQM1();
     connectOptions();
+    channelsAndCredentials();
     openAndPut(hconn);
+    distributionList(hconn);
     status(hconn);
     begin(hconn);
     messageHandles(hconn);
