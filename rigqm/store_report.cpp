@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "qmgr/objects/object_definition.h"
+#include "qmgr/objects/subscription.h"
 #include "subcommand.h"
 
 namespace mqrig::rigqm {
@@ -15,10 +16,11 @@ std::string counted(std::uint64_t number, const char *one, const char *many)
 
 bool canDecode(const qmgr::store::Definition &definition)
 {
-    // Numbers of object types are small; what else is stored has a form of its own, and a checksum like all.
-    constexpr MQLONG firstOther = 1000;
-    if (definition.type >= firstOther) return true;
-    return qmgr::objects::ObjectDefinition::decode(definition.bytes).has_value();
+    if (definition.type != qmgr::store::subscriptions)
+        return qmgr::objects::ObjectDefinition::decode(definition.bytes).has_value();
+    const auto subscription = qmgr::objects::Subscription::decode(definition.bytes);
+    return subscription && qmgr::objects::keyOf(*subscription) == definition.name &&
+           qmgr::objects::TopicPattern::parse(subscription->topic, subscription->scheme);
 }
 
 void printFindings(const std::vector<std::string> &findings)
@@ -32,7 +34,9 @@ void printFindings(const std::vector<std::string> &findings)
 
 std::string contentsOf(const qmgr::store::LogContents &log)
 {
-    return counted(log.definitions, "object", "objects") + ", " +
+    std::string subscriptions;
+    if (log.subscriptions != 0) subscriptions = ", " + counted(log.subscriptions, "subscription", "subscriptions");
+    return counted(log.definitions - log.subscriptions, "object", "objects") + subscriptions + ", " +
            counted(log.messages, "persistent message", "persistent messages") + " of " +
            counted(log.bytes, "byte", "bytes");
 }

@@ -1,4 +1,5 @@
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "qmgr/api/api.h"
@@ -38,8 +39,9 @@ MQLONG checkOpenOptions(MQLONG options)
 }
 
 // The queue's names are told to those who handle its messages, or who ask for them.
-void tell(const core::Connection &connection, const core::OpenObject &object, MQLONG options, void *od)
+void tell(core::Connection &connection, const core::OpenObject &object, MQLONG options, void *od)
 {
+    if (object.topic != nullptr) return api::storeTopic(connection, *object.topic, od);
     const bool namesQueue =
         object.type == MQOT_Q && ((options & (messageOptions | MQOO_RESOLVE_LOCAL_Q)) != 0 || object.made);
     if (!namesQueue) {
@@ -84,9 +86,15 @@ Outcome open(MQHCONN Hconn, PMQVOID pObjDesc, MQLONG options, PMQHOBJ pHobj)
     if (const MQLONG reason = api::loadSelector(*use, od.SelectionString, pObjDesc, selector)) return failure(reason);
 
     if (od.RecsPresent > 0) return openList(*use, od, options, pObjDesc, *pHobj);
-    const Outcome opened = core::openObject(*use, api::objectName(od), options, *pHobj);
+    core::ObjectName name = api::objectName(od);
+    std::string objectString;
+    if (name.type == MQOT_TOPIC) {
+        if (const MQLONG reason = api::loadObjectString(*use, od, pObjDesc, objectString)) return failure(reason);
+        name.objectString = objectString;
+    }
+    const Outcome opened = core::openObject(*use, name, options, *pHobj);
     if (opened.failed()) {
-        core::callEvent(*use, opened, api::objectName(od));
+        if (name.type != MQOT_TOPIC) core::callEvent(*use, opened, name);
         return opened;
     }
     core::OpenObject &object = *use->handles.find(*pHobj);

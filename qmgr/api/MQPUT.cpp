@@ -5,6 +5,7 @@
 #include "qmgr/api/distribution_records.h"
 #include "qmgr/api/follow_options.h"
 #include "qmgr/api/object_descriptor.h"
+#include "qmgr/api/publish_call.h"
 #include "qmgr/api/put_call.h"
 #include "qmgr/api/put_handles.h"
 #include "qmgr/api/structures.h"
@@ -19,7 +20,7 @@ namespace {
 
 core::ObjectName askedName(const core::OpenObject &object)
 {
-    return {object.type, object.asked.name, object.asked.queueManager};
+    return {object.type, object.asked.name, object.asked.queueManager, {}, object.asked.objectString};
 }
 
 Outcome putToList(MQHCONN Hconn, core::Connection &connection, core::OpenObject &object, PMQVOID pMsgDesc,
@@ -67,6 +68,11 @@ Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, M
         return failure(MQRC_WRONG_MD_VERSION);
     if (const MQLONG reason = api::checkToFollow(*use, call.pmo)) return failure(reason);
     if (!object->allows(MQOO_OUTPUT)) return failure(MQRC_NOT_OPEN_FOR_OUTPUT);
+    if (object->topic != nullptr) [[unlikely]]
+        return api::publish(Hconn, *use, {*object->topic, askedName(*object)},
+                            {call.pmo.Options, object->options, call.pmo.Context, &object->logicalOrder}, call,
+                            pMsgDesc, pPutMsgOpts);
+    if (api::asksForTopic(call.pmo)) return failure(MQRC_OPTIONS_ERROR);
     if (object->list != nullptr) [[unlikely]]
         return putToList(Hconn, *use, *object, pMsgDesc, pPutMsgOpts, call);
     if (call.pmo.RecsPresent != 0) return failure(MQRC_RECS_PRESENT_ERROR);

@@ -1,9 +1,11 @@
 #include <optional>
+#include <string>
 
 #include "qmgr/api/api.h"
 #include "qmgr/api/async_put.h"
 #include "qmgr/api/distribution_records.h"
 #include "qmgr/api/object_descriptor.h"
+#include "qmgr/api/publish_call.h"
 #include "qmgr/api/put_call.h"
 #include "qmgr/api/put_handles.h"
 #include "qmgr/api/structures.h"
@@ -12,6 +14,7 @@
 #include "qmgr/core/events.h"
 #include "qmgr/core/open.h"
 #include "qmgr/core/put.h"
+#include "qmgr/core/topic.h"
 
 using namespace mqrig::qmgr;
 
@@ -24,6 +27,7 @@ constexpr MQLONG openOptions = MQOO_OUTPUT | MQOO_SET_ALL_CONTEXT;
 Outcome put1ToList(MQHCONN Hconn, core::Connection &connection, const MQOD &od, PMQVOID pObjDesc, PMQVOID pMsgDesc,
                    PMQVOID pPutMsgOpts, api::PutCall &call)
 {
+    if (api::asksForTopic(call.pmo)) return failure(MQRC_OPTIONS_ERROR);
     core::DistributionList list;
     core::PutRecords records;
     api::ResponseRecords responses;
@@ -56,6 +60,20 @@ Outcome put1ToList(MQHCONN Hconn, core::Connection &connection, const MQOD &od, 
     return outcome;
 }
 
+// To a topic, or an alias queue that stands for one; `asked`: what the program named.
+Outcome publish1(MQHCONN Hconn, core::Connection &connection, const core::ObjectName &name,
+                 const core::ObjectName &asked, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts,
+                 api::PutCall &call)
+{
+    core::OpenTopic topic;
+    if (const Outcome opened = core::openTopic(connection, name, openOptions, topic); opened.failed()) return opened;
+    const Outcome outcome =
+        api::publish(Hconn, connection, {topic, asked, false},
+                     {call.pmo.Options, openOptions, call.pmo.Context, nullptr}, call, pMsgDesc, pPutMsgOpts);
+    if (!outcome.failed()) api::storeTopic(connection, topic, pObjDesc);
+    return outcome;
+}
+
 Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, MQLONG bufferLength,
              PMQVOID pBuffer)
 {
@@ -70,11 +88,22 @@ Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgO
     const MQOD od = api::loadOd(pObjDesc);
     if (const MQLONG reason = api::checkObject(od, api::Selects::No)) return failure(reason);
 
+    core::ObjectName name = api::objectName(od);
+    if (name.type == MQOT_TOPIC) {
+        std::string objectString;
+        if (const MQLONG reason = api::loadObjectString(*use, od, pObjDesc, objectString)) return failure(reason);
+        name.objectString = objectString;
+        return publish1(Hconn, *use, name, name, pObjDesc, pMsgDesc, pPutMsgOpts, call);
+    }
     if (od.RecsPresent > 0) return put1ToList(Hconn, *use, od, pObjDesc, pMsgDesc, pPutMsgOpts, call);
     if (call.pmo.RecsPresent != 0) return failure(MQRC_RECS_PRESENT_ERROR);
-    const objects::FoundQueue found = core::resolveForPut(*use, api::objectName(od));
+    const objects::FoundQueue found = core::resolveForPut(*use, name);
+    if (found.outcome.Reason == MQRC_ALIAS_BASE_Q_TYPE_ERROR) [[unlikely]]
+        if (const std::string topic = core::topicOfAlias(*use, name); !topic.empty())
+            return publish1(Hconn, *use, {MQOT_TOPIC, topic, {}}, name, pObjDesc, pMsgDesc, pPutMsgOpts, call);
+    if (api::asksForTopic(call.pmo)) return failure(MQRC_OPTIONS_ERROR);
     if (found.outcome.failed()) {
-        core::callEvent(*use, found.outcome, api::objectName(od));
+        core::callEvent(*use, found.outcome, name);
         return found.outcome;
     }
     const objects::QueueDefinition &queue = *found.hold.queue;

@@ -56,10 +56,4 @@ void answerFollowing(MQHCONN hconn, PMQLONG pCompCode, PMQLONG pReason, Call &&c
     });
 }
 
-// A call that is exported but not built yet.
-inline void answerNotSupported(PMQLONG pCompCode, PMQLONG pReason) noexcept
-{
-    answer(pCompCode, pReason, [] { return failure(MQRC_FUNCTION_NOT_SUPPORTED); });
-}
-
 } // namespace mqrig::qmgr::api

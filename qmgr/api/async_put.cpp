@@ -18,7 +18,8 @@ Outcome finishAsyncPut(core::Connection &connection, const core::AsyncKind &kind
                        const PutCall &call, void *msgDesc)
 {
     const core::AsyncTarget target{
-        name.type, name.name, name.queueManager, textOf(found.queue), textOf(found.queueManager), openOptions, {}};
+        name.type,   name.name,        name.queueManager, textOf(found.queue), textOf(found.queueManager),
+        openOptions, name.objectString};
     const Outcome answer = core::noteAsyncPut(connection, kind, outcome, target);
     if (!answer.failed() && msgDesc != nullptr) storeAsyncPutMd(call.message.header.md, msgDesc);
     return answer;

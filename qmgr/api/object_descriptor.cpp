@@ -1,6 +1,8 @@
 #include "qmgr/api/object_descriptor.h"
 
+#include "qmgr/api/charv.h"
 #include "qmgr/api/selection_string.h"
+#include "qmgr/core/topic.h"
 #include "qmgr/objects/object_name.h"
 
 namespace mqrig::qmgr::api {
@@ -16,6 +18,21 @@ core::ObjectName objectName(const MQOD &od)
 {
     return {od.ObjectType, objects::fieldText(od.ObjectName), objects::fieldText(od.ObjectQMgrName),
             objects::fieldText(od.DynamicQName)};
+}
+
+MQLONG loadObjectString(core::Connection &connection, const MQOD &od, const void *descriptor, std::string &string)
+{
+    const MQLONG ccsid = connection.queueManager().codedCharSetId;
+    if (!loadText(od.ObjectString, descriptor, core::longestTopic, ccsid, string)) return MQRC_OBJECT_STRING_ERROR;
+    return isWritable(od.ResObjectString) ? MQRC_NONE : MQRC_RES_OBJECT_STRING_ERROR;
+}
+
+void storeTopic(core::Connection &connection, const core::OpenTopic &topic, void *descriptor)
+{
+    storeOd({}, {}, MQOT_TOPIC, descriptor);
+    MQOD &od = *static_cast<MQOD *>(descriptor);
+    if (od.Version < MQOD_VERSION_4) return;
+    storeText(topic.topic, descriptor, connection.queueManager().codedCharSetId, od.ResObjectString);
 }
 
 ResolvedNames resolvedNames(const core::Connection &connection, const objects::QueueDefinition &queue, Told told)

@@ -1,6 +1,8 @@
 // The MQOD of MQOPEN and MQPUT1.
 #pragma once
 
+#include <string>
+
 #include "cmqc.h"
 #include "qmgr/api/structures.h"
 #include "qmgr/core/connection.h"
@@ -16,6 +18,12 @@ MQLONG checkObject(const MQOD &od, Selects selects);
 
 // The names in it; valid as long as the descriptor.
 core::ObjectName objectName(const MQOD &od);
+
+// The long names of a topic: `string` in UTF-8. `descriptor`: the program's own. MQRC_NONE, MQRC_OBJECT_STRING_ERROR,
+// MQRC_RES_OBJECT_STRING_ERROR.
+MQLONG loadObjectString(core::Connection &connection, const MQOD &od, const void *descriptor, std::string &string);
+// Tells the topic that was opened or published on.
+void storeTopic(core::Connection &connection, const core::OpenTopic &topic, void *descriptor);
 
 // What MQOPEN and the puts tell of the queue that a name led to: the queue elsewhere, or, where `told` says so, the
 // local one that keeps the messages.

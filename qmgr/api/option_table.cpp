@@ -24,8 +24,7 @@ constexpr std::string_view oneBinding = "the queue manager runs inside the progr
 constexpr std::string_view noAccounting = "no accounting or activity records are written";
 constexpr std::string_view noAuthority = "the store belongs to one user: there is no other user to check";
 constexpr std::string_view zosOnly = "the MQI has it on z/OS only";
-constexpr std::string_view topicsOnly = "it is for topics";
-constexpr std::string_view subscriptionOnly = "it is for subscriptions";
+constexpr std::string_view noNetwork = "publications do not leave the queue manager";
 
 constexpr OptionRow connectRows[] = {
     noEffect("MQCNO_FASTPATH_BINDING", MQCNO_FASTPATH_BINDING, oneBinding),
@@ -85,8 +84,8 @@ constexpr OptionRow openRows[] = {
 constexpr OptionRow closeRows[] = {
     done("MQCO_DELETE", MQCO_DELETE),
     done("MQCO_DELETE_PURGE", MQCO_DELETE_PURGE),
-    refused("MQCO_KEEP_SUB", MQCO_KEEP_SUB, MQRC_OPTION_NOT_VALID_FOR_TYPE, subscriptionOnly),
-    refused("MQCO_REMOVE_SUB", MQCO_REMOVE_SUB, MQRC_OPTION_NOT_VALID_FOR_TYPE, subscriptionOnly),
+    done("MQCO_KEEP_SUB", MQCO_KEEP_SUB),
+    done("MQCO_REMOVE_SUB", MQCO_REMOVE_SUB),
     noEffect("MQCO_QUIESCE", MQCO_QUIESCE, "no messages are read ahead"),
 };
 
@@ -107,12 +106,12 @@ constexpr OptionRow putRows[] = {
     done("MQPMO_ASYNC_RESPONSE", MQPMO_ASYNC_RESPONSE),
     done("MQPMO_SYNC_RESPONSE", MQPMO_SYNC_RESPONSE),
     done("MQPMO_RESOLVE_LOCAL_Q", MQPMO_RESOLVE_LOCAL_Q),
-    refused("MQPMO_WARN_IF_NO_SUBS_MATCHED", MQPMO_WARN_IF_NO_SUBS_MATCHED, MQRC_OPTIONS_ERROR, topicsOnly),
-    refused("MQPMO_RETAIN", MQPMO_RETAIN, MQRC_OPTIONS_ERROR, topicsOnly),
+    done("MQPMO_WARN_IF_NO_SUBS_MATCHED", MQPMO_WARN_IF_NO_SUBS_MATCHED),
+    done("MQPMO_RETAIN", MQPMO_RETAIN),
     done("MQPMO_MD_FOR_OUTPUT_ONLY", MQPMO_MD_FOR_OUTPUT_ONLY),
-    refused("MQPMO_SCOPE_QMGR", MQPMO_SCOPE_QMGR, MQRC_OPTIONS_ERROR, topicsOnly),
-    refused("MQPMO_SUPPRESS_REPLYTO", MQPMO_SUPPRESS_REPLYTO, MQRC_OPTIONS_ERROR, topicsOnly),
-    refused("MQPMO_NOT_OWN_SUBS", MQPMO_NOT_OWN_SUBS, MQRC_OPTIONS_ERROR, topicsOnly),
+    noEffect("MQPMO_SCOPE_QMGR", MQPMO_SCOPE_QMGR, noNetwork),
+    done("MQPMO_SUPPRESS_REPLYTO", MQPMO_SUPPRESS_REPLYTO),
+    done("MQPMO_NOT_OWN_SUBS", MQPMO_NOT_OWN_SUBS),
 };
 
 constexpr OptionRow getRows[] = {
@@ -208,6 +207,33 @@ constexpr OptionRow controlRows[] = {
     done("MQCTLO_FAIL_IF_QUIESCING", MQCTLO_FAIL_IF_QUIESCING),
 };
 
+constexpr OptionRow subscribeRows[] = {
+    done("MQSO_ALTER", MQSO_ALTER),
+    done("MQSO_CREATE", MQSO_CREATE),
+    done("MQSO_RESUME", MQSO_RESUME),
+    done("MQSO_DURABLE", MQSO_DURABLE),
+    done("MQSO_GROUP_SUB", MQSO_GROUP_SUB),
+    done("MQSO_MANAGED", MQSO_MANAGED),
+    done("MQSO_SET_IDENTITY_CONTEXT", MQSO_SET_IDENTITY_CONTEXT),
+    noEffect("MQSO_NO_MULTICAST", MQSO_NO_MULTICAST, "publications never travel by multicast"),
+    noEffect("MQSO_FIXED_USERID", MQSO_FIXED_USERID, noAuthority),
+    noEffect("MQSO_ANY_USERID", MQSO_ANY_USERID, noAuthority),
+    done("MQSO_PUBLICATIONS_ON_REQUEST", MQSO_PUBLICATIONS_ON_REQUEST),
+    done("MQSO_NEW_PUBLICATIONS_ONLY", MQSO_NEW_PUBLICATIONS_ONLY),
+    done("MQSO_FAIL_IF_QUIESCING", MQSO_FAIL_IF_QUIESCING),
+    noEffect("MQSO_ALTERNATE_USER_AUTHORITY", MQSO_ALTERNATE_USER_AUTHORITY, noAuthority),
+    done("MQSO_WILDCARD_CHAR", MQSO_WILDCARD_CHAR),
+    done("MQSO_WILDCARD_TOPIC", MQSO_WILDCARD_TOPIC),
+    done("MQSO_SET_CORREL_ID", MQSO_SET_CORREL_ID),
+    noEffect("MQSO_SCOPE_QMGR", MQSO_SCOPE_QMGR, noNetwork),
+    noEffect("MQSO_NO_READ_AHEAD", MQSO_NO_READ_AHEAD, noChannels),
+    noEffect("MQSO_READ_AHEAD", MQSO_READ_AHEAD, noChannels),
+};
+
+constexpr OptionRow subscriptionRequestRows[] = {
+    done("MQSRO_FAIL_IF_QUIESCING", MQSRO_FAIL_IF_QUIESCING),
+};
+
 struct Field {
     std::span<const OptionRow> rows;
     MQLONG unknown;
@@ -226,6 +252,8 @@ constexpr std::array<Field, optionFields> fields = {{
     {{}, MQRC_OPTIONS_ERROR},
     {callbackRows, MQRC_CBD_OPTIONS_ERROR},
     {controlRows, MQRC_OPTIONS_ERROR},
+    {subscribeRows, MQRC_OPTIONS_ERROR},
+    {subscriptionRequestRows, MQRC_OPTIONS_ERROR},
 }};
 
 constexpr bool everyBitOnce()

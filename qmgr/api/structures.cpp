@@ -107,6 +107,16 @@ MQLONG checkCtlo(const void *ctlo)
     return check(ctlo, MQCTLO_STRUC_ID, MQCTLO_CURRENT_VERSION, MQRC_CTLO_ERROR);
 }
 
+MQLONG checkSd(const void *sd)
+{
+    return check(sd, MQSD_STRUC_ID, MQSD_CURRENT_VERSION, MQRC_SD_ERROR);
+}
+
+MQLONG checkSro(const void *sro)
+{
+    return check(sro, MQSRO_STRUC_ID, MQSRO_CURRENT_VERSION, MQRC_SRO_ERROR);
+}
+
 MQCNO loadCno(const void *cno)
 {
     MQCNO loaded = {MQCNO_DEFAULT};

@@ -18,6 +18,8 @@ MQLONG checkBo(const void *bo);   // MQRC_BO_ERROR
 MQLONG checkCbd(const void *cbd); // MQRC_CBD_ERROR
 MQLONG checkSts(const void *sts);
 MQLONG checkCtlo(const void *ctlo); // MQRC_CTLO_ERROR
+MQLONG checkSd(const void *sd);     // MQRC_SD_ERROR
+MQLONG checkSro(const void *sro);   // MQRC_SRO_ERROR
 
 // A checked structure in its highest version: the fields that the program's version has not are the defaults.
 MQCNO loadCno(const void *cno);

@@ -43,6 +43,9 @@ const KindMessages &messagesOf(objects::ObjectKind kind)
                                               Message::NamelistDeleted, Message::NamelistDetails};
     static constexpr KindMessages ofProcesses{Message::ProcessCreated, Message::ProcessChanged, Message::ProcessDeleted,
                                               Message::ProcessDetails};
+    static constexpr KindMessages ofTopics{Message::TopicCreated, Message::TopicChanged, Message::TopicDeleted,
+                                           Message::TopicDetails};
+    if (kind == objects::ObjectKind::Topic) return ofTopics;
     if (kind == objects::ObjectKind::Namelist) return ofNamelists;
     return kind == objects::ObjectKind::Process ? ofProcesses : ofQueues;
 }

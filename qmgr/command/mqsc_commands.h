@@ -36,6 +36,11 @@ CommandAnswer displayConnections(const MqscCommand &command);
 CommandAnswer alterQmgr(const MqscCommand &command);
 CommandAnswer displayQmgr(const MqscCommand &command);
 CommandAnswer pingQmgr(const MqscCommand &command);
+CommandAnswer defineSubscription(const MqscCommand &command);
+CommandAnswer alterSubscription(const MqscCommand &command);
+CommandAnswer deleteSubscription(const MqscCommand &command);
+CommandAnswer displaySubscriptions(const MqscCommand &command);
+CommandAnswer clearTopic(const MqscCommand &command);
 
 // ---- Answers ----
 
@@ -64,6 +69,15 @@ struct ReadName {
     CommandAnswer answer; // the fault
 };
 ReadName readName(const MqscCommand &command, NameForm form);
+
+// One parameter that sets an attribute among these rows, judged by its row.
+struct ReadAttribute {
+    bool ok = false;
+    Assignment assignment;
+    CommandAnswer answer; // the fault
+};
+ReadAttribute readAttribute(const MqscCommand &command, std::span<const objects::Attribute> rows,
+                            const MqscParameter &parameter);
 
 // Parameters of DEFINE and ALTER: attributes to be set and the command's own options.
 struct ReadDefinition {

@@ -35,6 +35,15 @@ constexpr Row table[] = {
     {Message::NamelistDeleted, 8553, 'I', "Namelist @ was deleted."},
     {Message::NamelistDetails, 8550, 'I', "Namelist details:"},
     {Message::QueueStatusNotFound, 8565, 'E', "There is no such status of queue @."},
+    {Message::TopicCreated, 8690, 'I', "Topic @ was created."},
+    {Message::TopicChanged, 8691, 'I', "Topic @ was changed."},
+    {Message::TopicDeleted, 8692, 'I', "Topic @ was deleted."},
+    {Message::TopicDetails, 8633, 'I', "Topic details:"},
+    {Message::SubscriptionCreated, 8094, 'I', "Subscription @ was created."},
+    {Message::SubscriptionChanged, 8097, 'I', "Subscription @ was changed."},
+    {Message::SubscriptionDeleted, 8091, 'I', "Subscription @ was deleted."},
+    {Message::SubscriptionDetails, 8096, 'I', "Subscription details:"},
+    {Message::TopicCleared, 8092, 'I', "The retained publication of topic @ was cleared."},
     {Message::UnexpectedError, 8101, 'E', "The command ended with an unexpected reason: @."},
     {Message::NotAuthorized, 8135, 'E', "Not authorized: the files of the queue manager do not allow it."},
     {Message::QueueNotEmpty, 8143, 'E', "Queue @ has messages."},
@@ -50,6 +59,9 @@ constexpr Row table[] = {
     {Message::UnexpectedEnd, 8406, 'E', "The input ended inside a continued command."},
     {Message::DuplicateKeyword, 8411, 'E', "Keyword given more than once at @"},
     {Message::ConnectionNotFound, 8461, 'E', "There is no connection @."},
+    {Message::SubscriptionNotFound, 8147, 'E', "There is no subscription @."},
+    {Message::SubscriptionExists, 8150, 'E', "Subscription @ exists already."},
+    {Message::SubscriptionInUse, 8469, 'E', "Subscription @ is in use."},
     {Message::NumberOutOfRange, 8412, 'E', "Number out of range at @"},
     {Message::TextTooLong, 8413, 'E', "Text too long at @"},
     {Message::StorageFull, 8404, 'E', "The command failed: no storage is left."},
@@ -81,6 +93,12 @@ Message messageOf(MQLONG reason)
     case MQRCCF_OBJECT_WRONG_TYPE:
     case MQRCCF_LIKE_OBJECT_WRONG_TYPE:
         return Message::ObjectOtherKind;
+    case MQRC_NO_SUBSCRIPTION:
+        return Message::SubscriptionNotFound;
+    case MQRC_SUB_ALREADY_EXISTS:
+        return Message::SubscriptionExists;
+    case MQRC_SUBSCRIPTION_IN_USE:
+        return Message::SubscriptionInUse;
     case MQRC_NOT_AUTHORIZED:
         return Message::NotAuthorized;
     case MQRC_Q_MGR_STOPPING:
@@ -106,6 +124,16 @@ constexpr Rule rules[] = {
     {MQRCCF_ATTR_VALUE_ERROR, "QDEPTHLO may not be above QDEPTHHI"},
     {MQRCCF_CLUSTER_NAME_CONFLICT, "only one of CLUSTER and CLUSNL may be set"},
     {MQRCCF_REPOS_NAME_CONFLICT, "only one of REPOS and REPOSNL may be set"},
+    {MQRC_TOPIC_STRING_ERROR, "TOPICSTR is missing, or is no topic string"},
+    {MQRC_TOPIC_NOT_ALTERABLE, "TOPICSTR cannot be altered"},
+    {MQRCCF_TOPICSTR_ALREADY_EXISTS, "another topic object has this TOPICSTR"},
+    {MQRC_SUBLEVEL_NOT_ALTERABLE, "SUBLEVEL cannot be altered"},
+    {MQRC_DEST_CLASS_NOT_ALTERABLE, "the queue of a managed subscription cannot be altered"},
+    {MQRC_CORREL_ID_ERROR, "DESTCORL takes up to 48 hexadecimal digits"},
+    {MQRC_NO_RETAINED_MSG, "there is no retained publication"},
+    {MQRC_INVALID_DESTINATION, "DEST is missing, or there is no model of a managed queue"},
+    {MQRC_SUB_INHIBITED, "the topic does not allow subscriptions"},
+    {MQRC_DURABILITY_NOT_ALLOWED, "the topic does not allow durable subscriptions"},
 };
 
 } // namespace

@@ -151,39 +151,17 @@ private:
 
     void attribute(const MqscParameter &parameter)
     {
-        const objects::ObjectKind kind = read_.definition.kind;
-        const objects::KeywordMatch match = objects::findKeyword(kind, parameter.keyword);
-        if (match.attribute == nullptr)
-            return fail(Message::SyntaxError, parameter.offset,
-                        "no attribute of " + std::string(objects::commandWord(kind)));
-        const Attribute &row = *match.attribute;
-        if (row.access != objects::Access::Alterable)
-            return fail(Message::SyntaxError, parameter.offset,
-                        std::string(row.keyword) + " is set by the queue manager alone");
-        const auto same = [&](const Assignment &assignment) { return assignment.attribute == &row; };
+        const MqscCommand ofKind{command_.attachment, command_.text, command_.words,
+                                 objects::kinds(read_.definition.kind), objects::commandWord(read_.definition.kind)};
+        ReadAttribute read = readAttribute(ofKind, objects::attributes(), parameter);
+        if (!read.ok) return fail(std::move(read.answer));
+        const auto same = [&](const Assignment &assignment) {
+            return assignment.attribute == read.assignment.attribute;
+        };
         std::vector<Assignment> &assignments = read_.definition.attributes;
         if (std::any_of(assignments.begin(), assignments.end(), same))
             return fail(Message::DuplicateKeyword, parameter.offset, parameter.keyword);
-
-        if (row.value == ValueKind::Flag) {
-            if (parameter.hasValue)
-                return fail(Message::SyntaxError, parameter.offset, parameter.keyword + " takes no value");
-            assignments.push_back({&row, {match.flagValue, {}}});
-            return;
-        }
-        if (!parameter.hasValue)
-            return fail(Message::SyntaxError, parameter.offset + parameter.keyword.size(),
-                        parameter.keyword + " takes a value in parentheses");
-        if (parameter.values.size() > 1 && row.value != ValueKind::NameList)
-            return fail(Message::SyntaxError, parameter.values[1].offset,
-                        "a value with blanks or commas in it stands between quotes");
-        // A comma inside quotes would make two names of one.
-        for (const MqscValue &value : parameter.values)
-            if (row.value == ValueKind::NameList && value.text.find(',') != std::string::npos)
-                return fail(valueFault(command_.text, row, ValueFault::BadName, value.offset));
-        objects::ParsedValue parsed = objects::parseValue(row, joined(parameter));
-        if (!parsed) return fail(valueFault(command_.text, row, parsed.fault, parameter.valueOffset()));
-        assignments.push_back({&row, std::move(parsed.value)});
+        assignments.push_back(std::move(read.assignment));
     }
 
     const MqscCommand &command_;
@@ -228,6 +206,34 @@ ReadName readName(const MqscCommand &command, NameForm form)
         break;
     }
     return fault(Message::SyntaxError, offset + quote + check.position, "a name has only A-Z a-z 0-9 . / _ %");
+}
+
+ReadAttribute readAttribute(const MqscCommand &command, std::span<const Attribute> rows, const MqscParameter &parameter)
+{
+    const auto fault = [&](std::size_t offset, std::string_view reason) {
+        return ReadAttribute{false, {}, syntaxFault(command.text, Message::SyntaxError, offset, reason)};
+    };
+    const objects::KeywordMatch match = objects::findKeyword(rows, command.kinds, parameter.keyword);
+    if (match.attribute == nullptr)
+        return fault(parameter.offset, "no attribute of " + std::string(command.objectWord));
+    const Attribute &row = *match.attribute;
+    if (row.access != objects::Access::Alterable)
+        return fault(parameter.offset, std::string(row.keyword) + " is set by the queue manager alone");
+    if (row.value == ValueKind::Flag) {
+        if (parameter.hasValue) return fault(parameter.offset, parameter.keyword + " takes no value");
+        return {true, {&row, {match.flagValue, {}}}, {}};
+    }
+    if (!parameter.hasValue)
+        return fault(parameter.offset + parameter.keyword.size(), parameter.keyword + " takes a value in parentheses");
+    if (parameter.values.size() > 1 && row.value != ValueKind::NameList)
+        return fault(parameter.values[1].offset, "a value with blanks or commas in it stands between quotes");
+    // A comma inside quotes would make two names of one.
+    for (const MqscValue &value : parameter.values)
+        if (row.value == ValueKind::NameList && value.text.find(',') != std::string::npos)
+            return {false, {}, valueFault(command.text, row, ValueFault::BadName, value.offset)};
+    objects::ParsedValue parsed = objects::parseValue(row, joined(parameter));
+    if (!parsed) return {false, {}, valueFault(command.text, row, parsed.fault, parameter.valueOffset())};
+    return {true, {&row, std::move(parsed.value)}, {}};
 }
 
 ReadDefinition readDefinition(const MqscCommand &command, objects::ObjectKind kind, Options options)

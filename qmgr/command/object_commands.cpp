@@ -83,6 +83,8 @@ Outcome mayChange(Attachment &attachment, store::QueueId queue, const ObjectDefi
                   const ObjectDefinition &after, Force force)
 {
     if (const Outcome together = checkTogether(after); together.failed()) return together;
+    if (before.kind() == ObjectKind::Topic && before.text(MQCA_TOPIC_STRING) != after.text(MQCA_TOPIC_STRING))
+        return failure(MQRC_TOPIC_NOT_ALTERABLE);
     const auto changes = [&](MQLONG selector) { return before.number(selector) != after.number(selector); };
     const bool careful = before.kind() == ObjectKind::LocalQueue && force == Force::No;
     if (!careful || !(changes(MQIA_SHAREABILITY) || changes(MQIA_USAGE))) return success();
@@ -121,6 +123,20 @@ Found makeObject(Attachment &attachment, const Definition &definition)
     if (definition.kind == ObjectKind::LocalQueue) made.object.set(MQIA_DEFINITION_TYPE, MQQDT_PREDEFINED);
     assign(made.object, definition.attributes);
     return made;
+}
+
+// A new topic object stands for a topic that no other one stands for.
+Outcome checkTopic(Attachment &attachment, const ObjectDefinition &topic)
+{
+    if (topic.kind() != ObjectKind::Topic) return success();
+    const std::string_view string = topic.text(MQCA_TOPIC_STRING);
+    if (topic.name() == objects::baseTopic || topic.name() == objects::defaultTopic) return success();
+    if (string.empty() || string.back() == '/') return failure(MQRC_TOPIC_STRING_ERROR);
+    for (const store::Definition &stored : attachment.definitions(MQOT_TOPIC)) {
+        const auto other = ObjectDefinition::decode(stored.bytes);
+        if (other && other->text(MQCA_TOPIC_STRING) == string) return failure(MQRCCF_TOPICSTR_ALREADY_EXISTS);
+    }
+    return success();
 }
 
 Outcome replaceObject(Attachment &attachment, const Definition &definition)
@@ -163,6 +179,7 @@ Outcome defineObject(Attachment &attachment, const Definition &definition)
         Found made = makeObject(attachment, definition);
         if (made.outcome.failed()) return made.outcome;
         if (const Outcome together = checkTogether(made.object); together.failed()) return together;
+        if (const Outcome topic = checkTopic(attachment, made.object); topic.failed()) return topic;
         made.object.stampCreated();
         store::Definition stored;
         stored.type = objects::openType(definition.kind);
@@ -221,7 +238,7 @@ InquiredObjects inquireObjects(Attachment &attachment, const std::string &generi
 {
     InquiredObjects answer;
     std::vector<store::QueueId> ids;
-    for (const MQLONG type : {MQOT_Q, MQOT_NAMELIST, MQOT_PROCESS}) {
+    for (const MQLONG type : {MQOT_Q, MQOT_NAMELIST, MQOT_PROCESS, MQOT_TOPIC}) {
         if (!objects::hasOpenType(kinds, type)) continue;
         for (const store::Definition &stored : attachment.definitions(type)) {
             if (!objects::matchesGeneric(genericName, stored.name)) continue;

@@ -38,6 +38,9 @@ struct Definition {
 // messages that are there. Empty: none.
 std::string touchedTriggering(const Definition &definition);
 
+// A new topic object needs a topic string of its own: MQRC_TOPIC_STRING_ERROR, MQRCCF_TOPICSTR_ALREADY_EXISTS; it
+// cannot be altered: MQRC_TOPIC_NOT_ALTERABLE.
+//
 // Makes an object, or with Replace gives an existing one the attributes that a new one would have; a queue's messages
 // and its creation date stay. MQRCCF_OBJECT_NAME_ERROR, MQRCCF_OBJECT_ALREADY_EXISTS, MQRCCF_LIKE_OBJECT_WRONG_TYPE,
 // MQRC_UNKNOWN_OBJECT_NAME for the model object, and those of alterObject.

@@ -20,6 +20,9 @@ constexpr PcfFamily namelists = {kinds(ObjectKind::Namelist), MQCA_NAMELIST_NAME
 constexpr PcfFamily processes = {kinds(ObjectKind::Process), MQCA_PROCESS_NAME,    MQCACF_FROM_PROCESS_NAME,
                                  MQCACF_TO_PROCESS_NAME,     MQIACF_PROCESS_ATTRS, MQCACF_PROCESS_NAMES};
 
+constexpr PcfFamily topics = {kinds(ObjectKind::Topic), MQCA_TOPIC_NAME,    MQCACF_FROM_TOPIC_NAME,
+                              MQCACF_TO_TOPIC_NAME,     MQIACF_TOPIC_ATTRS, MQCACF_TOPIC_NAMES};
+
 // A parameter that a command has.
 struct Rule {
     MQLONG id;
@@ -34,6 +37,9 @@ constexpr Rule namelistName[] = {{MQCA_NAMELIST_NAME, MQCFT_STRING}};
 constexpr Rule copyOfNamelist[] = {{MQCACF_FROM_NAMELIST_NAME, MQCFT_STRING}, {MQCACF_TO_NAMELIST_NAME, MQCFT_STRING}};
 constexpr Rule processName[] = {{MQCA_PROCESS_NAME, MQCFT_STRING}};
 constexpr Rule copyOfProcess[] = {{MQCACF_FROM_PROCESS_NAME, MQCFT_STRING}, {MQCACF_TO_PROCESS_NAME, MQCFT_STRING}};
+constexpr Rule topicName[] = {{MQCA_TOPIC_NAME, MQCFT_STRING}};
+constexpr Rule copyOfTopic[] = {{MQCACF_FROM_TOPIC_NAME, MQCFT_STRING}, {MQCACF_TO_TOPIC_NAME, MQCFT_STRING}};
+constexpr Rule topicAttributes[] = {{MQIACF_TOPIC_ATTRS, MQCFT_INTEGER_LIST}};
 constexpr Rule escapeText[] = {{MQIACF_ESCAPE_TYPE, MQCFT_INTEGER}, {MQCACF_ESCAPE_TEXT, MQCFT_STRING}};
 
 constexpr Rule replace[] = {{MQIACF_REPLACE, MQCFT_INTEGER}};
@@ -91,6 +97,12 @@ const Row table[] = {
     {MQCMD_DELETE_NAMELIST, namelists, namelistName, authorities, Beside::Nothing, deleteObject},
     {MQCMD_INQUIRE_NAMELIST, namelists, namelistName, namelistAttributes, Beside::Filter, inquireObjects},
     {MQCMD_INQUIRE_NAMELIST_NAMES, namelists, namelistName, {}, Beside::Nothing, inquireObjectNames},
+    {MQCMD_CHANGE_TOPIC, topics, topicName, {}, Beside::Attributes, changeObject},
+    {MQCMD_COPY_TOPIC, topics, copyOfTopic, replace, Beside::Attributes, copyObject},
+    {MQCMD_CREATE_TOPIC, topics, topicName, replace, Beside::Attributes, createObject},
+    {MQCMD_DELETE_TOPIC, topics, topicName, authorities, Beside::Nothing, deleteObject},
+    {MQCMD_INQUIRE_TOPIC, topics, topicName, topicAttributes, Beside::Filter, inquireObjects},
+    {MQCMD_INQUIRE_TOPIC_NAMES, topics, topicName, {}, Beside::Nothing, inquireObjectNames},
     {MQCMD_ESCAPE, queueManager, escapeText, {}, Beside::Nothing, escape},
     {MQCMD_PING_Q_MGR, queueManager, {}, {}, Beside::Nothing, pingQueueManager},
     {MQCMD_INQUIRE_Q_STATUS, localQueues, queueName, queueStatus, Beside::Filter, inquireQueueStatus},

@@ -14,7 +14,7 @@ using objects::ValueKind;
 
 constexpr ObjectKind everyKind[] = {ObjectKind::QueueManager, ObjectKind::LocalQueue, ObjectKind::AliasQueue,
                                     ObjectKind::RemoteQueue,  ObjectKind::ModelQueue, ObjectKind::Namelist,
-                                    ObjectKind::Process};
+                                    ObjectKind::Process,      ObjectKind::Topic};
 
 using Rows = std::span<const Attribute>;
 

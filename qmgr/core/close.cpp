@@ -3,6 +3,7 @@
 #include "qmgr/core/distribution_list.h"
 #include "qmgr/core/dynamic_queue.h"
 #include "qmgr/core/open.h"
+#include "qmgr/core/subscribe.h"
 #include "qmgr/core/trigger.h"
 #include "qmgr/objects/object_name.h"
 
@@ -10,13 +11,14 @@ namespace mqrig::qmgr::core {
 
 Outcome closeObject(Connection &connection, MQHOBJ hobj, MQLONG options)
 {
+    const OpenObject *closing = connection.handles.find(hobj);
+    if (closing == nullptr) return failure(MQRC_HOBJ_ERROR);
+    if (closing->subscription != nullptr) return closeSubscription(connection, hobj, options);
+    if ((options & (MQCO_KEEP_SUB | MQCO_REMOVE_SUB)) != 0) return failure(MQRC_OPTION_NOT_VALID_FOR_TYPE);
     if ((options & (MQCO_DELETE | MQCO_DELETE_PURGE)) != 0) {
-        const OpenObject *closing = connection.handles.find(hobj);
-        if (closing == nullptr) return failure(MQRC_HOBJ_ERROR);
         if (const Outcome deleted = deleteByClose(connection, *closing, options); deleted.failed()) return deleted;
     }
     const std::unique_ptr<OpenObject> object = connection.handles.remove(hobj);
-    if (object == nullptr) return failure(MQRC_HOBJ_ERROR);
     if (object->type != MQOT_Q) return success();
     if (object->list != nullptr) return closeList(connection, *object->list);
     const Outcome unfinished = object->logicalOrder != nullptr ? judgeClose(*object->logicalOrder) : success();

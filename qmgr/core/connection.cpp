@@ -10,6 +10,7 @@
 #include "qmgr/core/command_server.h"
 #include "qmgr/core/connections.h"
 #include "qmgr/core/events.h"
+#include "qmgr/core/subscriptions.h"
 #include "qmgr/objects/connection_tag.h"
 #include "qmgr/objects/object_name.h"
 #include "qmgr/objects/system_objects.h"

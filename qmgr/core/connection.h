@@ -24,6 +24,7 @@
 namespace mqrig::qmgr::core {
 
 class Callbacks;
+class Subscriptions;
 
 // Why a connection began to reconnect, and the object that could not be opened again, if one was in the way.
 struct ReconnectFailure {
@@ -50,6 +51,7 @@ struct Connection {
     std::unique_ptr<store::Attachment> store;
     objects::Catalog catalog;
     ObjectHandles handles;
+    std::unique_ptr<Subscriptions> subscriptions; // read at the first publication; null before
     MessageHandles messageHandles;
     UnitOfWork unit;
     bool begun = false; // by MQBEGIN

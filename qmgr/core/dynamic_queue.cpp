@@ -5,14 +5,13 @@
 #include <string>
 #include <utility>
 
-#include "qmgr/objects/attribute.h"
 #include "qmgr/objects/object_name.h"
+#include "qmgr/objects/publish_subscribe.h"
 
 namespace mqrig::qmgr::core {
 namespace {
 
 using objects::ObjectDefinition;
-using objects::ObjectKind;
 
 // What is put for the '*': as many hexadecimal digits as a number has.
 constexpr std::size_t digits = 16;
@@ -29,16 +28,6 @@ std::string uniqueName(store::Attachment &store, std::string_view prefix)
 bool isPrefix(std::string_view prefix)
 {
     return prefix.size() <= objects::maxNameLength - digits && (prefix.empty() || objects::checkObjectName(prefix));
-}
-
-ObjectDefinition madeLike(const ObjectDefinition &model)
-{
-    ObjectDefinition queue(ObjectKind::LocalQueue, {});
-    for (const objects::Attribute &attribute : objects::attributes())
-        if (objects::contains(attribute.kinds, ObjectKind::ModelQueue) && objects::isStored(attribute.access))
-            queue.set(attribute, model.value(attribute));
-    queue.stampCreated();
-    return queue;
 }
 
 Outcome define(store::Attachment &store, ObjectDefinition &queue, std::string name)
@@ -62,7 +51,7 @@ objects::FoundQueue makeDynamicQueue(Connection &connection, const ObjectDefinit
         return {failure(MQRC_DYNAMIC_Q_NAME_ERROR), {}};
 
     store::Attachment &store = *connection.store;
-    ObjectDefinition queue = madeLike(model);
+    ObjectDefinition queue = objects::queueLike(model);
     for (;;) {
         const Outcome made = define(store, queue, generated ? uniqueName(store, prefix) : std::string(name));
         if (!made.failed()) return connection.catalog.queue(queue.name());
@@ -93,7 +82,8 @@ Outcome removeDynamicQueue(Connection &connection, const objects::QueueDefinitio
 
 Outcome deleteByClose(Connection &connection, const OpenObject &object, MQLONG closeOptions)
 {
-    if (object.type != MQOT_Q || object.hold.queue == nullptr) return failure(MQRC_OPTION_NOT_VALID_FOR_TYPE);
+    if (object.type != MQOT_Q || object.hold.queue == nullptr || object.managed)
+        return failure(MQRC_OPTION_NOT_VALID_FOR_TYPE);
     const objects::QueueDefinition &queue = *object.hold.queue;
     if (object.ownsQueue()) return success();
     if (queue.definitionType != MQQDT_PERMANENT_DYNAMIC || queue.type != MQQT_LOCAL)

@@ -14,6 +14,7 @@
 #include "qmgr/core/destination.h"
 #include "qmgr/core/logical_order.h"
 #include "qmgr/core/message_selector.h"
+#include "qmgr/core/open_topic.h"
 #include "qmgr/objects/catalog.h"
 #include "qmgr/store/message.h"
 #include "qmgr/store/transaction.h"
@@ -21,7 +22,7 @@
 namespace mqrig::qmgr::core {
 
 struct OpenObject {
-    MQLONG type = MQOT_Q;    // MQOT_Q, MQOT_Q_MGR, MQOT_PROCESS or MQOT_NAMELIST
+    MQLONG type = MQOT_Q;    // MQOT_Q, MQOT_Q_MGR, MQOT_PROCESS, MQOT_NAMELIST or MQOT_TOPIC; MQOT_NONE: a subscription
     MQLONG options = 0;      // MQOO_ bits as granted: input is shared or exclusive, never as-queue-def
     objects::QueueHold hold; // of a queue: its messages, and in `object` what MQINQ and MQSET work on
     std::string name;        // of a process or namelist, which is read (catalog.object) whenever it is asked
@@ -47,11 +48,17 @@ struct OpenObject {
         std::string queueManager;
         MQLONG options = 0;
         std::string dynamicName; // of the temporary queue that was made of the model `name`
+        std::string objectString;
     };
     Asked asked;
 
     // Several queues for output instead of one; then there is no `hold`.
     std::unique_ptr<DistributionList> list;
+    // A topic for publishing, also under the name of an alias queue.
+    std::unique_ptr<OpenTopic> topic;
+    std::unique_ptr<OpenSubscription> subscription;
+    // The queue of a subscription, made for it: only for getting its messages.
+    bool managed = false;
 
     // Whether the queue goes with the handle.
     bool ownsQueue() const { return made && store::isTemporary(hold.queue->id); }

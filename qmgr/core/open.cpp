@@ -5,6 +5,8 @@
 
 #include "qmgr/core/distribution_list.h"
 #include "qmgr/core/dynamic_queue.h"
+#include "qmgr/core/subscribe.h"
+#include "qmgr/core/topic.h"
 #include "qmgr/core/trigger.h"
 #include "qmgr/objects/object_name.h"
 
@@ -127,10 +129,29 @@ Outcome openDefinition(Connection &connection, const ObjectName &name, OpenObjec
     return found.outcome;
 }
 
+Outcome openForPublishing(Connection &connection, const ObjectName &name, MQLONG options, OpenObject &object)
+{
+    object.topic = std::make_unique<OpenTopic>();
+    return openTopic(connection, name, options, *object.topic);
+}
+
+// An alias queue that stands for a topic; its own attributes can be inquired all the same.
+Outcome openAliasOfTopic(Connection &connection, const ObjectName &name, std::string_view topic, OpenObject &object)
+{
+    objects::FoundQueue alias = connection.catalog.definition(name.name);
+    if (alias.outcome.failed()) return alias.outcome;
+    object.hold = std::move(alias.hold);
+    constexpr MQLONG ofAlias = MQOO_INQUIRE | MQOO_SET;
+    return openForPublishing(connection, {MQOT_TOPIC, topic, {}}, object.options & ~ofAlias, object);
+}
+
 Outcome openByType(Connection &connection, const ObjectName &name, OpenObject &object)
 {
     switch (name.type) {
     case MQOT_Q:
+        if ((object.options & (inputOptions | MQOO_BROWSE | MQOO_OUTPUT)) != 0)
+            if (const std::string topic = topicOfAlias(connection, name); !topic.empty())
+                return openAliasOfTopic(connection, name, topic, object);
         return openQueue(connection, name, object);
     case MQOT_Q_MGR:
         return openQueueManager(connection, name, object);
@@ -138,7 +159,7 @@ Outcome openByType(Connection &connection, const ObjectName &name, OpenObject &o
     case MQOT_NAMELIST:
         return openDefinition(connection, name, object);
     case MQOT_TOPIC:
-        return failure(MQRC_FUNCTION_NOT_SUPPORTED);
+        return openForPublishing(connection, name, object.options, object);
     default:
         return failure(MQRC_OBJECT_TYPE_ERROR);
     }
@@ -149,7 +170,7 @@ Outcome openByType(Connection &connection, const ObjectName &name, OpenObject &o
 objects::FoundQueue resolveForPut(Connection &connection, const ObjectName &name)
 {
     if (name.type == MQOT_Q) return connection.catalog.queue(name.name, name.queueManager);
-    return {failure(name.type == MQOT_TOPIC ? MQRC_FUNCTION_NOT_SUPPORTED : MQRC_OBJECT_TYPE_ERROR), {}};
+    return {failure(MQRC_OBJECT_TYPE_ERROR), {}};
 }
 
 Outcome mayOpen(Connection &connection, MQLONG options)
@@ -168,7 +189,8 @@ Outcome openObject(Connection &connection, const ObjectName &name, MQLONG option
     auto object = std::make_unique<OpenObject>();
     object->type = name.type;
     object->options = options;
-    object->asked = {std::string(name.name), std::string(name.queueManager), options, {}};
+    object->asked = {
+        std::string(name.name), std::string(name.queueManager), options, {}, std::string(name.objectString)};
     // The handle first: once the open is counted in the store nothing may fail.
     OpenObject &opened = *object;
     const MQHOBJ added = connection.handles.add(std::move(object));
@@ -192,14 +214,18 @@ Outcome openObject(Connection &connection, const ObjectName &name, MQLONG option
 Outcome reopenObject(Connection &connection, OpenObject &object)
 {
     if (object.list != nullptr) return reopenList(connection, object);
+    if (object.subscription != nullptr) return reopenSubscription(connection, object);
     OpenObject again;
     again.type = object.type;
     again.options = object.asked.options;
     again.asked = object.asked;
-    const ObjectName name{object.type, object.asked.name, object.asked.queueManager, object.asked.dynamicName};
+    const ObjectName name{object.type, object.asked.name, object.asked.queueManager, object.asked.dynamicName,
+                          object.asked.objectString};
     if (const Outcome opened = openByType(connection, name, again); opened.failed()) return opened;
     again.selector = object.selector;
     again.savedContext = std::move(object.savedContext);
+    again.managed = object.managed;
+    if (again.managed) again.made = false;
     // Messages that outlive the queue manager's end keep their keys, so browsing goes on where it stood.
     const bool sameQueue =
         object.hold.queue != nullptr && again.hold.queue != nullptr && object.hold.queue->id == again.hold.queue->id;

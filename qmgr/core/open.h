@@ -15,7 +15,8 @@ struct ObjectName {
     MQLONG type = MQOT_Q;
     std::string_view name;
     std::string_view queueManager;
-    std::string_view dynamicName{}; // what MQOPEN calls the queue that it makes of a model
+    std::string_view dynamicName{};  // what MQOPEN calls the queue that it makes of a model
+    std::string_view objectString{}; // of a topic
 };
 
 // The queue that messages for this name are put on. Beside the reasons of name resolution: MQRC_OBJECT_TYPE_ERROR where

@@ -31,25 +31,6 @@ bool reportsArrival(const objects::QueueDefinition &queue, const MQMD &md)
     return wantsArrivalReport(md) && queue.usage != MQUS_TRANSMISSION;
 }
 
-// Takes back what was put since, unless all of it is to be kept.
-class AllOrNone {
-public:
-    AllOrNone(store::Attachment &store, UnitOfWork &unit) : store_(store), unit_(unit), kept_(unit.puts()) {}
-    ~AllOrNone()
-    {
-        if (!all_) unit_.takeBackPuts(store_, kept_);
-    }
-    AllOrNone(const AllOrNone &) = delete;
-    AllOrNone &operator=(const AllOrNone &) = delete;
-    void keep() { all_ = true; }
-
-private:
-    store::Attachment &store_;
-    UnitOfWork &unit_;
-    std::size_t kept_;
-    bool all_ = false;
-};
-
 // The message and what goes with it: all of it or nothing.
 Outcome putInUnit(Connection &connection, UnitOfWork &unit, const objects::QueueDefinition &queue,
                   const store::NewMessage &message)

@@ -50,6 +50,25 @@ Outcome updateWithRoom(Connection &connection, const objects::QueueDefinition &q
     }
 }
 
+// Takes back what was put since, unless all of it is to be kept.
+class AllOrNone {
+public:
+    AllOrNone(store::Attachment &store, UnitOfWork &unit) : store_(store), unit_(unit), kept_(unit.puts()) {}
+    ~AllOrNone()
+    {
+        if (!all_) unit_.takeBackPuts(store_, kept_);
+    }
+    AllOrNone(const AllOrNone &) = delete;
+    AllOrNone &operator=(const AllOrNone &) = delete;
+    void keep() { all_ = true; }
+
+private:
+    store::Attachment &store_;
+    UnitOfWork &unit_;
+    std::size_t kept_;
+    bool all_ = false;
+};
+
 // Adds the message to the unit and books its place on the queue.
 Outcome bookPut(Connection &connection, UnitOfWork &unit, const objects::QueueDefinition &queue,
                 const store::NewMessage &message);

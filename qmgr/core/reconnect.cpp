@@ -6,6 +6,7 @@
 
 #include "qmgr/core/callbacks.h"
 #include "qmgr/core/open.h"
+#include "qmgr/core/subscriptions.h"
 #include "qmgr/store/futex.h"
 
 namespace mqrig::qmgr::core {
@@ -79,6 +80,7 @@ private:
     {
         std::swap(connection_.store, attachment);
         objects::Catalog former = std::exchange(connection_.catalog, objects::Catalog(*connection_.store));
+        connection_.subscriptions.reset(); // its versions are those of the former life
         const MQLONG reason = restore();
         if (reason != MQRC_NONE) {
             std::swap(connection_.store, attachment);

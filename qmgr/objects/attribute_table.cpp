@@ -14,10 +14,11 @@ constexpr ObjectKinds onRemote = kinds(ObjectKind::RemoteQueue);
 constexpr ObjectKinds onModel = kinds(ObjectKind::ModelQueue);
 constexpr ObjectKinds onNamelist = kinds(ObjectKind::Namelist);
 constexpr ObjectKinds onProcess = kinds(ObjectKind::Process);
+constexpr ObjectKinds onTopic = kinds(ObjectKind::Topic);
 constexpr ObjectKinds onHolders = onLocal | onModel;           // queues that hold messages, and their models
 constexpr ObjectKinds onShared = onLocal | onAlias | onRemote; // queues that a cluster or cell may know
 constexpr ObjectKinds onReadable = onHolders | onAlias;        // queues that programs may get from
-constexpr ObjectKinds onAll = onQmgr | allQueues | onNamelist | onProcess;
+constexpr ObjectKinds onAll = onQmgr | allQueues | onNamelist | onProcess | onTopic;
 
 constexpr MQLONG most = 999999999;
 constexpr MQLONG maxMessage = 104857600; // 100 MiB
@@ -90,6 +91,27 @@ constexpr Word queueTypes[] = {{"QLOCAL", MQQT_LOCAL},
                                {"QALIAS", MQQT_ALIAS},
                                {"QREMOTE", MQQT_REMOTE},
                                {"QCLUSTER", MQQT_CLUSTER}};
+constexpr Word publishing[] = {
+    {"ASPARENT", MQTA_PUB_AS_PARENT}, {"ENABLED", MQTA_PUB_ALLOWED}, {"DISABLED", MQTA_PUB_INHIBITED}};
+constexpr Word subscribing[] = {
+    {"ASPARENT", MQTA_SUB_AS_PARENT}, {"ENABLED", MQTA_SUB_ALLOWED}, {"DISABLED", MQTA_SUB_INHIBITED}};
+constexpr Word durableSubs[] = {
+    {"ASPARENT", MQSUB_DURABLE_AS_PARENT}, {"YES", MQSUB_DURABLE_ALLOWED}, {"NO", MQSUB_DURABLE_INHIBITED}};
+constexpr Word deliveryRule[] = {
+    {"ASPARENT", MQDLV_AS_PARENT}, {"ALL", MQDLV_ALL}, {"ALLDUR", MQDLV_ALL_DUR}, {"ALLAVAIL", MQDLV_ALL_AVAIL}};
+constexpr Word persistenceOfTopic[] = {
+    {"ASPARENT", MQPER_PERSISTENCE_AS_PARENT}, {"NO", MQPER_NOT_PERSISTENT}, {"YES", MQPER_PERSISTENT}};
+constexpr Word responseOfTopic[] = {
+    {"ASPARENT", MQPRT_RESPONSE_AS_PARENT}, {"SYNC", MQPRT_SYNC_RESPONSE}, {"ASYNC", MQPRT_ASYNC_RESPONSE}};
+constexpr Word asParent[] = {{"ASPARENT", MQPRI_PRIORITY_AS_PARENT}};
+constexpr Word useDeadLetter[] = {{"ASPARENT", MQUSEDLQ_AS_PARENT}, {"NO", MQUSEDLQ_NO}, {"YES", MQUSEDLQ_YES}};
+constexpr Word wildcards[] = {{"PASSTHRU", MQTA_PASSTHRU}, {"BLOCK", MQTA_BLOCK}};
+constexpr Word proxySub[] = {{"FIRSTUSE", MQTA_PROXY_SUB_FIRSTUSE}, {"FORCE", MQTA_PROXY_SUB_FORCE}};
+constexpr Word topicScope[] = {{"ASPARENT", MQSCOPE_AS_PARENT}, {"ALL", MQSCOPE_ALL}, {"QMGR", MQSCOPE_QMGR}};
+constexpr Word multicast[] = {
+    {"ASPARENT", MQMC_AS_PARENT}, {"ENABLED", MQMC_ENABLED}, {"DISABLED", MQMC_DISABLED}, {"ONLY", MQMC_ONLY}};
+constexpr Word clusterRoute[] = {{"DIRECT", MQCLROUTE_DIRECT}, {"TOPICHOST", MQCLROUTE_TOPIC_HOST}};
+constexpr Word topicTypes[] = {{"LOCAL", MQTOPT_LOCAL}, {"CLUSTER", MQTOPT_CLUSTER}};
 constexpr Word usage[] = {{"NORMAL", MQUS_NORMAL}, {"XMITQ", MQUS_TRANSMISSION}};
 
 // A row, with the rarer columns added by `fixed`, `dynamic`, `identity`, `byMqset` and `forTriggers`.
@@ -224,8 +246,10 @@ constexpr Row table[] = {
     text("CHADEXIT", MQCA_CHANNEL_AUTO_DEF_EXIT, onQmgr, MQ_EXIT_NAME_LENGTH),
     words("CHLEV", MQIA_CHANNEL_EVENT, onQmgr, channelEvent, MQEVR_DISABLED),
     text("CLCHNAME", MQCA_CLUS_CHL_NAME, onLocal, MQ_CHANNEL_NAME_LENGTH),
+    words("CLROUTE", MQIA_CLUSTER_PUB_ROUTE, onTopic, clusterRoute, MQCLROUTE_DIRECT),
     name("CLUSNL", MQCA_CLUSTER_NAMELIST, onShared),
     name("CLUSTER", MQCA_CLUSTER_NAME, onShared),
+    name("CLUSTER", MQCA_CLUSTER_NAME, onTopic),
     text("CLWLDATA", MQCA_CLUSTER_WORKLOAD_DATA, onQmgr, MQ_EXIT_DATA_LENGTH),
     text("CLWLEXIT", MQCA_CLUSTER_WORKLOAD_EXIT, onQmgr, MQ_EXIT_NAME_LENGTH),
     number("CLWLLEN", MQIA_CLUSTER_WORKLOAD_LENGTH, onQmgr, {0, most}, 100),
@@ -237,16 +261,20 @@ constexpr Row table[] = {
     words("CMDEV", MQIA_COMMAND_EVENT, onQmgr, commandEvent, MQEVR_DISABLED),
     number("CMDLEVEL", MQIA_COMMAND_LEVEL, onQmgr, {0, most}, MQCMDL_LEVEL_920).fixed(),
     name("COMMANDQ", MQCA_COMMAND_INPUT_Q_NAME, onQmgr, "SYSTEM.ADMIN.COMMAND.QUEUE").fixed(),
+    name("COMMINFO", MQCA_COMM_INFO_NAME, onTopic),
     words("CONFIGEV", MQIA_CONFIGURATION_EVENT, onQmgr, disabledEnabled, MQEVR_DISABLED),
     text("CRDATE", MQCA_CREATION_DATE, onHolders | onQmgr, MQ_CREATION_DATE_LENGTH).fixed(),
     text("CRTIME", MQCA_CREATION_TIME, onHolders | onQmgr, MQ_CREATION_TIME_LENGTH).fixed(),
     number("CURDEPTH", MQIA_CURRENT_Q_DEPTH, onLocal, {0, most}, 0).dynamic(),
-    text("CUSTOM", MQCA_CUSTOM, allQueues | onQmgr, MQ_CUSTOM_LENGTH),
+    text("CUSTOM", MQCA_CUSTOM, allQueues | onQmgr | onTopic, MQ_CUSTOM_LENGTH),
     name("DEADQ", MQCA_DEAD_LETTER_Q_NAME, onQmgr),
     words("DEFBIND", MQIA_DEF_BIND, onShared, bind, MQBND_BIND_ON_OPEN),
     words("DEFPRESP", MQIA_DEF_PUT_RESPONSE_TYPE, allQueues, putResponse, MQPRT_SYNC_RESPONSE),
+    words("DEFPRESP", MQIA_DEF_PUT_RESPONSE_TYPE, onTopic, responseOfTopic, MQPRT_RESPONSE_AS_PARENT),
     number("DEFPRTY", MQIA_DEF_PRIORITY, allQueues, {0, 9}, 0),
+    number("DEFPRTY", MQIA_DEF_PRIORITY, onTopic, {0, 9}, MQPRI_PRIORITY_AS_PARENT, asParent),
     words("DEFPSIST", MQIA_DEF_PERSISTENCE, allQueues, persistence, MQPER_NOT_PERSISTENT),
+    words("DEFPSIST", MQIA_TOPIC_DEF_PERSISTENCE, onTopic, persistenceOfTopic, MQPER_PERSISTENCE_AS_PARENT),
     words("DEFREADA", MQIA_DEF_READ_AHEAD, onReadable, readAhead, MQREADA_NO),
     words("DEFSOPT", MQIA_DEF_INPUT_OPEN_OPTION, onLocal, inputOption, MQOO_INPUT_SHARED),
     words("DEFSOPT", MQIA_DEF_INPUT_OPEN_OPTION, onModel, inputOption, MQOO_INPUT_EXCLUSIVE),
@@ -257,8 +285,10 @@ constexpr Row table[] = {
     text("DESCR", MQCA_NAMELIST_DESC, onNamelist, MQ_NAMELIST_DESC_LENGTH),
     text("DESCR", MQCA_PROCESS_DESC, onProcess, MQ_PROCESS_DESC_LENGTH),
     text("DESCR", MQCA_Q_MGR_DESC, onQmgr, MQ_Q_MGR_DESC_LENGTH),
+    text("DESCR", MQCA_TOPIC_DESC, onTopic, MQ_TOPIC_DESC_LENGTH),
     words("DISTL", MQIA_DIST_LISTS, onHolders, distLists, MQDL_NOT_SUPPORTED).byMqset(),
     words("DISTL", MQIA_DIST_LISTS, onQmgr, distLists, MQDL_SUPPORTED).fixed(),
+    words("DURSUB", MQIA_DURABLE_SUB, onTopic, durableSubs, MQSUB_DURABLE_AS_PARENT),
     text("ENVRDATA", MQCA_ENV_DATA, onProcess, MQ_PROCESS_ENV_DATA_LENGTH),
     words("GET", MQIA_INHIBIT_GET, onReadable, getPut, MQQA_GET_ALLOWED).byMqset().forTriggers(),
     flag("HARDENBO", MQIA_HARDEN_GET_BACKOUT, onHolders, hardenBackout, MQQA_BACKOUT_HARDENED),
@@ -278,6 +308,9 @@ constexpr Row table[] = {
     number("MAXPROPL", MQIA_MAX_PROPERTIES_LENGTH, onQmgr, {0, maxMessage}, MQPROP_UNRESTRICTED_LENGTH, noLimit),
     number("MAXPRTY", MQIA_MAX_PRIORITY, onQmgr, {0, 9}, 9).fixed(),
     number("MAXUMSGS", MQIA_MAX_UNCOMMITTED_MSGS, onQmgr, {1, most}, 10000),
+    words("MCAST", MQIA_MULTICAST, onTopic, multicast, MQMC_AS_PARENT),
+    name("MDURMDL", MQCA_MODEL_DURABLE_Q, onTopic),
+    name("MNDURMDL", MQCA_MODEL_NON_DURABLE_Q, onTopic),
     words("MONACLS", MQIA_MONITORING_AUTO_CLUSSDR, onQmgr, levelsOfSender, MQMON_Q_MGR),
     words("MONCHL", MQIA_MONITORING_CHANNEL, onQmgr, levels, MQMON_OFF),
     words("MONQ", MQIA_MONITORING_Q, onHolders, levelsOrQmgr, MQMON_Q_MGR),
@@ -287,18 +320,23 @@ constexpr Row table[] = {
     name("NAMELIST", MQCA_NAMELIST_NAME, onNamelist).identity(),
     names("NAMES", MQCA_NAMES, onNamelist),
     words("NPMCLASS", MQIA_NPM_CLASS, onHolders, nonPersistentClass, MQNPM_CLASS_NORMAL),
+    words("NPMSGDLV", MQIA_NPM_DELIVERY, onTopic, deliveryRule, MQDLV_AS_PARENT),
     number("OPPROCS", MQIA_OPEN_OUTPUT_COUNT, onLocal, {0, most}, 0).dynamic(),
     name("PARENT", MQCA_PARENT, onQmgr),
     words("PERFMEV", MQIA_PERFORMANCE_EVENT, onQmgr, disabledEnabled, MQEVR_DISABLED),
     words("PLATFORM", MQIA_PLATFORM, onQmgr, platforms, MQPL_UNIX).fixed(),
+    words("PMSGDLV", MQIA_PM_DELIVERY, onTopic, deliveryRule, MQDLV_AS_PARENT),
     name("PROCESS", MQCA_PROCESS_NAME, onHolders),
     name("PROCESS", MQCA_PROCESS_NAME, onProcess).identity(),
     words("PROPCTL", MQIA_PROPERTY_CONTROL, onReadable, propertyControl, MQPROP_COMPATIBILITY),
+    words("PROXYSUB", MQIA_PROXY_SUB, onTopic, proxySub, MQTA_PROXY_SUB_FIRSTUSE),
     words("PSMODE", MQIA_PUBSUB_MODE, onQmgr, pubsubMode, MQPSM_ENABLED),
     words("PSNPMSG", MQIA_PUBSUB_NP_MSG, onQmgr, undeliveredMsg, MQUNDELIVERED_DISCARD),
     words("PSNPRES", MQIA_PUBSUB_NP_RESP, onQmgr, undeliveredResp, MQUNDELIVERED_NORMAL),
     number("PSRTYCNT", MQIA_PUBSUB_MAXMSG_RETRY_COUNT, onQmgr, {0, most}, 5),
     words("PSSYNCPT", MQIA_PUBSUB_SYNC_PT, onQmgr, pubsubSyncpoint, MQSYNCPOINT_IFPER),
+    words("PUB", MQIA_INHIBIT_PUB, onTopic, publishing, MQTA_PUB_AS_PARENT),
+    words("PUBSCOPE", MQIA_PUB_SCOPE, onTopic, topicScope, MQSCOPE_AS_PARENT),
     words("PUT", MQIA_INHIBIT_PUT, allQueues, getPut, MQQA_PUT_ALLOWED).byMqset(),
     number("QDEPTHHI", MQIA_Q_DEPTH_HIGH_LIMIT, onHolders, {0, 100}, 80),
     number("QDEPTHLO", MQIA_Q_DEPTH_LOW_LIMIT, onHolders, {0, 100}, 20),
@@ -331,9 +369,13 @@ constexpr Row table[] = {
     words("STATQ", MQIA_STATISTICS_Q, onHolders, qmgrOffOn, MQMON_Q_MGR),
     words("STATQ", MQIA_STATISTICS_Q, onQmgr, noneOffOn, MQMON_OFF),
     words("STRSTPEV", MQIA_START_STOP_EVENT, onQmgr, disabledEnabled, MQEVR_ENABLED),
+    words("SUB", MQIA_INHIBIT_SUB, onTopic, subscribing, MQTA_SUB_AS_PARENT),
+    words("SUBSCOPE", MQIA_SUB_SCOPE, onTopic, topicScope, MQSCOPE_AS_PARENT),
     flag("SYNCPT", MQIA_SYNCPOINT, onQmgr, syncpoint, MQSP_AVAILABLE).fixed(),
     name("TARGET", MQCA_BASE_OBJECT_NAME, onAlias),
     words("TARGTYPE", MQIA_BASE_TYPE, onAlias, targetTypes, MQOT_Q),
+    name("TOPIC", MQCA_TOPIC_NAME, onTopic).identity(),
+    text("TOPICSTR", MQCA_TOPIC_STRING, onTopic, MQ_TOPIC_STR_LENGTH),
     number("TREELIFE", MQIA_TREE_LIFE_TIME, onQmgr, {0, 604000}, 1800),
     text("TRIGDATA", MQCA_TRIGGER_DATA, onHolders, MQ_TRIGGER_DATA_LENGTH).byMqset(),
     number("TRIGDPTH", MQIA_TRIGGER_DEPTH, onHolders, {1, most}, 1).byMqset().forTriggers(),
@@ -342,8 +384,11 @@ constexpr Row table[] = {
     number("TRIGMPRI", MQIA_TRIGGER_MSG_PRIORITY, onHolders, {0, 9}, 0).byMqset().forTriggers(),
     words("TRIGTYPE", MQIA_TRIGGER_TYPE, onHolders, triggerType, MQTT_FIRST).byMqset().forTriggers(),
     words("TYPE", MQIA_Q_TYPE, allQueues, queueTypes, MQQT_LOCAL).identity(),
+    words("TYPE", MQIA_TOPIC_TYPE, onTopic, topicTypes, MQTOPT_LOCAL).identity(),
     words("USAGE", MQIA_USAGE, onHolders, usage, MQUS_NORMAL),
+    words("USEDLQ", MQIA_USE_DEAD_LETTER_Q, onTopic, useDeadLetter, MQUSEDLQ_AS_PARENT),
     text("USERDATA", MQCA_USER_DATA, onProcess, MQ_PROCESS_USER_DATA_LENGTH),
+    words("WILDCARD", MQIA_WILDCARD_OPERATION, onTopic, wildcards, MQTA_PASSTHRU),
     name("XMITQ", MQCA_XMIT_Q_NAME, onRemote),
 };
 // clang-format on
@@ -351,7 +396,7 @@ constexpr Row table[] = {
 constexpr std::size_t rows = std::size(table);
 constexpr ObjectKind everyKind[] = {ObjectKind::QueueManager, ObjectKind::LocalQueue, ObjectKind::AliasQueue,
                                     ObjectKind::RemoteQueue,  ObjectKind::ModelQueue, ObjectKind::Namelist,
-                                    ObjectKind::Process};
+                                    ObjectKind::Process,      ObjectKind::Topic};
 
 constexpr bool sortedByKeyword()
 {

@@ -111,6 +111,16 @@ FoundQueue Catalog::keep(Known &known, std::string_view name, QueueHold hold)
     return {success(), std::move(hold)};
 }
 
+const std::shared_ptr<const TopicTree> &Catalog::topics()
+{
+    const std::uint64_t version = attachment_->definitionVersion();
+    if (topics_ == nullptr || topicsVersion_ != version) {
+        topics_ = std::make_shared<const TopicTree>(attachment_->definitions(MQOT_TOPIC));
+        topicsVersion_ = version;
+    }
+    return topics_;
+}
+
 std::shared_ptr<const ObjectDefinition> Catalog::process(std::string_view name)
 {
     const std::uint64_t version = attachment_->definitionVersion();

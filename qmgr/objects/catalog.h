@@ -22,6 +22,7 @@
 
 #include "qmgr/objects/queue_definition.h"
 #include "qmgr/objects/queue_manager_definition.h"
+#include "qmgr/objects/topic_tree.h"
 #include "qmgr/store/attachment.h"
 #include "qmgr/store/outcome.h"
 
@@ -73,6 +74,9 @@ public:
     }
     bool unchanged(const QueueHold &hold) const { return hold.version == attachment_->definitionVersion(); }
 
+    // The topic objects as they are now; shared with the handles that looked at it.
+    const std::shared_ptr<const TopicTree> &topics();
+
     // ---- For triggering ----
 
     // The process definition of that name; null if there is none.
@@ -101,6 +105,8 @@ private:
     std::uint64_t queueManagerVersion_ = 0;
     std::map<std::string, std::shared_ptr<const ObjectDefinition>, std::less<>> processes_;
     std::uint64_t processesVersion_ = 0;
+    std::shared_ptr<const TopicTree> topics_;
+    std::uint64_t topicsVersion_ = 0;
     std::multimap<std::string, std::string, std::less<>> triggeredBy_; // initiation queue, triggered queue
     std::uint64_t triggeredByVersion_ = 0;
 };

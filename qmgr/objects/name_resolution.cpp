@@ -106,7 +106,7 @@ FoundQueue Catalog::resolve(std::string_view name, std::string_view queueManager
 FoundQueue Catalog::resolveAlias(const QueueDefinition &alias)
 {
     const std::string_view name = alias.object.text(MQCA_BASE_Q_NAME);
-    if (alias.object.number(MQIA_BASE_TYPE) == MQOT_TOPIC) return failed(MQRC_FUNCTION_NOT_SUPPORTED);
+    if (alias.object.number(MQIA_BASE_TYPE) == MQOT_TOPIC) return failed(MQRC_ALIAS_BASE_Q_TYPE_ERROR);
     FoundQueue base = definition(name);
     if (base.outcome.Reason == MQRC_UNKNOWN_OBJECT_NAME) return failed(MQRC_UNKNOWN_ALIAS_BASE_Q);
     if (base.outcome.failed()) return base;

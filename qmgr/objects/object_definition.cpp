@@ -168,7 +168,7 @@ std::optional<ObjectDefinition> ObjectDefinition::decode(std::string_view bytes)
     const auto kind = static_cast<unsigned char>(bytes[2]);
     const auto nameLength = static_cast<unsigned char>(bytes[3]);
     bytes.remove_prefix(4);
-    if (kind > static_cast<unsigned char>(ObjectKind::Process) || bytes.size() < nameLength) return std::nullopt;
+    if (kind > static_cast<unsigned char>(ObjectKind::Topic) || bytes.size() < nameLength) return std::nullopt;
 
     ObjectDefinition object;
     object.kind_ = static_cast<ObjectKind>(kind);

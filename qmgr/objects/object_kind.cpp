@@ -22,6 +22,7 @@ constexpr KindNames kindNames[] = {
     {ObjectKind::ModelQueue, "QMODEL", "Queue", MQQT_MODEL, MQOT_Q},
     {ObjectKind::Namelist, "NAMELIST", "Namelist", 0, MQOT_NAMELIST},
     {ObjectKind::Process, "PROCESS", "Process", 0, MQOT_PROCESS},
+    {ObjectKind::Topic, "TOPIC", "Topic", 0, MQOT_TOPIC},
 };
 
 constexpr bool inOrder()

@@ -27,6 +27,7 @@ enum class ObjectKind : std::uint8_t {
     ModelQueue = 4,
     Namelist = 5,
     Process = 6,
+    Topic = 7,
 };
 
 // A set of kinds, one bit each.

@@ -141,6 +141,11 @@ std::uint64_t Attachment::definitionVersion() const
     return store_->control().definitionVersion.load(std::memory_order_acquire);
 }
 
+std::uint64_t Attachment::subscriptionVersion() const
+{
+    return store_->control().subscriptionVersion.load(std::memory_order_acquire);
+}
+
 std::optional<Definition> Attachment::findDefinition(MQLONG type, std::string_view name)
 {
     return store_->findDefinition(type, name);
@@ -169,7 +174,7 @@ Outcome Attachment::defineTemporary(Definition &definition)
 
 Outcome Attachment::removeTemporary(const Definition &definition)
 {
-    return store_->removeTemporary(slot_, definition.queue, definition.name);
+    return store_->removeTemporary(slot_, definition);
 }
 
 Outcome Attachment::remove(MQLONG type, std::string_view name, const std::function<Outcome(const QueueStatus &)> &mayGo)

@@ -34,11 +34,20 @@
 
 namespace mqrig::qmgr::store {
 
-// An object as the store knows it: type (MQOT_*) and name are its key, the rest belongs to qmgr/objects.
+// The type of the definitions of subscriptions, which the MQI has no type for.
+constexpr MQLONG subscriptions = 100000;
+
+// Whether handles on what a definition describes are counted, so that it has a number of its own.
+constexpr bool hasCounters(MQLONG type)
+{
+    return type == MQOT_Q || type == subscriptions;
+}
+
+// An object as the store knows it: type (MQOT_*, subscriptions) and name are its key, the rest belongs to qmgr/objects.
 struct Definition {
     MQLONG type = 0;
     std::string name;  // without trailing blanks
-    QueueId queue = 0; // MQOT_Q: assigned by the store when defined; other types: 0
+    QueueId queue = 0; // of queues and subscriptions, which have counters: assigned by the store when defined; else 0
     std::string bytes; // opaque
 };
 
@@ -121,6 +130,9 @@ public:
 
     // [any] Changes whenever any definition changes or goes, and when one that is kept on disk comes; one load.
     [[nodiscard]] std::uint64_t definitionVersion() const;
+    // [any] The same for subscriptions alone, which do not touch the other: it also changes when one comes that is not
+    // kept on disk.
+    [[nodiscard]] std::uint64_t subscriptionVersion() const;
     // Empty if there is none (or storage failed: then the next change or transaction says so).
     [[nodiscard]] std::optional<Definition> findDefinition(MQLONG type, std::string_view name);
     // All of one type in name order; all types with MQOT_ALL. Temporary queues of dead connections are removed first.
@@ -130,10 +142,11 @@ public:
     // Replaces the bytes. MQRC_UNKNOWN_OBJECT_NAME. With `seen` only while the stored bytes are still these, else
     // MQRC_OBJECT_CHANGED: who changes a part of them reads again, so that no change of another is lost.
     Outcome alter(const Definition &definition, std::optional<std::string_view> seen = std::nullopt);
-    // Makes a queue that goes with this connection: removed with its messages by removeTemporary, when the connection
-    // ends, when its process is found dead, at the latest with the life of the queue manager. It is in no log: no disk
-    // is waited for, and nothing persistent may be put on it. MQRC_OBJECT_ALREADY_EXISTS. A new queue changes nothing
-    // that is known: definitionVersion() stays. Units of work with messages on a queue that has gone go on without.
+    // Makes a queue or subscription that goes with this connection: removed with its messages by removeTemporary, when
+    // the connection ends, when its process is found dead, at the latest with the life of the queue manager. It is in
+    // no log: no disk is waited for, and nothing persistent may be put on it. MQRC_OBJECT_ALREADY_EXISTS. A new queue
+    // changes nothing that is known: definitionVersion() stays. Units of work with messages on a queue that has gone go
+    // on without.
     Outcome defineTemporary(Definition &definition);
     Outcome removeTemporary(const Definition &definition);
     // Deletes a definition, and a queue's messages with it. `mayGo` sees the queue's counters inside the transaction

@@ -83,6 +83,7 @@ struct ControlBlock {
     std::atomic<std::uint64_t> connections; // numbers given to connections
     std::atomic<std::int64_t> started;      // when this life began, microseconds since 1970 UTC
     std::atomic<std::uint64_t> definitionVersion;
+    std::atomic<std::uint64_t> subscriptionVersion;
     std::atomic<std::uint32_t> startTold;       // somebody has announced this life
     std::atomic<QueueId> requestQueue;          // the queue of requests to the queue manager itself; 0: not known yet
     std::atomic<std::uint32_t> requestsWaiting; // 0: it is certain that none is there; see requests.cpp

@@ -49,6 +49,11 @@ void Store::putDefinition(WriteTransaction &transaction, const Definition &defin
     if (definition.queue != 0) transaction.createCounters(definition.queue);
 }
 
+void Store::definitionsChanged(MQLONG type)
+{
+    (type == subscriptions ? control().subscriptionVersion : control().definitionVersion).fetch_add(1);
+}
+
 std::optional<Definition> Store::findDefinition(MQLONG type, std::string_view name)
 {
     std::optional<Definition> found;
@@ -85,7 +90,7 @@ Outcome Store::define(Definition &definition)
     if (lock.outcome().failed()) return lock.outcome();
     if (findDefinition(definition.type, definition.name)) return failure(MQRC_OBJECT_ALREADY_EXISTS);
     if (const Outcome begun = log_->begin(); begun.failed()) return begun;
-    definition.queue = definition.type == MQOT_Q ? log_->takeQueueId() : 0;
+    definition.queue = hasCounters(definition.type) ? log_->takeQueueId() : 0;
     return logAndStore(definition);
 }
 
@@ -126,7 +131,7 @@ Outcome Store::storeLive(const Definition &definition)
         putDefinition(transaction, definition);
         return success();
     });
-    control().definitionVersion.fetch_add(1);
+    definitionsChanged(definition.type);
     // A getter that sleeps looks again: its queue may have been inhibited.
     if (definition.queue != 0) wakeGetters(definition.queue);
     return stored;
@@ -167,7 +172,7 @@ Outcome Store::remove(MQLONG type, std::string_view name, const std::function<Ou
     reached(Step::DefinitionLogged);
     const Outcome swept = sweep(*known);
     if (swept.failed()) control().logUnfinished = 1;
-    control().definitionVersion.fetch_add(1);
+    definitionsChanged(type);
     if (queue != 0) wakeGetters(queue);
     return swept;
 }
@@ -215,7 +220,8 @@ Outcome Store::reloadDefinitions()
         }
         return success();
     });
-    control().definitionVersion.fetch_add(1);
+    definitionsChanged(MQOT_ALL);
+    definitionsChanged(subscriptions);
     return stored;
 }
 

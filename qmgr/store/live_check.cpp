@@ -19,6 +19,7 @@ struct Tally {
     QueueStatus status;
     bool counted = false; // has its counters
     bool defined = false;
+    MQLONG type = MQOT_Q; // of its definition
     std::uint64_t messages = 0;
     std::uint64_t got = 0; // got and not committed, no longer in the depth
     std::uint64_t held = 0;
@@ -40,6 +41,14 @@ QueueId queueIn(const MDB_val &key)
     return __builtin_bswap32(queue);
 }
 
+// Of the key of a definition.
+MQLONG typeIn(const MDB_val &key)
+{
+    std::uint32_t type = 0;
+    if (key.mv_size >= 1 + sizeof type) std::memcpy(&type, static_cast<const char *>(key.mv_data) + 1, sizeof type);
+    return static_cast<MQLONG>(__builtin_bswap32(type));
+}
+
 bool isMessageKey(const MDB_val &key)
 {
     constexpr std::size_t size = 1 + 4 + 1 + 8;
@@ -53,7 +62,8 @@ std::string nameOf(const MessageKey &key)
 
 void judge(QueueId queue, const Tally &tally, Findings &findings)
 {
-    const std::string what = "live: queue number " + std::to_string(queue);
+    const std::string what =
+        (tally.type == subscriptions ? "live: subscription number " : "live: queue number ") + std::to_string(queue);
     if (!tally.counted) {
         const bool any = tally.messages + tally.held + tally.bodies + tally.indexes > 0;
         if (tally.defined)
@@ -90,9 +100,11 @@ void Store::checkRecords(LiveContents &contents, Findings &findings)
     std::set<Ticket> tickets;
     std::set<std::uint32_t> holders;
     const auto look = [&](ReadTransaction &transaction) {
-        transaction.forEach(LiveKey::definitions(), [&](const MDB_val &, const MDB_val &value) {
+        transaction.forEach(LiveKey::definitions(), [&](const MDB_val &key, const MDB_val &value) {
             const QueueId queue = recordIn<QueueId>(value).value_or(0);
-            if (queue != 0) tallies[queue].defined = true;
+            if (queue == 0) return;
+            tallies[queue].defined = true;
+            tallies[queue].type = typeIn(key);
         });
         transaction.forEach(LiveKey::messages(), [&](const MDB_val &key, const MDB_val &value) {
             Tally &tally = tallies[queueIn(key)];
@@ -190,7 +202,7 @@ void Store::checkRecords(LiveContents &contents, Findings &findings)
     }
     contents.looked = true;
     for (const auto &[queue, tally] : tallies) {
-        contents.queues += tally.counted ? 1 : 0;
+        contents.queues += tally.counted && tally.type == MQOT_Q ? 1 : 0;
         judge(queue, tally, findings);
     }
     for (const std::uint32_t slot : holders) {

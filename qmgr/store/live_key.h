@@ -13,7 +13,7 @@
 //   'M' queue                         -> QueueStatus: on the page of the queue's first messages, which a get changes anyway
 //   'M' queue order sequence          -> MessageHeader, then the body unless it is large
 //   'S' slot queue                    -> Booking: what the connection has of the queue
-//   'T' slot queue                    -> name: a temporary queue that the connection has made
+//   'T' slot queue                    -> type, name: a temporary queue or subscription that the connection has made
 //   'U' ticket                        -> a prepared unit of work: UnitRecord, then its steps
 // clang-format on
 #pragma once

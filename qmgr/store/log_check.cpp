@@ -131,6 +131,7 @@ void checkDefinitions(Reading &reading, const CanDecode &canDecode, LogContents 
                                     .name = reading.text(1),
                                     .queue = static_cast<QueueId>(reading.number(2)),
                                     .bytes = {reinterpret_cast<const char *>(bytes.data()), bytes.size()}};
+        if (definition.type == subscriptions) ++contents.subscriptions;
         const std::string what =
             "log.db: the definition of " + definition.name + " (type " + std::to_string(definition.type) + ")";
         if (logFormat::checksumOfDefinition(definition.type, definition.name, definition.queue, definition.bytes) !=
@@ -139,7 +140,7 @@ void checkDefinitions(Reading &reading, const CanDecode &canDecode, LogContents 
         } else if (definition.name.empty() || definition.name.size() > MQ_OBJECT_NAME_LENGTH ||
                    !canDecode(definition)) {
             findings.add(what + " cannot be read");
-        } else if (definition.queue >= known.nextQueue || (definition.type == MQOT_Q && definition.queue == 0)) {
+        } else if (definition.queue >= known.nextQueue || (hasCounters(definition.type) && definition.queue == 0)) {
             findings.add(what + " has the number " + std::to_string(definition.queue) + ", which was never given");
         } else if (definition.queue != 0 && !known.queues.insert(definition.queue).second) {
             findings.add(what + " has the number " + std::to_string(definition.queue) + ", which another one has");

@@ -41,7 +41,8 @@ struct LogContents {
     std::string name;
     State state = State::Ended;
     std::uint64_t generation = 0;
-    std::uint64_t definitions = 0;
+    std::uint64_t definitions = 0; // subscriptions among them
+    std::uint64_t subscriptions = 0;
     std::uint64_t messages = 0;
     std::uint64_t bytes = 0; // of message bodies
 };

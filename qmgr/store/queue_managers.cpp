@@ -40,7 +40,7 @@ Outcome writeLog(const std::filesystem::path &folder, std::string_view name, std
     if (outcome.failed()) return outcome;
     if (const Outcome begun = log->begin(); begun.failed()) return begun;
     for (Definition object : objects) {
-        object.queue = object.type == MQOT_Q ? log->takeQueueId() : 0;
+        object.queue = hasCounters(object.type) ? log->takeQueueId() : 0;
         log->storeDefinition(object);
     }
     return log->commit();

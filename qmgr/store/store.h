@@ -124,7 +124,7 @@ public:
 
     // ---- Temporary queues (temporary_queues.cpp) ----
     Outcome defineTemporary(std::uint32_t slot, Definition &definition);
-    Outcome removeTemporary(std::uint32_t slot, QueueId queue, std::string_view name);
+    Outcome removeTemporary(std::uint32_t slot, const Definition &definition);
     void removeTemporariesOf(std::uint32_t slot);
 
     // ---- Waiting (waiting.cpp) ----
@@ -168,6 +168,8 @@ private:
     [[nodiscard]] bool isSound();
     void checkRecords(LiveContents &contents, Findings &findings);
     static void putDefinition(WriteTransaction &transaction, const Definition &definition);
+    // Tells everybody that definitions of this type are others now.
+    void definitionsChanged(MQLONG type);
 
     // The log, opened at its first use in this process. Log lock held.
     Outcome openLog();

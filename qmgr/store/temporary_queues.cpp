@@ -1,4 +1,5 @@
-// Temporary queues: they belong to the connection that made them and go with it.
+// Temporary queues, and subscriptions that are not durable: they belong to the connection that made them and go with
+// it.
 //
 // They stand in the live state only. So they are made and removed without waiting for a disk, and a restart forgets
 // them, as it forgets the non-persistent messages on them, which are the only ones they take. A record under the slot
@@ -7,6 +8,9 @@
 //
 // Others may be using the queue. Its counters go with its definition: from then on nothing can be put on it, booked or
 // opened. What units of work of others had there is passed over when they commit (commit.cpp).
+
+#include <algorithm>
+#include <cstring>
 
 #include "qmgr/store/seams.h"
 #include "qmgr/store/store.h"
@@ -19,6 +23,24 @@ namespace {
 
 constexpr int recordsAtOnce = 2000;
 
+// What stands under the slot of the connection.
+std::string nameRecord(const Definition &definition)
+{
+    std::string record(reinterpret_cast<const char *>(&definition.type), sizeof definition.type);
+    return record += definition.name;
+}
+
+Definition definitionIn(const MDB_val &key, const MDB_val &value)
+{
+    Definition definition;
+    definition.queue = numberAtEnd<QueueId>(key);
+    if (value.mv_size < sizeof definition.type) return definition;
+    std::memcpy(&definition.type, value.mv_data, sizeof definition.type);
+    definition.name.assign(static_cast<const char *>(value.mv_data) + sizeof definition.type,
+                           value.mv_size - sizeof definition.type);
+    return definition;
+}
+
 } // namespace
 
 Outcome Store::defineTemporary(std::uint32_t slot, Definition &definition)
@@ -26,18 +48,23 @@ Outcome Store::defineTemporary(std::uint32_t slot, Definition &definition)
     if (definition.name.empty() || definition.name.size() > MQ_OBJECT_NAME_LENGTH)
         return failure(MQRC_OBJECT_NAME_ERROR);
     definition.queue = temporaryNumbers | control().temporaryQueues.fetch_add(1);
-    return update(definition.bytes.size() + 4096, slot, [&](WriteTransaction &transaction) {
+    const std::string record = nameRecord(definition);
+    const Outcome made = update(definition.bytes.size() + 4096, slot, [&](WriteTransaction &transaction) {
         const bool known = transaction.get(LiveKey::definition(definition.type, definition.name)).data != nullptr;
         if (known || transaction.exists(definition.queue)) return failure(MQRC_OBJECT_ALREADY_EXISTS);
         putDefinition(transaction, definition);
-        transaction.store(LiveKey::temporary(slot, definition.queue), definition.name.data(), definition.name.size());
+        transaction.store(LiveKey::temporary(slot, definition.queue), record.data(), record.size());
         return success();
     });
+    // A new queue changes nothing that anybody knows; a new subscription does.
+    if (!made.failed() && definition.type == subscriptions) definitionsChanged(definition.type);
+    return made;
 }
 
-Outcome Store::removeTemporary(std::uint32_t slot, QueueId queue, std::string_view name)
+Outcome Store::removeTemporary(std::uint32_t slot, const Definition &removed)
 {
-    const LiveKey definition = LiveKey::definition(MQOT_Q, name);
+    const QueueId queue = removed.queue;
+    const LiveKey definition = LiveKey::definition(removed.type, removed.name);
     Outcome outcome;
     for (bool more = true; more && !outcome.failed();) {
         outcome = update(0, slot, [&](WriteTransaction &transaction) {
@@ -55,24 +82,25 @@ Outcome Store::removeTemporary(std::uint32_t slot, QueueId queue, std::string_vi
         });
         reached(Step::TemporaryRemoving);
     }
-    control().definitionVersion.fetch_add(1);
+    definitionsChanged(removed.type);
     wakeGetters(queue);
     return outcome;
 }
 
 void Store::removeTemporariesOf(std::uint32_t slot)
 {
-    std::vector<std::pair<QueueId, std::string>> queues;
+    std::vector<Definition> made;
     const Outcome found = read([&](ReadTransaction &transaction) {
         transaction.forEach(LiveKey::temporariesOf(slot), [&](const MDB_val &key, const MDB_val &value) {
-            queues.emplace_back(numberAtEnd<QueueId>(key),
-                                std::string(static_cast<const char *>(value.mv_data), value.mv_size));
+            made.push_back(definitionIn(key, value));
         });
         return success();
     });
     static_cast<void>(found);
-    for (const auto &[queue, name] : queues)
-        static_cast<void>(removeTemporary(slot, queue, name));
+    // Subscriptions first: nobody puts on a queue any more that goes next.
+    std::ranges::stable_partition(made, [](const Definition &one) { return one.type == subscriptions; });
+    for (const Definition &one : made)
+        static_cast<void>(removeTemporary(slot, one));
 }
 
 } // namespace mqrig::qmgr::store

@@ -234,11 +234,6 @@ TEST_F(Open, ProcessAndNamelistAre2085ForInquiryAnd2045ForMessages)
     }
 }
 
-TEST_F(Open, TopicIs2298)
-{
-    EXPECT_EQ(codesOf(odOfType(MQOT_TOPIC, "ANY"), MQOO_OUTPUT), failed(MQRC_FUNCTION_NOT_SUPPORTED));
-}
-
 TEST_F(Open, UnknownObjectTypeIs2043)
 {
     EXPECT_EQ(codesOf(odOfType(999, "Q1"), MQOO_OUTPUT), failed(MQRC_OBJECT_TYPE_ERROR));

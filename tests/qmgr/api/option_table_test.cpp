@@ -18,11 +18,19 @@ struct Prefix {
     OptionField field;
 };
 constexpr Prefix prefixes[] = {
-    {"MQCNO_", OptionField::Connect},   {"MQOO_", OptionField::Open},  {"MQCO_", OptionField::Close},
-    {"MQPMO_", OptionField::Put},       {"MQGMO_", OptionField::Get},  {"MQMO_", OptionField::Match},
-    {"MQRO_", OptionField::Report},     {"MQMF_", OptionField::Flags}, {"MQBO_", OptionField::Begin},
+    {"MQCNO_", OptionField::Connect},
+    {"MQOO_", OptionField::Open},
+    {"MQCO_", OptionField::Close},
+    {"MQPMO_", OptionField::Put},
+    {"MQGMO_", OptionField::Get},
+    {"MQMO_", OptionField::Match},
+    {"MQRO_", OptionField::Report},
+    {"MQMF_", OptionField::Flags},
+    {"MQBO_", OptionField::Begin},
     {"MQCBDO_", OptionField::Callback},
     {"MQCTLO_", OptionField::Control},
+    {"MQSO_", OptionField::Subscribe},
+    {"MQSRO_", OptionField::SubscriptionRequest},
 };
 
 // Names of the prefixes that are no option bits.

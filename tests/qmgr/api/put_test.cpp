@@ -556,7 +556,7 @@ TEST_F(Put, Put1AnswersTheReasonsOfOpening)
     od.ObjectType = MQOT_Q_MGR;
     EXPECT_EQ(codesOf(&od), failed(MQRC_OBJECT_TYPE_ERROR));
     od.ObjectType = MQOT_TOPIC;
-    EXPECT_EQ(codesOf(&od), failed(MQRC_FUNCTION_NOT_SUPPORTED));
+    EXPECT_EQ(codesOf(&od), failed(MQRC_UNKNOWN_OBJECT_NAME));
     od = {MQOD_DEFAULT};
     std::strcpy(od.ObjectName, "Q1");
     std::strcpy(od.ObjectQMgrName, "QM7");

@@ -133,8 +133,8 @@ TEST_F(Mqsc, FaultsNameTheirPlace)
               "DISPLAY or PING.\n"
               "   FROBNICATE\n"
               "   ^\n");
-    EXPECT_EQ(answer("CLEAR QMGR").substr(0, 79),
-              "AMQ8405E: Syntax error at line 1, column 7: CLEAR is followed by QLOCAL.\n   CLE");
+    EXPECT_EQ(answer("CLEAR QMGR").substr(0, 85),
+              "AMQ8405E: Syntax error at line 1, column 7: CLEAR is followed by QLOCAL or TOPICSTR.\n");
 }
 
 TEST_F(Mqsc, NothingIsDoneByACommandWithAFault)

@@ -16,7 +16,7 @@ TEST(AttributeTable, EveryRowIsFoundBySelectorAndKeyword)
     for (const Attribute &row : attributes()) {
         for (const ObjectKind kind :
              {ObjectKind::QueueManager, ObjectKind::LocalQueue, ObjectKind::AliasQueue, ObjectKind::RemoteQueue,
-              ObjectKind::ModelQueue, ObjectKind::Namelist, ObjectKind::Process}) {
+              ObjectKind::ModelQueue, ObjectKind::Namelist, ObjectKind::Process, ObjectKind::Topic}) {
             if (!contains(row.kinds, kind)) continue;
             EXPECT_EQ(findSelector(kind, row.selector), &row) << row.keyword;
             EXPECT_EQ(findKeyword(kind, row.keyword).attribute, &row) << row.keyword;

@@ -33,8 +33,9 @@ TEST(SystemObjects, AreAllReadableAndDistinct)
 TEST(SystemObjects, EveryKindHasItsDefaultObject)
 {
     const auto objects = systemObjects("QM1");
-    for (const ObjectKind kind : {ObjectKind::LocalQueue, ObjectKind::AliasQueue, ObjectKind::RemoteQueue,
-                                  ObjectKind::ModelQueue, ObjectKind::Namelist, ObjectKind::Process}) {
+    for (const ObjectKind kind :
+         {ObjectKind::LocalQueue, ObjectKind::AliasQueue, ObjectKind::RemoteQueue, ObjectKind::ModelQueue,
+          ObjectKind::Namelist, ObjectKind::Process, ObjectKind::Topic}) {
         const auto stored = std::find_if(objects.begin(), objects.end(), [kind](const store::Definition &definition) {
             return definition.name == defaultObject(kind) && definition.type == openType(kind);
         });

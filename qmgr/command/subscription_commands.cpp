@@ -1,0 +1,180 @@
+#include "qmgr/command/subscription_commands.h"
+
+#include <algorithm>
+#include <optional>
+#include <unistd.h>
+#include <utility>
+
+#include "cmqcfc.h"
+#include "qmgr/command/process_facts.h"
+#include "qmgr/command/subscription_attributes.h"
+#include "qmgr/objects/object_name.h"
+#include "qmgr/objects/publish_subscribe.h"
+#include "qmgr/objects/system_objects.h"
+#include "qmgr/objects/topic_tree.h"
+#include "qmgr/store/seams.h"
+
+namespace mqrig::qmgr::command {
+namespace {
+
+using objects::ObjectDefinition;
+using objects::Subscription;
+using store::Attachment;
+
+// "AMQ ", 12 characters of the queue manager's name, 8 bytes, as identifiers of messages.
+objects::Identifier24 newIdentifier(Attachment &attachment)
+{
+    objects::Identifier24 id{};
+    std::string name = "AMQ " + attachment.queueManagerName();
+    name.resize(16, ' ');
+    std::copy(name.begin(), name.end(), id.begin());
+    const std::uint64_t number = attachment.uniqueNumber();
+    for (std::size_t i = 0; i < 8; ++i)
+        id[16 + i] = static_cast<MQBYTE>(number >> (8 * (7 - i)));
+    return id;
+}
+
+void setDeadline(Subscription &subscription)
+{
+    constexpr std::int64_t tenth = 100000;
+    subscription.deadline =
+        subscription.expiry == MQEI_UNLIMITED ? 0 : store::currentTime() + subscription.expiry * tenth;
+}
+
+Outcome assign(Subscription &subscription, const std::vector<Assignment> &attributes)
+{
+    for (const Assignment &change : attributes)
+        if (!setValue(subscription, *change.attribute, change.value)) return failure(MQRC_CORREL_ID_ERROR);
+    setDeadline(subscription);
+    return success();
+}
+
+// The topic string of the object, if one is named, in front of what is given beside it.
+Outcome resolveTopic(Attachment &attachment, Subscription &subscription)
+{
+    if (!subscription.topicObject.empty()) {
+        const auto stored = attachment.findDefinition(MQOT_TOPIC, subscription.topicObject);
+        const auto object = stored ? ObjectDefinition::decode(stored->bytes) : std::nullopt;
+        if (!object) return failure(MQRC_UNKNOWN_OBJECT_NAME);
+        std::string topic(object->text(MQCA_TOPIC_STRING));
+        if (!topic.empty() && !subscription.topic.empty()) topic += '/';
+        subscription.topic = topic + subscription.topic;
+    }
+    const bool valid = !subscription.topic.empty() && subscription.topic.size() <= MQ_TOPIC_STR_LENGTH &&
+                       objects::TopicPattern::parse(subscription.topic, subscription.scheme);
+    return valid ? success() : failure(MQRC_TOPIC_STRING_ERROR);
+}
+
+// The queue of a managed subscription: made when that is there (publish_subscribe.h).
+Outcome makeQueue(Attachment &attachment, const std::string &model, const std::string &name)
+{
+    std::optional<store::Definition> stored = attachment.findDefinition(MQOT_Q, model);
+    if (!stored) stored = objects::systemObject(MQOT_Q, model);
+    const auto pattern = stored ? ObjectDefinition::decode(stored->bytes) : std::nullopt;
+    if (!pattern || pattern->kind() != objects::ObjectKind::ModelQueue) return failure(MQRC_INVALID_DESTINATION);
+    ObjectDefinition queue = objects::queueLike(*pattern);
+    queue.rename(name);
+    queue.set(MQIA_DEFINITION_TYPE, MQQDT_PERMANENT_DYNAMIC);
+    store::Definition made;
+    made.type = MQOT_Q;
+    made.name = name;
+    made.bytes = queue.encode();
+    return attachment.define(made);
+}
+
+// What ALTER may not change.
+Outcome checkAlterable(const Assignment &change)
+{
+    switch (change.attribute->selector) {
+    case MQCA_TOPIC_NAME:
+    case MQCA_TOPIC_STRING:
+    case MQIACF_WILDCARD_SCHEMA:
+    case MQIACF_SUBSCRIPTION_SCOPE:
+        return failure(MQRC_TOPIC_NOT_ALTERABLE);
+    case MQIACF_SUB_LEVEL:
+        return failure(MQRC_SUBLEVEL_NOT_ALTERABLE);
+    case MQIACF_DESTINATION_CLASS:
+        return failure(MQRC_DEST_CLASS_NOT_ALTERABLE);
+    default:
+        return success();
+    }
+}
+
+} // namespace
+
+Outcome defineSubscription(Attachment &attachment, const std::string &name, const std::vector<Assignment> &attributes)
+{
+    Subscription subscription;
+    subscription.id = newIdentifier(attachment);
+    subscription.correlId = newIdentifier(attachment);
+    subscription.name = name;
+    subscription.durable = true;
+    subscription.type = MQSUBTYPE_ADMIN;
+    subscription.created = store::currentTime();
+    objects::fillField(subscription.user, userOf(getpid()));
+    objects::fillField(subscription.applIdentityData, {});
+    if (const Outcome assigned = assign(subscription, attributes); assigned.failed()) return assigned;
+    if (const Outcome resolved = resolveTopic(attachment, subscription); resolved.failed()) return resolved;
+
+    const auto topic = objects::TopicTree(attachment.definitions(MQOT_TOPIC)).attributesOf(subscription.topic);
+    if (topic.subscribe == MQTA_SUB_INHIBITED) return failure(MQRC_SUB_INHIBITED);
+    if (topic.durableSubs == MQSUB_DURABLE_INHIBITED) return failure(MQRC_DURABILITY_NOT_ALLOWED);
+    if (subscription.managed) {
+        subscription.queue =
+            std::string(objects::durableQueuePrefix) + objects::hexadecimal(subscription.id).substr(32);
+        subscription.queueManager.clear();
+    }
+    if (subscription.queue.empty()) return failure(MQRC_INVALID_DESTINATION);
+
+    (void)objects::findSubscription(attachment, name); // which removes one that has expired
+    store::Definition definition = objects::definitionOf(subscription);
+    const Outcome defined = attachment.define(definition);
+    if (defined.Reason == MQRC_OBJECT_ALREADY_EXISTS) return failure(MQRC_SUB_ALREADY_EXISTS);
+    if (defined.failed() || !subscription.managed) return defined;
+    const Outcome made = makeQueue(attachment, topic.durableModel, subscription.queue);
+    if (made.failed()) (void)objects::removeSubscription(attachment, {definition, subscription}, objects::Handle::None);
+    return made;
+}
+
+Outcome alterSubscription(Attachment &attachment, const std::string &name, const std::vector<Assignment> &attributes)
+{
+    for (const Assignment &change : attributes)
+        if (const Outcome may = checkAlterable(change); may.failed()) return may;
+    for (;;) {
+        auto known = objects::findSubscription(attachment, name);
+        if (!known) return failure(MQRC_NO_SUBSCRIPTION);
+        const bool moves = std::ranges::any_of(attributes, [](const Assignment &change) {
+            return change.attribute->selector == MQCACF_DESTINATION ||
+                   change.attribute->selector == MQCACF_DESTINATION_Q_MGR;
+        });
+        if (moves && known->subscription.managed) return failure(MQRC_DEST_CLASS_NOT_ALTERABLE);
+        if (const Outcome assigned = assign(known->subscription, attributes); assigned.failed()) return assigned;
+        const std::string seen = std::exchange(known->definition.bytes, known->subscription.encode());
+        const Outcome altered = attachment.alter(known->definition, seen);
+        if (altered.Reason != MQRC_OBJECT_CHANGED && altered.Reason != MQRC_UNKNOWN_OBJECT_NAME) return altered;
+    }
+}
+
+Outcome deleteSubscription(Attachment &attachment, const std::string &name)
+{
+    const auto known = objects::findSubscription(attachment, name);
+    if (!known) return failure(MQRC_NO_SUBSCRIPTION);
+    return objects::removeSubscription(attachment, *known, objects::Handle::None);
+}
+
+std::vector<Subscription> inquireSubscriptions(Attachment &attachment, const std::string &genericName)
+{
+    std::vector<Subscription> found;
+    const std::int64_t now = store::currentTime();
+    for (const store::Definition &stored : attachment.definitions(store::subscriptions)) {
+        auto subscription = Subscription::decode(stored.bytes);
+        if (subscription && !subscription->expired(now) && objects::matchesGeneric(genericName, subscription->name))
+            found.push_back(std::move(*subscription));
+    }
+    std::ranges::sort(found, [](const Subscription &left, const Subscription &right) {
+        return left.name != right.name ? left.name < right.name : left.id < right.id;
+    });
+    return found;
+}
+
+} // namespace mqrig::qmgr::command

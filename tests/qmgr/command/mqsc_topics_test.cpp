@@ -1,0 +1,114 @@
+// Topics and subscriptions in the command language.
+#include "queue_manager_fixture.h"
+
+namespace mqrig::qmgr::command {
+namespace {
+
+class MqscTopics : public QueueManagerFixture {};
+
+TEST_F(MqscTopics, TopicIsDefinedShownAlteredAndDeleted)
+{
+    EXPECT_EQ(answer("DEF TOPIC(FRUIT) TOPICSTR('fruit/fresh') DESCR('All fruit') DEFPRTY(3)"),
+              "AMQ8690I: Topic FRUIT was created.\n");
+    EXPECT_EQ(answer("ALTER TOPIC(FRUIT) PUB(DISABLED) DURSUB(NO)"), "AMQ8691I: Topic FRUIT was changed.\n");
+    EXPECT_EQ(answer("DIS TOPIC(FRUIT) TOPICSTR DEFPRTY DEFPSIST PUB DURSUB"),
+              "AMQ8633I: Topic details:\n"
+              "   TOPIC(FRUIT)                            TYPE(LOCAL)\n"
+              "   DEFPRTY(3)                              DEFPSIST(ASPARENT)\n"
+              "   DURSUB(NO)                              PUB(DISABLED)\n"
+              "   TOPICSTR(fruit/fresh)\n");
+    EXPECT_EQ(answer("DELETE TOPIC(FRUIT)"), "AMQ8692I: Topic FRUIT was deleted.\n");
+    EXPECT_EQ(answer("DIS TOPIC(FRUIT)"), "AMQ8147E: There is no object FRUIT.\n");
+}
+
+TEST_F(MqscTopics, BaseTopicHasNothingLeftToAParent)
+{
+    const std::string shown = answer("DIS TOPIC(SYSTEM.BASE.TOPIC)");
+    EXPECT_EQ(shown.find("ASPARENT"), std::string::npos) << shown;
+    EXPECT_NE(shown.find("PMSGDLV(ALLDUR)"), std::string::npos) << shown;
+}
+
+TEST_F(MqscTopics, TopicStringIsNeededUniqueAndForEver)
+{
+    EXPECT_EQ(answer("DEF TOPIC(A)"), "AMQ8404E: The command failed: TOPICSTR is missing, or is no topic string.\n");
+    EXPECT_EQ(answer("DEF TOPIC(A) TOPICSTR('a/')"),
+              "AMQ8404E: The command failed: TOPICSTR is missing, or is no topic string.\n");
+    EXPECT_EQ(run("DEF TOPIC(A) TOPICSTR(a)").result, CommandResult::Done);
+    EXPECT_EQ(answer("DEF TOPIC(B) TOPICSTR(a)"),
+              "AMQ8404E: The command failed: another topic object has this TOPICSTR.\n");
+    EXPECT_EQ(answer("ALTER TOPIC(A) TOPICSTR(b)"), "AMQ8404E: The command failed: TOPICSTR cannot be altered.\n");
+    EXPECT_EQ(run("DEF TOPIC(A) TOPICSTR(a) REPLACE DEFPRTY(1)").result, CommandResult::Done);
+}
+
+TEST_F(MqscTopics, SubscriptionIsDefinedShownAlteredAndDeleted)
+{
+    ASSERT_EQ(run("DEF QL(Q1)").result, CommandResult::Done);
+    EXPECT_EQ(answer("DEF SUB('my sub') TOPICSTR('fruit/#') DEST(Q1) USERDATA('my data') DESTCORL(0A0b)"),
+              "AMQ8094I: Subscription my sub was created.\n");
+    EXPECT_EQ(answer("DEF SUB('my sub') TOPICSTR('x') DEST(Q1)"), "AMQ8150E: Subscription my sub exists already.\n");
+    EXPECT_EQ(answer("ALTER SUB('my sub') PUBPRTY(4) EXPIRY(UNLIMITED)"),
+              "AMQ8097I: Subscription my sub was changed.\n");
+    EXPECT_EQ(answer("DIS SUB(my*)"), "AMQ8147E: There is no subscription MY*.\n");
+    EXPECT_EQ(answer("DIS SUB('my*') TOPICSTR DEST DESTCLAS DESTCORL DURABLE PUBPRTY SUBTYPE USERDATA WSCHEMA"),
+              "AMQ8096I: Subscription details:\n"
+              "   SUB(my sub)                             DEST(Q1)\n"
+              "   DESTCLAS(PROVIDED)\n"
+              "   DESTCORL(0A0B00000000000000000000000000000000000000000000)\n"
+              "   DURABLE(YES)                            PUBPRTY(4)\n"
+              "   SUBTYPE(ADMIN)                          TOPICSTR(fruit/#)\n"
+              "   USERDATA(my data)                       WSCHEMA(TOPIC)\n");
+    EXPECT_EQ(run("DIS SUB(*) WHERE(DEST EQ Q2)").result, CommandResult::Failed);
+    EXPECT_EQ(answer("DELETE SUB('my sub')"), "AMQ8091I: Subscription my sub was deleted.\n");
+    EXPECT_EQ(answer("DELETE SUB('my sub')"), "AMQ8147E: There is no subscription my sub.\n");
+    EXPECT_EQ(answer("ALTER SUB(NONE) PUBPRTY(1)"), "AMQ8147E: There is no subscription NONE.\n");
+}
+
+TEST_F(MqscTopics, ManagedSubscriptionHasItsQueue)
+{
+    ASSERT_EQ(run("DEF SUB(S) TOPICSTR(t) DESTCLAS(MANAGED)").result, CommandResult::Done);
+    EXPECT_NE(answer("DIS Q(SYSTEM.MANAGED.DURABLE.*) DEFTYPE").find("DEFTYPE(PERMDYN)"), std::string::npos);
+    EXPECT_EQ(answer("ALTER SUB(S) DEST(Q1)"),
+              "AMQ8404E: The command failed: the queue of a managed subscription cannot be altered.\n");
+    ASSERT_EQ(run("DELETE SUB(S)").result, CommandResult::Done);
+    EXPECT_EQ(run("DIS Q(SYSTEM.MANAGED.*)").result, CommandResult::Failed);
+}
+
+TEST_F(MqscTopics, SubscriptionThatCannotBeIsRefused)
+{
+    ASSERT_EQ(run("DEF TOPIC(A) TOPICSTR(a) SUB(DISABLED)").result, CommandResult::Done);
+    ASSERT_EQ(run("DEF TOPIC(B) TOPICSTR('b') DURSUB(NO)").result, CommandResult::Done);
+    const auto fails = [this](const std::string &command, const std::string &because) {
+        EXPECT_EQ(answer(command), "AMQ8404E: The command failed: " + because + ".\n");
+    };
+    fails("DEF SUB(S) DEST(Q1)", "TOPICSTR is missing, or is no topic string");
+    fails("DEF SUB(S) TOPICSTR('%a') WSCHEMA(CHAR) DEST(Q1)", "TOPICSTR is missing, or is no topic string");
+    fails("DEF SUB(S) TOPICSTR(t)", "DEST is missing, or there is no model of a managed queue");
+    fails("DEF SUB(S) TOPICOBJ(A) TOPICSTR(x) DEST(Q1)", "the topic does not allow subscriptions");
+    fails("DEF SUB(S) TOPICSTR('b/x') DEST(Q1)", "the topic does not allow durable subscriptions");
+    fails("DEF SUB(S) TOPICSTR(t) DEST(Q1) DESTCORL(XYZ)", "DESTCORL takes up to 48 hexadecimal digits");
+    EXPECT_EQ(answer("DEF SUB(S) TOPICOBJ(NOSUCH) DEST(Q1)"), "AMQ8147E: There is no object S.\n");
+    for (const char *command : {"DEF SUB TOPICSTR(t)", "DEF SUB() TOPICSTR(t)", "DEF SUB(S) TOPICSTR(t) DURABLE(NO)",
+                                "DEF SUB(S) TOPICSTR(t) TOPICSTR(u)", "DEF SUB(S) FROB(1)", "DELETE SUB(S) PURGE"})
+        EXPECT_EQ(run(command).result, CommandResult::SyntaxError) << command;
+    EXPECT_EQ(run("DIS SUB(*)").result, CommandResult::Failed);
+}
+
+TEST_F(MqscTopics, OpenSubscriptionIsNotDeleted)
+{
+    ASSERT_EQ(run("DEF SUB(S) TOPICSTR(t) DEST(Q1)").result, CommandResult::Done);
+    const auto other = connect();
+    const auto stored = other->definitions(store::subscriptions);
+    ASSERT_EQ(stored.size(), 1U);
+    open(*other, stored.front().queue, {.input = 1, .exclusive = 1, .output = 0, .browse = 0});
+    EXPECT_EQ(answer("DELETE SUB(S)"), "AMQ8469E: Subscription S is in use.\n");
+}
+
+TEST_F(MqscTopics, ClearNeedsARetainedPublication)
+{
+    EXPECT_EQ(answer("CLEAR TOPICSTR('a/b') CLRTYPE(RETAINED)"),
+              "AMQ8404E: The command failed: there is no retained publication.\n");
+    EXPECT_EQ(run("CLEAR TOPICSTR(a) CLRTYPE(ALL)").result, CommandResult::SyntaxError);
+}
+
+} // namespace
+} // namespace mqrig::qmgr::command
