@@ -25,14 +25,16 @@ kills() {
     tail -n 3
 }
 
-# Every allocation, open, read, write, sync, map and lock of many runs fails in turn, once and for good; the client under
-# the address sanitizer too, which looks for what is not given back.
+# Every allocation, open, read, write, sync, map and lock of many runs fails in turn, once and for good; under the address
+# sanitizer too, which looks for what is not given back (of the queue manager a sample there).
 faults() {
   step "calls that fail: all places"
-  configure_and_build release -DMQRIG_TESTS=ON -- client_fault_sweep
+  configure_and_build release -DMQRIG_TESTS=ON -- client_fault_sweep qmgr_fault_tests
+  MQRIG_FAULT_PLACES=0 build/tests/bin/qmgr_fault_tests | grep -v '^\[ RUN'
   build/tests/bin/client_fault_sweep --client build/bin/mqrig --library build/tests/scripted_mqi \
     --faults build/tests/faults tests/client/faults/runs.test
-  configure_and_build asan -DMQRIG_BENCH=OFF -- client_fault_sweep
+  configure_and_build asan -DMQRIG_BENCH=OFF -- client_fault_sweep qmgr_fault_tests
+  MQRIG_FAULT_PLACES=30 build-asan/tests/bin/qmgr_fault_tests | grep -v '^\[ RUN'
   build-asan/tests/bin/client_fault_sweep --client build-asan/bin/mqrig --library build-asan/tests/scripted_mqi \
     --faults build-asan/tests/faults tests/client/faults/runs.test
 }

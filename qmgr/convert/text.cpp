@@ -8,6 +8,8 @@
 
 #include <iconv.h>
 
+#include "qmgr/store/per_thread.h"
+
 namespace mqrig::qmgr::convert {
 namespace {
 
@@ -142,7 +144,7 @@ TextResult TextConverter::convert(std::span<const std::byte> from, std::span<std
 
 TextConverter::Found TextConverter::between(const Representation &source, const Representation &target)
 {
-    thread_local std::vector<std::unique_ptr<TextConverter>> kept;
+    auto &kept = store::PerThread<std::vector<std::unique_ptr<TextConverter>>>::get();
     const CharacterSet *sourceSet = findCharacterSet(source.ccsid);
     if (sourceSet == nullptr) return {nullptr, MQRC_SOURCE_CCSID_ERROR};
     const CharacterSet *targetSet = findCharacterSet(target.ccsid);

@@ -195,8 +195,11 @@ void Callbacks::stop()
         const std::lock_guard lock(mutex_);
         ending_ = true;
         if (!thread_.joinable()) return;
-        static_cast<void>(tellState());
-        postLastCall();
+        try {
+            static_cast<void>(tellState());
+            postLastCall();
+        } catch (const std::bad_alloc &) { // NOLINT(bugprone-empty-catch): what cannot be kept is not told
+        }
         wake();
     }
     thread_.join();
@@ -263,13 +266,13 @@ bool Callbacks::tellState()
     const store::State state = watch_.state();
     const store::State told = told_;
     if (state == told || mustReconnect()) return false;
-    told_ = state;
     if (state == store::State::Quiescing) {
         postEvent(failure(MQRC_Q_MGR_QUIESCING));
     } else {
         postEvent(failure(MQRC_Q_MGR_STOPPING));
         postEvent(failure(MQRC_CONNECTION_BROKEN));
     }
+    told_ = state;
     return true;
 }
 
@@ -446,7 +449,7 @@ void Callbacks::run()
         try {
             if (!runOnce(lock)) return;
         } catch (const std::bad_alloc &) {
-            // Nobody is there to be told. Whatever it was is tried again.
+            // Nobody is there to be told. What was to be done is still to be done; in a moment there may be memory.
             if (!lock.owns_lock()) lock.lock();
             running_ = false;
             changed_.notify_all();

@@ -1,6 +1,7 @@
 #include "qmgr/core/disconnect.h"
 
 #include <memory>
+#include <new>
 #include <string_view>
 
 #include "qmgr/core/callbacks.h"
@@ -24,6 +25,17 @@ void closeTriggered(Connection &connection)
     }
 }
 
+// The handle is gone, so the unit of work ends now: what cannot be committed is backed out with the connection.
+Outcome commitLast(Connection &connection)
+{
+    try {
+        const Outcome outcome = commit(connection);
+        return connection.unit.empty() ? outcome : warning(MQRC_BACKED_OUT);
+    } catch (const std::bad_alloc &) {
+        return connection.unit.empty() ? success() : warning(MQRC_BACKED_OUT);
+    }
+}
+
 } // namespace
 
 Outcome disconnect(ConnectionUse &use)
@@ -31,9 +43,13 @@ Outcome disconnect(ConnectionUse &use)
     const std::unique_ptr<Connection> connection = use.remove();
     if (connection->callbacks != nullptr) connection->callbacks->stop();
     if (use.outcome().failed()) return use.outcome();
-    const Outcome outcome = commit(*connection);
+    const Outcome outcome = commitLast(*connection);
     if (connection->store->requestsWaiting()) serveRequests(*connection);
-    closeTriggered(*connection);
+    try {
+        closeTriggered(*connection);
+    } catch (
+        const std::bad_alloc &) { // NOLINT(bugprone-empty-catch): a trigger message that cannot be made is not made
+    }
     // The other open handles and the slot go with the attachment.
     return outcome;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <utility>
 
 #include "qmgr/core/callbacks.h"
@@ -78,14 +79,23 @@ private:
     // All or nothing: a connection that cannot be restored keeps what it had, and lets go of the new life.
     MQLONG takeOver(std::unique_ptr<store::Attachment> attachment)
     {
+        objects::Catalog fresh(*attachment);
         std::swap(connection_.store, attachment);
-        objects::Catalog former = std::exchange(connection_.catalog, objects::Catalog(*connection_.store));
+        objects::Catalog former = std::exchange(connection_.catalog, std::move(fresh));
         connection_.subscriptions.reset(); // its versions are those of the former life
-        const MQLONG reason = restore();
-        if (reason != MQRC_NONE) {
+        const auto giveBack = [&] {
+            connection_.subscriptions.reset();
             std::swap(connection_.store, attachment);
             connection_.catalog = std::move(former);
-            return reason;
+        };
+        try {
+            if (const MQLONG reason = restore(); reason != MQRC_NONE) {
+                giveBack();
+                return reason;
+            }
+        } catch (const std::bad_alloc &) {
+            giveBack(); // the next call begins again
+            throw;
         }
         connection_.identify();
         connection_.begun = false;

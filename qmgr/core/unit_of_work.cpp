@@ -23,6 +23,13 @@ void emptyList(List &list)
         list.clear();
 }
 
+// The end of a unit of work that could not be made, not even as a backout: all of it is still held. It can only be
+// backed out, when what was lacking is there again.
+bool isWhole(const Outcome &ended)
+{
+    return ended.failed() && ended.Reason != MQRC_CONNECTION_BROKEN;
+}
+
 } // namespace
 
 std::span<const std::byte> BodyMemory::copy(std::span<const std::byte> body)
@@ -115,6 +122,10 @@ Outcome commit(Connection &connection)
     }
     if (connection.unit.empty()) return success();
     const Outcome outcome = connection.store->commit(connection.unit.content());
+    if (isWhole(outcome)) {
+        connection.unit.doom();
+        return outcome;
+    }
     if (outcome.Reason == MQRC_BACKED_OUT)
         triggersBackedOut(connection, connection.unit);
     else
@@ -131,6 +142,10 @@ Outcome backOut(Connection &connection)
         return success();
     }
     const Outcome outcome = connection.store->backOut(connection.unit.content());
+    if (isWhole(outcome)) {
+        connection.unit.doom();
+        return outcome;
+    }
     triggersBackedOut(connection, connection.unit);
     connection.unit.clear();
     return isInterrupted(connection, outcome) ? success() : outcome;

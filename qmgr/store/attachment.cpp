@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "qmgr/store/paths.h"
@@ -25,7 +26,11 @@ Attached Attachment::on(const std::shared_ptr<Store> &store)
 {
     const auto taken = store->takeSlot();
     if (taken.outcome.failed()) return {taken.outcome, nullptr};
-    std::unique_ptr<Attachment> attachment(new Attachment(store, taken.slot));
+    std::unique_ptr<Attachment> attachment(new (std::nothrow) Attachment(store, taken.slot));
+    if (!attachment) {
+        store->freeSlot(taken.slot);
+        return {failure(MQRC_STORAGE_NOT_AVAILABLE), nullptr};
+    }
     // What killed programs have left behind, their temporary queues above all, goes with the next one that comes.
     attachment->releaseDead();
     // Asked after the slot is taken: whoever quiesces the queue manager counts slots after setting the state, so

@@ -133,7 +133,7 @@ public:
     // [any] The same for subscriptions alone, which do not touch the other: it also changes when one comes that is not
     // kept on disk.
     [[nodiscard]] std::uint64_t subscriptionVersion() const;
-    // Empty if there is none (or storage failed: then the next change or transaction says so).
+    // Empty if there is none. These two throw std::bad_alloc also when it cannot be known.
     [[nodiscard]] std::optional<Definition> findDefinition(MQLONG type, std::string_view name);
     // All of one type in name order; all types with MQOT_ALL. Temporary queues of dead connections are removed first.
     [[nodiscard]] std::vector<Definition> definitions(MQLONG type);

@@ -26,8 +26,9 @@ void checkPermissions(const std::filesystem::path &folder, Findings &findings)
     };
     look(folder);
     std::error_code error;
-    for (const auto &entry : std::filesystem::recursive_directory_iterator(folder, error))
-        look(entry.path());
+    std::filesystem::recursive_directory_iterator entry(folder, error);
+    for (const std::filesystem::recursive_directory_iterator end; !error && entry != end; entry.increment(error))
+        look(entry->path());
 }
 
 } // namespace

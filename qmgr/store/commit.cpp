@@ -82,18 +82,20 @@ bool readUnit(const MDB_val &value, UnitRecord &unit, std::vector<UnitStep> &ste
 
 bool leftTheLogAsItWas(const Outcome &outcome)
 {
-    return outcome.Reason == MQRC_STORAGE_NOT_AVAILABLE || outcome.Reason == MQRC_RESOURCE_PROBLEM;
+    return outcome.Reason == MQRC_STORAGE_NOT_AVAILABLE || outcome.Reason == MQRC_RESOURCE_PROBLEM ||
+           outcome.Reason == MQRC_NOT_AUTHORIZED;
 }
 
 // A flip or an undoing decides what owners are told. It needs no space that is not there and fails for next to
-// nothing; if it keeps failing, nothing true can be said any more, and the life has to end.
+// nothing; if it keeps failing for another reason than that this process lacks memory or the like, nothing true can be
+// said any more, and the life has to end.
 template <class Step>
 Outcome insistOn(Step &&step)
 {
-    Outcome outcome = step();
+    Outcome outcome = withMemory(step);
     for (int again = 0; outcome.failed() && again < 3; ++again)
-        outcome = step();
-    return outcome.failed() ? failure(MQRC_UNEXPECTED_ERROR) : outcome;
+        outcome = withMemory(step);
+    return !outcome.failed() || leftTheLogAsItWas(outcome) ? outcome : failure(MQRC_UNEXPECTED_ERROR);
 }
 
 // About what a unit adds to the live state, its own steps and the pages of its flip included.
@@ -129,8 +131,11 @@ LogLock::LogLock(Store &store, Busy busy) : store_(store)
         outcome_ = failure(MQRC_CONNECTION_BROKEN);
         return;
     }
-    outcome_ = store.openLog();
-    if (!outcome_.failed() && control.logUnfinished != 0) outcome_ = store.finishLogged();
+    // Nothing is thrown from here: the lock would stay with nobody to give it up.
+    outcome_ = withMemory([&] {
+        const Outcome opened = store.openLog();
+        return opened.failed() || control.logUnfinished == 0 ? opened : store.finishLogged();
+    });
 }
 
 LogLock::~LogLock()
@@ -144,7 +149,8 @@ LogLock::~LogLock()
 
 Outcome Store::openLog()
 {
-    if (log_) return success();
+    if (log_ && !log_->isStale()) return success();
+    log_.reset();
     auto [outcome, log] = LogDatabase::open(folder_ / "log.db");
     log_ = std::move(log);
     return outcome;
@@ -194,7 +200,7 @@ bool Store::anyPrepared()
 Outcome Store::logUnits(std::span<const PreparedUnit> units)
 {
     if (const Outcome begun = log_->begin(); begun.failed()) return begun;
-    const Outcome copied = read([&](ReadTransaction &transaction) {
+    const auto copy = [&](ReadTransaction &transaction) {
         std::uint64_t messages = 0;
         std::uint64_t bytes = 0;
         for (const PreparedUnit &unit : units) {
@@ -227,8 +233,8 @@ Outcome Store::logUnits(std::span<const PreparedUnit> units)
             }
         }
         return success();
-    });
-    if (copied.failed()) {
+    };
+    if (const Outcome copied = withMemory([&] { return read(copy); }); copied.failed()) {
         log_->rollback();
         return copied;
     }
@@ -239,35 +245,55 @@ Outcome Store::logUnits(std::span<const PreparedUnit> units)
     }
     log_->advance(control().stamp.generation, units.back().ticket);
     // From here until the flip the log is ahead of the live state. Noted before it is, for whatever may go wrong.
-    control().logUnfinished = 1;
+    const std::uint32_t before = control().logUnfinished.exchange(1);
     reached(Step::UnitLogging);
     const Outcome committed = log_->commit();
-    if (leftTheLogAsItWas(committed)) control().logUnfinished = 0;
+    if (leftTheLogAsItWas(committed)) control().logUnfinished = before;
     return committed;
 }
 
 // Log lock held. Logs and flips everything that is prepared; undoes what the log cannot take.
 Outcome Store::logPrepared()
 {
-    Outcome outcome;
-    const std::vector<PreparedUnit> units = preparedUnits(outcome);
+    std::vector<PreparedUnit> units;
+    Outcome outcome = withMemory([&] {
+        Outcome found;
+        units = preparedUnits(found);
+        return found;
+    });
     if (outcome.failed() || units.empty()) return outcome;
     outcome = logUnits(units);
     if (!outcome.failed()) {
         reached(Step::UnitLogged);
-        return judgeLog(insistOn([&] { return flip(units.back().ticket); }));
+        return flipLogged(units.back().ticket);
     }
     if (!leftTheLogAsItWas(outcome)) return judgeLog(outcome);
     for (const PreparedUnit &unit : units) {
         if (units.size() > 1) outcome = logUnits({&unit, 1});
         if (!outcome.failed()) {
-            outcome = insistOn([&] { return flip(unit.ticket); });
+            outcome = flipLogged(unit.ticket);
         } else if (leftTheLogAsItWas(outcome)) {
             outcome = unit.unit.kind == UnitKind::Note ? success() : insistOn([&] { return undo(unit); });
         }
         if (outcome.failed()) break;
     }
     return judgeLog(outcome);
+}
+
+// Log lock held. The flip of what is in the log.
+Outcome Store::flipLogged(Ticket upTo)
+{
+    return broughtToLive(insistOn([&] { return flip(upTo); }));
+}
+
+// Log lock held. What became of a step that brings to the live state what is in the log already. It has happened, and
+// its owner is told so. Where this process cannot show it for want of memory or the like, it is the first thing that
+// the next holder of the log lock does.
+Outcome Store::broughtToLive(const Outcome &outcome)
+{
+    if (!outcome.failed() || !leftTheLogAsItWas(outcome)) return judgeLog(outcome);
+    control().logUnfinished = liveBehind;
+    return success();
 }
 
 // Log lock held. What a failed log transaction means to its caller: if it cannot be known what the log holds, or the
@@ -369,12 +395,17 @@ Outcome Store::logOwn(const LogLock &lock, Ticket ticket, OwnOutcome &&outcome)
     if (!logged.failed()) return outcome();
     // The log could not even be tried (no descriptor for it, no memory). What is told must come true: the unit is
     // undone if it is certain that the log does not have it; otherwise it is for somebody else to finish.
-    Outcome found;
-    const auto units = preparedUnits(found);
+    std::vector<PreparedUnit> units;
+    Outcome found = withMemory([&] {
+        Outcome looked;
+        units = preparedUnits(looked);
+        return looked;
+    });
     const auto own = std::find_if(units.begin(), units.end(), [&](const auto &unit) { return unit.ticket == ticket; });
     if (!found.failed() && own == units.end()) return outcome();
     const bool undoable = lock.held() && block.logUnfinished == 0 && block.state != State::Ended;
-    if (found.failed() || !undoable || undo(*own).failed()) return failure(MQRC_CONNECTION_BROKEN);
+    if (found.failed() || !undoable || withMemory([&] { return undo(*own); }).failed())
+        return failure(MQRC_CONNECTION_BROKEN);
     return logged;
 }
 
@@ -441,7 +472,7 @@ Outcome Store::commit(std::uint32_t slot, const Unit &unit)
         return success();
     });
     if (outcome.failed()) {
-        static_cast<void>(backOut(slot, unit));
+        if (const Outcome undone = backOut(slot, unit); undone.failed()) return undone;
         return outcome.Reason == MQRC_CONNECTION_BROKEN ? outcome : warning(MQRC_BACKED_OUT);
     }
     control().slots[slot].holds.fetch_sub(static_cast<std::uint32_t>(unit.gets.size()));

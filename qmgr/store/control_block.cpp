@@ -32,12 +32,15 @@ private:
     int fd_;
 };
 
-std::array<char, 40> bootId()
+// False, with errno, if it cannot be read now.
+bool readBootId(std::array<char, 40> &id)
 {
-    std::array<char, 40> id{};
+    id = {};
     const Descriptor file(::open("/proc/sys/kernel/random/boot_id", O_RDONLY | O_CLOEXEC));
-    if (file.get() >= 0 && read(file.get(), id.data(), 36) != 36) id.fill('?');
-    return id;
+    if (file.get() < 0) return errno == ENOENT; // a system without one: all boots are the same
+    const ssize_t got = read(file.get(), id.data(), 36);
+    if (got >= 0 && got != 36) errno = EIO;
+    return got == 36;
 }
 
 ControlBlock *map(int fd)
@@ -57,9 +60,9 @@ int initialise(pthread_mutex_t &mutex)
     return error;
 }
 
-bool fits(const LifeStamp &stamp, const struct stat &control, const struct stat &data)
+bool fits(const LifeStamp &stamp, const std::array<char, 40> &boot, const struct stat &control, const struct stat &data)
 {
-    return stamp.magic == magic && stamp.format == format && stamp.ready == 1 && stamp.bootId == bootId() &&
+    return stamp.magic == magic && stamp.format == format && stamp.ready == 1 && stamp.bootId == boot &&
            stamp.controlDevice == control.st_dev && stamp.controlInode == control.st_ino &&
            stamp.dataInode == data.st_ino;
 }
@@ -71,7 +74,8 @@ std::unique_ptr<ControlMapping> ControlMapping::create(const std::filesystem::pa
 {
     const Descriptor file(::open((live / "control").c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     struct stat status {};
-    if (file.get() < 0 || fstat(file.get(), &status) != 0) {
+    std::array<char, 40> boot{};
+    if (file.get() < 0 || !readBootId(boot) || fstat(file.get(), &status) != 0) {
         error = errno;
         return nullptr;
     }
@@ -86,7 +90,7 @@ std::unique_ptr<ControlMapping> ControlMapping::create(const std::filesystem::pa
     block->stamp = {.magic = magic,
                     .format = format,
                     .ready = 0,
-                    .bootId = bootId(),
+                    .bootId = boot,
                     .controlDevice = status.st_dev,
                     .controlInode = status.st_ino,
                     .dataInode = 0,
@@ -112,10 +116,15 @@ std::unique_ptr<ControlMapping> ControlMapping::open(const std::filesystem::path
         return nullptr;
     }
     LifeStamp stamp{};
-    if (control.st_size != sizeof(ControlBlock) || pread(file.get(), &stamp, sizeof stamp, 0) != sizeof stamp ||
-        !fits(stamp, control, data)) {
+    std::array<char, 40> boot{};
+    if (control.st_size != sizeof(ControlBlock)) return nullptr;
+    // A life that cannot be looked at is not one that is over: others may be in it.
+    const ssize_t got = pread(file.get(), &stamp, sizeof stamp, 0);
+    if (got < 0 || !readBootId(boot)) {
+        error = errno;
         return nullptr;
     }
+    if (got != sizeof stamp || !fits(stamp, boot, control, data)) return nullptr;
     ControlBlock *block = map(file.get());
     if (block == nullptr) {
         error = errno;
@@ -139,8 +148,9 @@ bool ControlMapping::declareReady(const std::filesystem::path &live)
 bool ControlMapping::isStillAt(const std::filesystem::path &live) const
 {
     struct stat now {};
-    return stat((live / "control").c_str(), &now) == 0 && now.st_ino == block_->stamp.controlInode &&
-           now.st_dev == block_->stamp.controlDevice;
+    // What cannot be looked at is taken to be there: this process must not open the files of one life twice.
+    if (stat((live / "control").c_str(), &now) != 0) return errno != ENOENT && errno != ENOTDIR;
+    return now.st_ino == block_->stamp.controlInode && now.st_dev == block_->stamp.controlDevice;
 }
 
 ControlMapping::~ControlMapping()

@@ -25,6 +25,9 @@ static_assert(sizeof(std::atomic<std::uint32_t>) == 4 && std::atomic<std::uint64
 
 constexpr std::uint32_t maxSlots = 4096;
 constexpr std::uint32_t waitCells = 1024; // a power of two
+// ControlBlock::logUnfinished after a holder of the log lock could not bring it there, said that it was done, and went
+// on living.
+constexpr std::uint32_t liveBehind = 2;
 
 // Tells whether the files of a life are those that were made in this boot at this place. Read before anything is
 // mapped.
@@ -96,7 +99,7 @@ struct ControlBlock {
     alignas(64) pthread_mutex_t logLock;      // process-shared, robust: see commit.cpp
     std::atomic<std::uint32_t> logTurns;      // futex word: moves when a holder has let go of the log lock
     std::atomic<std::uint32_t> logWaiters;    // sleepers on it; too many if some were killed, never too few
-    std::atomic<std::uint32_t> logUnfinished; // what the log says has not all been brought to the live state
+    std::atomic<std::uint32_t> logUnfinished; // not 0: what the log says has not all been brought to the live state
     std::atomic<std::uint64_t> flipped;       // highest ticket known to be finished; may lag behind
 
     std::array<WaitCell, waitCells> cells;
@@ -129,6 +132,7 @@ private:
     ControlBlock *block_;
 };
 
+// 0 if it cannot be found out now.
 [[nodiscard]] std::uint64_t pidNamespaceOfThisProcess();
 
 } // namespace mqrig::qmgr::store

@@ -1,10 +1,12 @@
 // Object definitions: durable in the log, mirrored in the live state, where every look-up is served.
 //
 // Changes are made under the log lock, in the log first. A holder that dies between the two leaves the next one to
-// read all definitions from the log again (reloadDefinitions).
+// read all definitions from the log again (reloadDefinitions). So does one that cannot bring its change to the live
+// state; it has happened all the same, so who looks for a definition sees to it first.
 
 #include <cstring>
 #include <map>
+#include <new>
 
 #include "qmgr/store/seams.h"
 #include "qmgr/store/store.h"
@@ -16,6 +18,12 @@ namespace mqrig::qmgr::store {
 namespace {
 
 constexpr std::size_t keyHead = 1 + sizeof(MQLONG);
+
+// A look-up reads from memory and fails only for want of it, or of another resource of the process.
+void mustHaveRead(const Outcome &outcome)
+{
+    if (outcome.failed()) throw std::bad_alloc();
+}
 
 bool isName(std::string_view name)
 {
@@ -54,7 +62,25 @@ void Store::definitionsChanged(MQLONG type)
     (type == subscriptions ? control().subscriptionVersion : control().definitionVersion).fetch_add(1);
 }
 
+// No lock held.
+void Store::catchUp()
+{
+    if (control().logUnfinished == liveBehind) mustHaveRead(finishPrepared());
+}
+
 std::optional<Definition> Store::findDefinition(MQLONG type, std::string_view name)
+{
+    catchUp();
+    return lookUp(type, name);
+}
+
+std::vector<Definition> Store::definitions(MQLONG type)
+{
+    catchUp();
+    return lookUpAll(type);
+}
+
+std::optional<Definition> Store::lookUp(MQLONG type, std::string_view name)
 {
     std::optional<Definition> found;
     if (!isName(name)) return found;
@@ -66,11 +92,11 @@ std::optional<Definition> Store::findDefinition(MQLONG type, std::string_view na
         }
         return success();
     });
-    static_cast<void>(outcome);
+    mustHaveRead(outcome);
     return found;
 }
 
-std::vector<Definition> Store::definitions(MQLONG type)
+std::vector<Definition> Store::lookUpAll(MQLONG type)
 {
     std::vector<Definition> all;
     const Outcome outcome = read([&](ReadTransaction &transaction) {
@@ -79,7 +105,7 @@ std::vector<Definition> Store::definitions(MQLONG type)
                             [&](const MDB_val &key, const MDB_val &value) { all.push_back(definitionIn(key, value)); });
         return success();
     });
-    static_cast<void>(outcome);
+    mustHaveRead(outcome);
     return all;
 }
 
@@ -88,7 +114,8 @@ Outcome Store::define(Definition &definition)
     if (!isName(definition.name)) return failure(MQRC_OBJECT_NAME_ERROR);
     const LogLock lock(*this);
     if (lock.outcome().failed()) return lock.outcome();
-    if (findDefinition(definition.type, definition.name)) return failure(MQRC_OBJECT_ALREADY_EXISTS);
+    if (lookUp(definition.type, definition.name)) return failure(MQRC_OBJECT_ALREADY_EXISTS);
+    if (const Outcome room = roomFor(definition); room.failed()) return room;
     if (const Outcome begun = log_->begin(); begun.failed()) return begun;
     definition.queue = hasCounters(definition.type) ? log_->takeQueueId() : 0;
     return logAndStore(definition);
@@ -99,11 +126,12 @@ Outcome Store::alter(const Definition &definition, std::optional<std::string_vie
     if (!isName(definition.name)) return failure(MQRC_OBJECT_NAME_ERROR);
     const LogLock lock(*this);
     if (lock.outcome().failed()) return lock.outcome();
-    const auto known = findDefinition(definition.type, definition.name);
+    const auto known = lookUp(definition.type, definition.name);
     if (!known) return failure(MQRC_UNKNOWN_OBJECT_NAME);
     if (seen && *seen != known->bytes) return failure(MQRC_OBJECT_CHANGED);
     Definition changed = definition;
     changed.queue = known->queue;
+    if (const Outcome room = roomFor(definition); room.failed()) return room;
     if (isTemporary(changed.queue)) return storeLive(changed);
     if (const Outcome begun = log_->begin(); begun.failed()) return begun;
     return logAndStore(changed);
@@ -116,15 +144,19 @@ Outcome Store::logAndStore(const Definition &definition)
     log_->advance(control().stamp.generation, 0);
     if (const Outcome logged = log_->commit(); logged.failed()) return judgeLog(logged);
     reached(Step::DefinitionLogged);
-    const Outcome stored = storeLive(definition);
-    if (stored.failed()) control().logUnfinished = 1;
-    return stored;
+    return broughtToLive(withMemory([&] { return storeLive(definition); }));
+}
+
+// Whether the live state has room for a definition: asked before the log has it, for then there is no way back.
+Outcome Store::roomFor(const Definition &definition)
+{
+    return update(definition.bytes.size() + 4096, 0, [](WriteTransaction &) { return success(); });
 }
 
 // Brings a definition to the live state and tells everybody.
 Outcome Store::storeLive(const Definition &definition)
 {
-    const Outcome stored = update(definition.bytes.size() + 4096, 0, [&](WriteTransaction &transaction) {
+    const Outcome stored = update(0, 0, [&](WriteTransaction &transaction) {
         // A temporary queue may go at any moment, and does not come to life again.
         if (isTemporary(definition.queue) && !transaction.exists(definition.queue))
             return failure(MQRC_UNKNOWN_OBJECT_NAME);
@@ -143,10 +175,10 @@ Outcome Store::remove(MQLONG type, std::string_view name, const std::function<Ou
 {
     const LogLock lock(*this);
     if (lock.outcome().failed()) return lock.outcome();
-    const auto known = findDefinition(type, name);
+    const auto known = lookUp(type, name);
     if (!known) return failure(MQRC_UNKNOWN_OBJECT_NAME);
     const QueueId queue = known->queue;
-    const auto mark = [&](std::uint32_t deleted) {
+    const auto marking = [&](std::uint32_t deleted) {
         return update(0, 0, [&](WriteTransaction &transaction) {
             const QueueStatus status = queue == 0 ? QueueStatus{} : transaction.queue(queue);
             if (deleted != 0 && mayGo) {
@@ -156,6 +188,7 @@ Outcome Store::remove(MQLONG type, std::string_view name, const std::function<Ou
             return success();
         });
     };
+    const auto mark = [&](std::uint32_t deleted) { return withMemory([&] { return marking(deleted); }); };
     if (const Outcome marked = mark(1); marked.failed()) return marked;
     reached(Step::QueueMarked);
     Outcome logged = log_->begin();
@@ -170,8 +203,7 @@ Outcome Store::remove(MQLONG type, std::string_view name, const std::function<Ou
         return judgeLog(logged);
     }
     reached(Step::DefinitionLogged);
-    const Outcome swept = sweep(*known);
-    if (swept.failed()) control().logUnfinished = 1;
+    const Outcome swept = broughtToLive(withMemory([&] { return sweep(*known); }));
     definitionsChanged(type);
     if (queue != 0) wakeGetters(queue);
     return swept;
@@ -209,11 +241,11 @@ Outcome Store::reloadDefinitions()
         return true;
     });
     if (outcome.failed()) return outcome;
-    for (const Definition &live : definitions(MQOT_ALL)) {
+    for (const Definition &live : lookUpAll(MQOT_ALL)) {
         if (isTemporary(live.queue) || logged.contains({live.type, live.name})) continue;
         if (const Outcome swept = sweep(live); swept.failed()) return swept;
     }
-    const Outcome stored = update(1, 0, [&](WriteTransaction &transaction) {
+    const Outcome stored = update(0, 0, [&](WriteTransaction &transaction) {
         for (const auto &[key, definition] : logged) {
             putDefinition(transaction, definition);
             if (definition.queue != 0) transaction.counters(definition.queue).deleted = 0;

@@ -8,26 +8,20 @@
 #include <unistd.h>
 
 #include "qmgr/store/seams.h"
+#include "qmgr/store/system_error.h"
 
 namespace mqrig::qmgr::store {
 
 Outcome outcomeOfErrno()
 {
     switch (errno) {
-    case ENOSPC:
-    case EDQUOT:
-        return failure(MQRC_STORAGE_NOT_AVAILABLE);
-    case EACCES:
-    case EPERM:
-    case EROFS:
-        return failure(MQRC_NOT_AUTHORIZED);
     case EEXIST:
     case ENOTEMPTY:
         return failure(MQRC_OBJECT_ALREADY_EXISTS);
     case ENOENT:
         return failure(MQRC_Q_MGR_NAME_ERROR);
     default:
-        return failure(MQRC_UNEXPECTED_ERROR);
+        return outcomeOfSystem(errno);
     }
 }
 

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include "qmgr/store/outcome.h"
 
@@ -15,6 +16,14 @@ inline constexpr const char *unfinishedPrefix = ".new-";
 
 // Makes a folder that may be there already, and its parents, for nobody else's eyes.
 [[nodiscard]] Outcome makeFolders(const std::filesystem::path &folder);
+// Looks at each entry of a folder; what cannot be read is passed over, and a step that fails ends the walk.
+template <class Look>
+void forEachEntry(const std::filesystem::path &folder, Look &&look)
+{
+    std::error_code error;
+    for (std::filesystem::directory_iterator at(folder, error), end; !error && at != end; at.increment(error))
+        look(*at);
+}
 // What was made or renamed in the folder is there after a power failure, too.
 void syncFolder(const std::filesystem::path &folder);
 // A small file that is on disk, as a whole, when it is back.

@@ -1,6 +1,7 @@
 // Verifies the live state of a running queue manager against its own rules, on one snapshot of it: first the pages
 // without the library (live_pages.h), then what the records say of one another.
 
+#include <cstring>
 #include <map>
 #include <set>
 
@@ -232,13 +233,19 @@ void Store::check(const std::filesystem::path &folder, LiveContents &contents, F
             store = known->second;
         } else {
             const auto [locks, error] = LockFile::open(folder / "locks");
-            if (locks == nullptr || !locks->lock(lockBytes::start)) {
-                findings.add("locks cannot be opened or locked");
+            if (locks == nullptr) {
+                findings.add("locks cannot be opened");
+                return;
+            }
+            const HeldLock start(*locks, lockBytes::start);
+            if (!start.held()) {
+                findings.add("locks cannot be locked");
                 return;
             }
             int fault = 0;
             auto control = ControlMapping::open(folder / "live", fault);
             const bool living = control && (*control)->state != State::Ended;
+            if (fault != 0) findings.add(std::string("live/control cannot be read: ") + std::strerror(fault));
             if (living) {
                 const Opened opened = openLife(folder, *locks, std::move(control), Damage::IsLookedAt);
                 store = opened.store;
@@ -248,9 +255,10 @@ void Store::check(const std::filesystem::path &folder, LiveContents &contents, F
                         "live: " +
                         (pages.damage.empty() ? std::string("its files were changed from outside") : pages.damage) +
                         ": the next connection makes it anew from log.db");
+                } else if (opened.outcome.failed()) {
+                    findings.add("live: it cannot be looked at now");
                 }
             }
-            locks->unlock(lockBytes::start);
         }
     }
     if (store) store->checkRecords(contents, findings);

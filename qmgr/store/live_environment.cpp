@@ -5,10 +5,13 @@
 #include <cstring>
 #include <fcntl.h>
 #include <linux/magic.h>
+#include <new>
+#include <optional>
 #include <sys/vfs.h>
 
 #include "qmgr/store/seams.h"
 #include "qmgr/store/store.h"
+#include "qmgr/store/system_error.h"
 #include "qmgr/store/thread_sanitizer.h"
 
 namespace mqrig::qmgr::store {
@@ -23,11 +26,13 @@ constexpr std::uint64_t margin = std::uint64_t{8} << 20;
 constexpr std::uint64_t largestStep = std::uint64_t{512} << 20;
 constexpr long xfsMagic = 0x58465342;
 
-// The file systems on which a reserved block is proof against a full disk also when written through a mapping.
-bool reservationHolds(const std::filesystem::path &folder)
+// The file systems on which a reserved block is proof against a full disk also when written through a mapping. Nothing,
+// with errno, if it cannot be found out: a guess would set this process apart from the others, and the library does not
+// bear some that write through the map beside some that do not.
+std::optional<bool> reservationHolds(const std::filesystem::path &folder)
 {
     struct statfs system {};
-    if (statfs(folder.c_str(), &system) != 0) return false;
+    if (statfs(folder.c_str(), &system) != 0) return std::nullopt;
     return system.f_type == EXT4_SUPER_MAGIC || system.f_type == TMPFS_MAGIC || system.f_type == xfsMagic;
 }
 
@@ -39,22 +44,13 @@ Outcome outcomeOfLive(int code)
     case MDB_SUCCESS:
         return success();
     case MDB_MAP_FULL:
-    case ENOSPC:
-    case EDQUOT:
         return failure(MQRC_STORAGE_NOT_AVAILABLE);
-    case EACCES:
-    case EPERM:
-    case EROFS:
-        return failure(MQRC_NOT_AUTHORIZED);
-    case ENOMEM:
     case MDB_READERS_FULL:
     case MDB_TXN_FULL:
-    case EMFILE:
-    case ENFILE:
-    case EAGAIN:
         return failure(MQRC_RESOURCE_PROBLEM);
     default:
-        return failure(MQRC_UNEXPECTED_ERROR);
+        // The library's own codes are negative, and the others speak of damage.
+        return code < 0 ? failure(MQRC_UNEXPECTED_ERROR) : outcomeOfSystem(code);
     }
 }
 
@@ -91,13 +87,12 @@ void Gate::open()
 LiveEnvironment::Opened LiveEnvironment::open(const std::filesystem::path &live, ControlBlock &control, LockFile &locks)
 {
     std::unique_ptr<LiveEnvironment> made(new LiveEnvironment(control, locks));
-    made->writeMapped_ = reservationHolds(live);
+    const auto writeMapped = reservationHolds(live);
+    if (!writeMapped) return {outcomeOfLive(errno), nullptr};
+    made->writeMapped_ = *writeMapped;
     const std::scoped_lock thread(made->mapMutex_);
-    if (!locks.lock(lockBytes::map)) return {failure(MQRC_RESOURCE_PROBLEM), nullptr};
-    const struct Unlock {
-        LockFile &locks;
-        ~Unlock() { locks.unlock(lockBytes::map); }
-    } unlock{locks};
+    const HeldLock process(locks, lockBytes::map);
+    if (!process.held()) return {failure(MQRC_RESOURCE_PROBLEM), nullptr};
 
     int code = mdb_env_create(&made->env_);
     if (code == 0) code = mdb_env_set_maxreaders(made->env_, readerSlots);
@@ -165,12 +160,19 @@ Outcome LiveEnvironment::beginRead(MDB_txn *&txn)
                 readers_.pop_back();
             }
         }
-        const int code = txn == nullptr ? mdb_txn_begin(env_, nullptr, MDB_RDONLY, &txn) : mdb_txn_renew(txn);
+        int code = 0;
+        if (txn != nullptr) {
+            code = mdb_txn_renew(txn);
+        } else {
+            // Room for it in the pool now: its end must not ask for memory.
+            code = roomForOneReader() ? mdb_txn_begin(env_, nullptr, MDB_RDONLY, &txn) : ENOMEM;
+        }
         if (code == 0) {
             takeUp(env_);
             return success();
         }
         if (txn != nullptr) mdb_txn_abort(txn);
+        forgetReader();
         gate_.leave();
         if (code == MDB_MAP_RESIZED) continue; // grown since we looked: the published size is the new one by now
         if (code == MDB_READERS_FULL && clearDeadReaders() > 0) continue;
@@ -198,6 +200,24 @@ Outcome LiveEnvironment::beginReadOfPages(MDB_txn *&txn, const std::filesystem::
         txn = nullptr;
         if (code != MDB_MAP_RESIZED) return code == 0 ? failure(MQRC_UNEXPECTED_ERROR) : outcomeOfLive(code);
     }
+}
+
+bool LiveEnvironment::roomForOneReader()
+{
+    const std::scoped_lock lock(readersMutex_);
+    ++readersMade_;
+    try {
+        readers_.reserve(readersMade_);
+        return true;
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
+}
+
+void LiveEnvironment::forgetReader()
+{
+    const std::scoped_lock lock(readersMutex_);
+    --readersMade_;
 }
 
 void LiveEnvironment::endRead(MDB_txn *txn)
@@ -312,7 +332,8 @@ template <class NewSize>
 Outcome LiveEnvironment::remap(NewSize &&newSize)
 {
     const std::scoped_lock thread(mapMutex_);
-    if (!locks_.lock(lockBytes::map)) return failure(MQRC_RESOURCE_PROBLEM);
+    const HeldLock process(locks_, lockBytes::map);
+    if (!process.held()) return failure(MQRC_RESOURCE_PROBLEM);
     Outcome outcome;
     const std::uint64_t published = control_.mapSize;
     const std::uint64_t size = newSize(published);
@@ -337,7 +358,6 @@ Outcome LiveEnvironment::remap(NewSize &&newSize)
         }
         gate_.open();
     }
-    locks_.unlock(lockBytes::map);
     return outcome;
 }
 

@@ -85,6 +85,8 @@ private:
     LiveEnvironment(ControlBlock &control, LockFile &locks) : control_(control), locks_(locks) {}
     Outcome reserve(std::uint64_t size);
     Outcome followMap();
+    bool roomForOneReader();
+    void forgetReader();
     template <class NewSize>
     Outcome remap(NewSize &&newSize);
     [[nodiscard]] bool hasRoom(std::size_t room) const;
@@ -102,6 +104,7 @@ private:
     Gate gate_;
     std::mutex readersMutex_;
     std::vector<MDB_txn *> readers_; // reset, ready to be renewed
+    std::size_t readersMade_ = 0;    // those in use too; there is room for all of them
     std::mutex mapMutex_;            // with the map lock of lock_file.h: one thread of one process
 };
 

@@ -1,5 +1,6 @@
 #include "qmgr/store/live_pages.h"
 
+#include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <string_view>
@@ -64,6 +65,32 @@ Record recordAt(const std::uint8_t *bytes)
     Record record;
     std::memcpy(&record, bytes, sizeof record);
     return record;
+}
+
+// The file in memory, for reading.
+class Mapping {
+public:
+    Mapping(int fd, std::size_t size) : start_(mmap(nullptr, size, PROT_READ, MAP_SHARED, fd, 0)), size_(size) {}
+    ~Mapping()
+    {
+        if (start_ != MAP_FAILED) munmap(start_, size_);
+    }
+    Mapping(const Mapping &) = delete;
+    Mapping &operator=(const Mapping &) = delete;
+    [[nodiscard]] const std::uint8_t *start() const
+    {
+        return start_ == MAP_FAILED ? nullptr : static_cast<const std::uint8_t *>(start_);
+    }
+
+private:
+    void *start_;
+    std::size_t size_;
+};
+
+// Whether the process lacks something, and the file may be as good as ever.
+bool isOfThisProcess(int error)
+{
+    return error == EMFILE || error == ENFILE || error == ENOMEM || error == EAGAIN;
 }
 
 class Walk {
@@ -240,8 +267,12 @@ std::optional<PageHeads> readPageHeads(const std::filesystem::path &data)
 
 PagesVerdict verifyPages(const std::filesystem::path &data)
 {
+    errno = 0;
     const auto heads = readPageHeads(data);
-    if (!heads) return {PagesVerdict::Kind::Damaged, "data.mdb cannot be read"};
+    if (!heads) {
+        const auto kind = isOfThisProcess(errno) ? PagesVerdict::Kind::Unreadable : PagesVerdict::Kind::Damaged;
+        return {kind, "data.mdb cannot be read"};
+    }
     return verifyPages(data, *heads, std::nullopt);
 }
 
@@ -254,12 +285,14 @@ PagesVerdict verifyPages(const std::filesystem::path &data, const PageHeads &hea
     if (fd < 0) return {Kind::Unreadable, "data.mdb cannot be opened"};
     const bool regular = fstat(fd, &status) == 0 && S_ISREG(status.st_mode);
     const auto size = regular ? static_cast<std::size_t>(status.st_size) : 0;
-    void *map = size < 2 * pageSize ? MAP_FAILED : mmap(nullptr, size, PROT_READ, MAP_SHARED, fd, 0);
+    if (size < 2 * pageSize) {
+        close(fd);
+        return {Kind::Damaged, "the file is too short"};
+    }
+    const Mapping map(fd, size);
     close(fd);
-    if (size < 2 * pageSize) return {Kind::Damaged, "the file is too short"};
-    if (map == MAP_FAILED) return {Kind::Unreadable, "data.mdb cannot be mapped"};
-    std::string damage = Walk(static_cast<const std::uint8_t *>(map), size / pageSize).verify(heads, transaction);
-    munmap(map, size);
+    if (map.start() == nullptr) return {Kind::Unreadable, "data.mdb cannot be mapped"};
+    std::string damage = Walk(map.start(), size / pageSize).verify(heads, transaction);
     return damage.empty() ? PagesVerdict{} : PagesVerdict{Kind::Damaged, std::move(damage)};
 }
 

@@ -4,6 +4,7 @@
 #include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "qmgr/store/process.h"
 
@@ -37,9 +38,16 @@ LockFile::Opened LockFile::open(const std::filesystem::path &path)
         if (const auto found = known.find(identity(file)); found != known.end()) return {found->second.get(), 0};
         // Locks on something that others have open too would not be ours.
         if (!S_ISREG(file.st_mode)) return {nullptr, EINVAL};
+    } else if (errno != ENOENT) {
+        return {nullptr, errno};
     }
     const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (fd < 0 || fstat(fd, &file) != 0) return {nullptr, errno};
+    if (fd < 0) return {nullptr, errno};
+    if (fstat(fd, &file) != 0) {
+        const int error = errno;
+        close(fd); // new to this process, so no lock goes with it
+        return {nullptr, error};
+    }
     auto &entry = known[identity(file)];
     if (!entry) entry.reset(new LockFile(fd));
     return {entry.get(), 0};

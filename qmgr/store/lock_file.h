@@ -36,4 +36,22 @@ private:
     int fd_;
 };
 
+// The lock on a byte, for as long as it exists.
+class HeldLock {
+public:
+    HeldLock(LockFile &file, std::uint32_t byte) : file_(file), byte_(byte), held_(file.lock(byte)) {}
+    ~HeldLock()
+    {
+        if (held_) file_.unlock(byte_);
+    }
+    HeldLock(const HeldLock &) = delete;
+    HeldLock &operator=(const HeldLock &) = delete;
+    [[nodiscard]] bool held() const { return held_; }
+
+private:
+    LockFile &file_;
+    std::uint32_t byte_;
+    bool held_;
+};
+
 } // namespace mqrig::qmgr::store

@@ -263,8 +263,11 @@ LogContents checkLog(const std::filesystem::path &file, const CanDecode &canDeco
     contents.aheadMode = head[18] == 2 && head[19] == 2;
     if (head[18] != head[19] || head[18] < 1 || head[18] > 2) findings.add("log.db: its head is damaged");
     checkPages(reading, findings);
-    if (!logFormat::hasOnlyOurTables(reading.database())) {
-        findings.add("log.db: its tables are not those of a log");
+    if (const Outcome ours = logFormat::hasOnlyOurTables(reading.database()); ours.failed()) {
+        if (ours.Reason == MQRC_UNEXPECTED_ERROR)
+            findings.add("log.db: its tables are not those of a log");
+        else
+            contents.outcome = ours;
         return contents;
     }
     Known known;

@@ -11,6 +11,7 @@
 
 #include "qmgr/store/log_format.h"
 #include "qmgr/store/seams.h"
+#include "qmgr/store/system_error.h"
 
 namespace mqrig::qmgr::store {
 
@@ -121,8 +122,7 @@ LogDatabase::Opened LogDatabase::create(const std::filesystem::path &file, std::
 {
     // Made first, for SQLite would let everybody read it. Its two companions take their permissions from it.
     const int fd = ::open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (fd < 0)
-        return {logFormat::outcomeOf(errno == ENOSPC || errno == EDQUOT ? SQLITE_FULL : SQLITE_CANTOPEN), nullptr};
+    if (fd < 0) return {outcomeOfSystem(errno), nullptr};
     close(fd);
     std::unique_ptr<LogDatabase> log(new LogDatabase);
     int code = log->connect(file);
@@ -154,11 +154,15 @@ LogDatabase::Opened LogDatabase::create(const std::filesystem::path &file, std::
 LogDatabase::Opened LogDatabase::open(const std::filesystem::path &file)
 {
     std::unique_ptr<LogDatabase> log(new LogDatabase);
-    if (const int code = log->connect(file); code != SQLITE_OK) return {logFormat::outcomeOf(code), nullptr};
+    if (const int code = log->connect(file); code != SQLITE_OK) return {logFormat::outcomeOfStep(code), nullptr};
     // A file that is not ours is not touched.
     if (const Outcome current = log->bringUpToDate(); current.failed()) return {current, nullptr};
-    if (!logFormat::hasOnlyOurTables(log->database_)) return {failure(MQRC_UNEXPECTED_ERROR), nullptr};
-    if (const int code = log->configure(); code != SQLITE_OK) return {logFormat::outcomeOf(code), nullptr};
+    if (const Outcome ours = logFormat::hasOnlyOurTables(log->database_); ours.failed()) return {ours, nullptr};
+    if (const int code = log->configure(); code != SQLITE_OK) return {logFormat::outcomeOfStep(code), nullptr};
+    log->steps_ = success();
+    for (const Statement which : {Begin, Commit, Rollback}) // a rollback must not ask for memory
+        static_cast<void>(log->prepared(which));
+    if (log->steps_.failed()) return {log->steps_, nullptr};
     return {success(), std::move(log)};
 }
 
@@ -174,9 +178,10 @@ Outcome LogDatabase::bringUpToDate()
         return std::pair{code, value};
     };
     const auto [code, id] = number("PRAGMA application_id");
-    if (code != SQLITE_ROW) return logFormat::outcomeOf(code);
+    if (code != SQLITE_ROW) return logFormat::outcomeOfStep(code);
     if (id != logFormat::applicationId) return failure(MQRC_UNEXPECTED_ERROR);
-    const int found = number("PRAGMA user_version").second;
+    const auto [readCode, found] = number("PRAGMA user_version");
+    if (readCode != SQLITE_ROW) return logFormat::outcomeOfStep(readCode);
     if (found > logFormat::number) return failure(MQRC_ENVIRONMENT_ERROR);
     if (found == logFormat::number) return success();
     constexpr std::array<const char *, logFormat::number> upgrades{
@@ -212,7 +217,14 @@ int LogDatabase::execute(const char *sql)
 
 void LogDatabase::fail(int code)
 {
-    if (!steps_.failed()) steps_ = logFormat::outcomeOf(code);
+    if (steps_.failed()) return;
+    // A file that could not be opened for writing has been opened for reading, in silence.
+    if ((code & 0xff) == SQLITE_READONLY || (code & 0xff) == SQLITE_CANTOPEN) stale_ = true;
+    if ((code & 0xff) == SQLITE_READONLY && access(sqlite3_db_filename(database_, "main"), W_OK) == 0) {
+        steps_ = failure(MQRC_RESOURCE_PROBLEM);
+        return;
+    }
+    steps_ = logFormat::outcomeOfStep(code);
 }
 
 sqlite3_stmt *LogDatabase::prepared(Statement which)
@@ -245,7 +257,9 @@ std::uint64_t LogDatabase::count(Statement which)
 {
     sqlite3_stmt *statement = prepared(which);
     if (statement == nullptr) return 0;
-    const std::uint64_t value = sqlite3_step(statement) == SQLITE_ROW ? unsignedColumn(statement, 0) : 0;
+    const int code = sqlite3_step(statement);
+    const std::uint64_t value = code == SQLITE_ROW ? unsignedColumn(statement, 0) : 0;
+    if (code != SQLITE_ROW) fail(code);
     sqlite3_reset(statement);
     return value;
 }
@@ -324,10 +338,11 @@ Outcome LogDatabase::commit()
 void LogDatabase::rollback()
 {
     if (sqlite3_get_autocommit(database_) != 0) return;
-    sqlite3_stmt *statement = prepared(Rollback);
-    if (statement == nullptr) return;
-    sqlite3_step(statement);
-    sqlite3_reset(statement);
+    if (sqlite3_stmt *statement = prepared(Rollback); statement != nullptr) {
+        sqlite3_step(statement);
+        sqlite3_reset(statement);
+    }
+    if (sqlite3_get_autocommit(database_) == 0) stale_ = true; // closing it is a rollback
 }
 
 void LogDatabase::settle()
@@ -473,7 +488,7 @@ LogDatabase::QueueManagerRow LogDatabase::queueManager()
             row.outcome = failure(MQRC_UNEXPECTED_ERROR);
         }
     } else {
-        row.outcome = code == SQLITE_DONE ? failure(MQRC_UNEXPECTED_ERROR) : logFormat::outcomeOf(code);
+        row.outcome = code == SQLITE_DONE ? failure(MQRC_UNEXPECTED_ERROR) : logFormat::outcomeOfStep(code);
     }
     sqlite3_reset(statement);
     return row;
@@ -483,7 +498,9 @@ std::uint64_t LogDatabase::highestSequence()
 {
     sqlite3_stmt *statement = prepared(HighestSequence);
     if (statement == nullptr) return 0;
-    const std::uint64_t highest = sqlite3_step(statement) == SQLITE_ROW ? unsignedColumn(statement, 0) : 0;
+    const int code = sqlite3_step(statement);
+    const std::uint64_t highest = code == SQLITE_ROW ? unsignedColumn(statement, 0) : 0;
+    if (code != SQLITE_ROW) fail(code);
     sqlite3_reset(statement);
     return highest;
 }
@@ -503,7 +520,7 @@ bool LogDatabase::Reader::step()
 {
     if (outcome.failed()) return false;
     const int code = sqlite3_step(statement);
-    if (code != SQLITE_ROW && code != SQLITE_DONE) outcome = logFormat::outcomeOf(code);
+    if (code != SQLITE_ROW && code != SQLITE_DONE) outcome = logFormat::outcomeOfStep(code);
     return code == SQLITE_ROW;
 }
 

@@ -56,7 +56,7 @@ public:
         std::uint64_t sequenceBase = 0; // where the sequence numbers of that life began
     };
     [[nodiscard]] QueueManagerRow queueManager();
-    // The highest sequence number of any message; 0 if there is none.
+    // The highest sequence number of any message; 0 if there is none, or if stepsOutcome() says that it failed.
     [[nodiscard]] std::uint64_t highestSequence();
 
     // One transaction. After a failed step commit() answers that failure and nothing has happened.
@@ -91,6 +91,10 @@ public:
     // Begins life number `generation`. Its state stays what it was until the life is complete.
     void beginLife(std::uint64_t generation, std::uint64_t sequenceBase);
     [[nodiscard]] Outcome stepsOutcome() const { return steps_; }
+
+    // Its files could not be opened as they should be, or a transaction not rolled back. It is of no more use; another
+    // one may be.
+    [[nodiscard]] bool isStale() const { return stale_; }
 
     // Reads everything. The visitor answers false to stop; views live for the visit. A row whose checksum is wrong
     // ends the walk with MQRC_UNEXPECTED_ERROR.
@@ -170,6 +174,7 @@ private:
     std::uint64_t databaseSpace_ = 0; // bytes of the database file that are allocated for certain
     std::uint64_t aheadSpace_ = 0;    // the same of the write-ahead file
     Outcome steps_;
+    bool stale_ = false;
 };
 
 } // namespace mqrig::qmgr::store

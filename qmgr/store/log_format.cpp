@@ -7,6 +7,7 @@
 #include <sqlite3.h>
 
 #include "qmgr/store/checksum.h"
+#include "qmgr/store/system_error.h"
 
 namespace mqrig::qmgr::store::logFormat {
 
@@ -42,27 +43,26 @@ constexpr std::array<Table, 3> allTables{{
 
 const std::span<const Table> tables = allTables;
 
-bool hasOnlyOurTables(sqlite3 *database)
+Outcome hasOnlyOurTables(sqlite3 *database)
 {
     sqlite3_stmt *statement = nullptr;
-    if (sqlite3_prepare_v2(database, "SELECT type, name, tbl_name, sql FROM sqlite_schema", -1, &statement, nullptr) !=
-        SQLITE_OK) {
-        return false;
-    }
+    int code =
+        sqlite3_prepare_v2(database, "SELECT type, name, tbl_name, sql FROM sqlite_schema", -1, &statement, nullptr);
+    if (code != SQLITE_OK) return outcomeOfStep(code);
     const auto text = [&](int column) {
         const auto *bytes = reinterpret_cast<const char *>(sqlite3_column_text(statement, column));
         return bytes == nullptr ? std::string_view() : std::string_view(bytes);
     };
     std::size_t found = 0;
     bool ours = true;
-    int code = sqlite3_step(statement);
-    for (; code == SQLITE_ROW; code = sqlite3_step(statement)) {
+    for (code = sqlite3_step(statement); code == SQLITE_ROW; code = sqlite3_step(statement)) {
         const auto known = std::ranges::find_if(tables, [&](const Table &table) { return text(1) == table.name; });
         ours = ours && known != tables.end() && text(0) == "table" && text(2) == known->name && text(3) == known->sql;
         ++found;
     }
     sqlite3_finalize(statement);
-    return code == SQLITE_DONE && ours && found == tables.size();
+    if (code != SQLITE_DONE) return outcomeOfStep(code);
+    return ours && found == tables.size() ? success() : failure(MQRC_UNEXPECTED_ERROR);
 }
 
 std::uint64_t checksumOfMessage(const MessageKey &key, std::uint64_t backouts, std::span<const std::byte> header,
@@ -80,6 +80,7 @@ std::uint64_t checksumOfDefinition(MQLONG type, std::string_view name, QueueId q
 
 Outcome outcomeOf(int code)
 {
+    if (code == SQLITE_IOERR_NOMEM) return failure(MQRC_RESOURCE_PROBLEM);
     switch (code & 0xff) {
     case SQLITE_OK:
     case SQLITE_ROW:
@@ -95,12 +96,17 @@ Outcome outcomeOf(int code)
     case SQLITE_AUTH:
         return failure(MQRC_NOT_AUTHORIZED);
     case SQLITE_CANTOPEN:
-        if (errno == EACCES) return failure(MQRC_NOT_AUTHORIZED);
-        if (errno == EISDIR || errno == ELOOP || errno == ENXIO) return failure(MQRC_UNEXPECTED_ERROR);
-        return failure(MQRC_STORAGE_NOT_AVAILABLE);
+        return errno == 0 || errno == ENOENT ? failure(MQRC_STORAGE_NOT_AVAILABLE) : outcomeOfSystem(errno);
     default:
         return failure(MQRC_UNEXPECTED_ERROR);
     }
+}
+
+Outcome outcomeOfStep(int code)
+{
+    const bool isSync = code == SQLITE_IOERR_FSYNC || code == SQLITE_IOERR_DIR_FSYNC;
+    const bool isTrouble = (code & 0xff) == SQLITE_IOERR || (code & 0xff) == SQLITE_PROTOCOL;
+    return isTrouble && !isSync ? failure(MQRC_RESOURCE_PROBLEM) : outcomeOf(code);
 }
 
 } // namespace mqrig::qmgr::store::logFormat

@@ -25,7 +25,8 @@ struct Table {
     const char *sql;
 };
 extern const std::span<const Table> tables;
-[[nodiscard]] bool hasOnlyOurTables(sqlite3 *database);
+// MQRC_UNEXPECTED_ERROR if it has others.
+[[nodiscard]] Outcome hasOnlyOurTables(sqlite3 *database);
 
 // The backout count is the one column of a message that changes; its checksum is taken last, so that it can be changed
 // without the message being read: checksum = (what the rest gives) xor (backouts).
@@ -36,5 +37,8 @@ extern const std::span<const Table> tables;
 
 // What an SQLite code means to a caller of the MQI. Of SQLITE_CANTOPEN errno says why.
 [[nodiscard]] Outcome outcomeOf(int code);
+// The same of anything but a commit. What fails there is rolled back with all before it, so that the log is as good as
+// before, whatever the reason; unless it is a sync that failed.
+[[nodiscard]] Outcome outcomeOfStep(int code);
 
 } // namespace mqrig::qmgr::store::logFormat

@@ -25,13 +25,13 @@ void sweepLeftovers(const std::filesystem::path &storeFolder)
 {
     constexpr std::int64_t anHour = 3600;
     std::error_code error;
-    for (const auto &entry : std::filesystem::directory_iterator(storeFolder, error)) {
+    forEachEntry(storeFolder, [&](const std::filesystem::directory_entry &entry) {
         const std::string name = entry.path().filename().string();
         struct stat status {};
-        if (!name.starts_with(unfinishedPrefix) && !name.starts_with(discarded)) continue;
-        if (stat(entry.path().c_str(), &status) != 0 || status.st_mtime > currentTime() / 1'000'000 - anHour) continue;
+        if (!name.starts_with(unfinishedPrefix) && !name.starts_with(discarded)) return;
+        if (stat(entry.path().c_str(), &status) != 0 || status.st_mtime > currentTime() / 1'000'000 - anHour) return;
         std::filesystem::remove_all(entry.path(), error);
-    }
+    });
 }
 
 Outcome writeLog(const std::filesystem::path &folder, std::string_view name, std::span<const Definition> objects)
@@ -108,13 +108,12 @@ std::vector<QueueManagerEntry> listQueueManagers(const std::filesystem::path &st
 {
     std::vector<QueueManagerEntry> entries;
     const std::string byDefault = defaultQueueManager(storeFolder);
-    std::error_code error;
-    for (const auto &entry : std::filesystem::directory_iterator(storeFolder, error)) {
+    forEachEntry(storeFolder, [&](const std::filesystem::directory_entry &entry) {
         const auto name = nameOfFolder(entry.path().filename().string());
-        if (!name || Store::exists(entry.path()).failed()) continue;
+        if (!name || Store::exists(entry.path()).failed()) return;
         const auto [outcome, state] = stateOf(storeFolder, *name);
         entries.push_back({.name = *name, .isDefault = *name == byDefault, .outcome = outcome, .state = state});
-    }
+    });
     std::sort(entries.begin(), entries.end(), [](const auto &a, const auto &b) { return a.name < b.name; });
     return entries;
 }

@@ -10,6 +10,7 @@
 
 #include "qmgr/store/seams.h"
 #include "qmgr/store/store.h"
+#include "qmgr/store/system_error.h"
 
 #include <sys/stat.h>
 
@@ -20,16 +21,6 @@ namespace {
 // Numbers that one life may use up: at a million messages a second, twelve days; then they run ahead of the clock.
 constexpr std::uint64_t numbersOfOneLife = std::uint64_t{1} << 40;
 
-Outcome outcomeOf(const std::error_code &error)
-{
-    if (error == std::errc::no_space_on_device) return failure(MQRC_STORAGE_NOT_AVAILABLE);
-    if (error == std::errc::permission_denied || error == std::errc::operation_not_permitted ||
-        error == std::errc::read_only_file_system) {
-        return failure(MQRC_NOT_AUTHORIZED);
-    }
-    return failure(MQRC_UNEXPECTED_ERROR);
-}
-
 } // namespace
 
 Store::Opened Store::beginLife(const std::filesystem::path &folder, LockFile &locks, LogDatabase &log)
@@ -37,15 +28,17 @@ Store::Opened Store::beginLife(const std::filesystem::path &folder, LockFile &lo
     const std::filesystem::path live = folder / "live";
     std::error_code error;
     std::filesystem::remove_all(live, error);
-    if (error) return {outcomeOf(error), nullptr};
-    if (mkdir(live.c_str(), 0700) != 0) return {outcomeOf({errno, std::generic_category()}), nullptr};
+    if (error) return {outcomeOfSystem(error.value()), nullptr};
+    if (mkdir(live.c_str(), 0700) != 0) return {outcomeOfSystem(errno), nullptr};
 
     const auto row = log.queueManager();
     if (row.outcome.failed()) return {row.outcome, nullptr};
     // Message numbers and ids never come twice, whatever the clock does: they follow it, and never fall behind what
     // earlier lives can have used.
-    const std::uint64_t base = std::max({static_cast<std::uint64_t>(currentTime()) << 8,
-                                         row.sequenceBase + numbersOfOneLife, log.highestSequence() + 1});
+    const std::uint64_t highest = log.highestSequence();
+    if (log.stepsOutcome().failed()) return {log.stepsOutcome(), nullptr};
+    const std::uint64_t base =
+        std::max({static_cast<std::uint64_t>(currentTime()) << 8, row.sequenceBase + numbersOfOneLife, highest + 1});
     const std::uint64_t generation = row.generation + 1;
     log.settle();
     if (const Outcome begun = log.begin(); begun.failed()) return {begun, nullptr};
@@ -55,7 +48,7 @@ Store::Opened Store::beginLife(const std::filesystem::path &folder, LockFile &lo
 
     int fault = 0;
     auto control = ControlMapping::create(live, generation, fault);
-    if (!control) return {outcomeOf({fault, std::generic_category()}), nullptr};
+    if (!control) return {outcomeOfSystem(fault), nullptr};
     (*control)->sequence = base;
     Opened opened = openLife(folder, locks, std::move(control));
     if (opened.outcome.failed()) return opened;

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "qmgr/store/process.h"
 #include "qmgr/store/seams.h"
@@ -93,6 +94,7 @@ Store::SlotTaken Store::takeSlot()
 {
     ControlBlock &block = control();
     const std::uint64_t ours = pidNamespaceOfThisProcess();
+    if (ours == 0) return {failure(MQRC_RESOURCE_PROBLEM)};
     if (block.pidNamespace != ours) {
         // Process ids mean nothing across the border, and the reader table of the live state goes by them.
         if (anyConnection()) return {failure(MQRC_ENVIRONMENT_ERROR)};
@@ -131,16 +133,24 @@ Store::SlotTaken Store::takeSlot()
     return {failure(MQRC_MAX_CONNS_LIMIT_REACHED)};
 }
 
-void Store::freeSlot(std::uint32_t number)
+void Store::freeSlot(std::uint32_t number) noexcept
 {
     {
         const std::scoped_lock lock(slotsMutex_);
-        cleanUp(number);
-        control().slots[number].state = SlotState::Free;
+        ConnectionSlot &slot = control().slots[number];
+        if (cleanUp(number)) {
+            slot.state = SlotState::Free;
+        } else {
+            // Nobody's from now on, so a dead connection's: for whoever looks next.
+            slot.process = 0;
+        }
         slotLocks_->unlock(number);
     }
-    if (control().state == State::Quiescing && !anyConnection()) completeQuiesce();
-    noteQuiet();
+    try {
+        if (control().state == State::Quiescing && !anyConnection()) completeQuiesce();
+        noteQuiet();
+    } catch (const std::bad_alloc &) { // NOLINT(bugprone-empty-catch): the next look at the state completes it
+    }
 }
 
 bool Store::releaseDead()
@@ -153,8 +163,7 @@ bool Store::releaseDead()
             ConnectionSlot &slot = block.slots[number];
             if (slot.state != SlotState::Taken || isAlive(slot, number, *slotLocks_)) continue;
             if (!slotLocks_->tryLock(number)) continue; // somebody else is at it
-            if (slot.state == SlotState::Taken && slot.process != thisProcess().token) {
-                cleanUp(number);
+            if (slot.state == SlotState::Taken && slot.process != thisProcess().token && cleanUp(number)) {
                 // It may have died between making messages visible and waking those who wait for them.
                 wakeEverybody();
                 if (const std::uint32_t cell = slot.waitsOn; cell != 0) block.cells[cell - 1].waiters.fetch_sub(1);
@@ -164,7 +173,8 @@ bool Store::releaseDead()
             slotLocks_->unlock(number);
         }
     }
-    if (!any) return false;
+    // Units in the log that the last holder of its lock could not make visible, and their owners go on.
+    if (!any) return block.logUnfinished == liveBehind && !finishPrepared().failed();
     live_->clearDeadReaders();
     // It may have died between preparing a unit and finishing it.
     if (anyPrepared()) static_cast<void>(finishPrepared());
@@ -174,11 +184,11 @@ bool Store::releaseDead()
 
 // Gives back whatever a connection holds that ends: the messages it got go back to their queues as by a backout, the
 // places it booked and the handles it had open are uncounted. What it had prepared is not its own any more. If
-// storage fails, the slot stays as it is in the live state, and whoever takes it inherits the bookings.
-void Store::cleanUp(std::uint32_t number)
-{
-    if (control().state == State::Ended) return;
-    removeTemporariesOf(number);
+// storage or memory fails, nothing has changed, the answer is false, and it has to be done again by somebody.
+bool Store::cleanUp(std::uint32_t number) noexcept
+try {
+    if (control().state == State::Ended) return true;
+    if (removeTemporariesOf(number).failed()) return false;
     const bool mayHold = control().slots[number].holds != 0;
     const Outcome cleaned = update(0, number, [&](WriteTransaction &transaction) {
         std::vector<MessageKey> gots;
@@ -211,8 +221,10 @@ void Store::cleanUp(std::uint32_t number)
         reached(Step::SlotCleaning);
         return success();
     });
-    static_cast<void>(cleaned);
     reached(Step::SlotCleaned);
+    return !cleaned.failed() || cleaned.Reason == MQRC_NONE;
+} catch (const std::bad_alloc &) {
+    return false;
 }
 
 } // namespace mqrig::qmgr::store

@@ -13,12 +13,15 @@
 // Comings and goings race with the note, so it is written between two looks for connections, and a connection that
 // comes takes its slot first and strikes the note out after. What is decided wrongly is decided for "not known".
 //
-// Opening the file moves its time (the library sets its length anew), so whoever opens it renews the note; the start-up
-// lock keeps openings apart.
+// Opening the file moves its time (the library sets its length anew), so whoever opens it strikes the note out before
+// and writes it anew after, also if the opening fails; killed in between, it leaves none. The start-up lock keeps
+// openings apart.
 
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cerrno>
+#include <new>
 #include <span>
 #include <sys/stat.h>
 
@@ -30,6 +33,7 @@ namespace mqrig::qmgr::store {
 
 namespace {
 
+// 0, with errno, if it cannot be found out.
 std::uint64_t changeTime(const std::filesystem::path &file)
 {
     struct stat status {};
@@ -53,8 +57,8 @@ std::uint64_t checksumOfHead(ControlBlock &block)
 
 } // namespace
 
-void Store::noteQuiet()
-{
+void Store::noteQuiet() noexcept
+try {
     if (control().state == State::Ended || anyConnection()) return;
     const std::filesystem::path data = folder_ / "live" / "data.mdb";
     QuietMark &quiet = control().quiet;
@@ -62,28 +66,39 @@ void Store::noteQuiet()
     quiet.checksumOfHead = checksumOfHead(control());
     quiet.dataChanged = changed;
     if (anyConnection() || changeTime(data) != changed) noteBusy();
+} catch (const std::bad_alloc &) {
+    noteBusy();
 }
 
-void Store::renewQuiet()
+Store::Opening::Opening(Store &store) : store_(store), wasQuiet_(store.control().quiet.dataChanged.exchange(0) != 0) {}
+
+Store::Opening::~Opening()
 {
-    QuietMark &quiet = control().quiet;
-    std::uint64_t noted = quiet.dataChanged;
-    if (noted == 0) return;
-    quiet.dataChanged.compare_exchange_strong(noted, changeTime(folder_ / "live" / "data.mdb"));
+    if (wasQuiet_) store_.noteQuiet();
 }
 
-bool Store::isSound()
+Outcome Store::soundness()
 {
     ControlBlock &block = control();
-    if (block.slotLimit > maxSlots) return false;
+    if (block.slotLimit > maxSlots) return failure(MQRC_UNEXPECTED_ERROR);
     const std::uint64_t connectionsBefore = block.connections;
-    if (anyConnection()) return true;
+    if (anyConnection()) return success();
     const std::filesystem::path data = folder_ / "live" / "data.mdb";
-    const bool sound = block.quiet.dataChanged != 0 ? block.quiet.dataChanged == changeTime(data) &&
-                                                          block.quiet.checksumOfHead == checksumOfHead(block)
-                                                    : verifyPages(data).kind == PagesVerdict::Kind::Sound;
+    Outcome outcome;
+    if (block.quiet.dataChanged != 0) {
+        const std::uint64_t changed = changeTime(data);
+        if (changed == 0 && errno != ENOENT && errno != ENOTDIR && errno != ELOOP)
+            outcome = failure(MQRC_RESOURCE_PROBLEM);
+        else if (block.quiet.dataChanged != changed || block.quiet.checksumOfHead != checksumOfHead(block))
+            outcome = failure(MQRC_UNEXPECTED_ERROR);
+    } else {
+        const PagesVerdict::Kind verdict = verifyPages(data).kind;
+        // Files that this process cannot look at now may be as good as ever.
+        if (verdict == PagesVerdict::Kind::Unreadable) outcome = failure(MQRC_RESOURCE_PROBLEM);
+        if (verdict == PagesVerdict::Kind::Damaged) outcome = failure(MQRC_UNEXPECTED_ERROR);
+    }
     // A connection that came meanwhile has changed what was looked at, and believed it too.
-    return sound || block.connections != connectionsBefore || anyConnection();
+    return block.connections != connectionsBefore || anyConnection() ? success() : outcome;
 }
 
 } // namespace mqrig::qmgr::store

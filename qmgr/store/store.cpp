@@ -7,39 +7,17 @@
 #include "qmgr/store/paths.h"
 #include "qmgr/store/process.h"
 #include "qmgr/store/seams.h"
+#include "qmgr/store/system_error.h"
 #include "qmgr/store/transaction_scratch.h"
 
 namespace mqrig::qmgr::store {
-
-namespace {
-
-Outcome outcomeOfFile(int error)
-{
-    switch (error) {
-    case ENOSPC:
-    case EDQUOT:
-        return failure(MQRC_STORAGE_NOT_AVAILABLE);
-    case EACCES:
-    case EPERM:
-    case EROFS:
-        return failure(MQRC_NOT_AUTHORIZED);
-    case ENOMEM:
-    case EMFILE:
-    case ENFILE:
-        return failure(MQRC_RESOURCE_PROBLEM);
-    default:
-        return failure(MQRC_UNEXPECTED_ERROR);
-    }
-}
-
-} // namespace
 
 Outcome Store::exists(const std::filesystem::path &folder)
 {
     struct stat status {};
     if (stat((folder / "log.db").c_str(), &status) == 0) return success();
     if (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG) return failure(MQRC_Q_MGR_NAME_ERROR);
-    return outcomeOfFile(errno);
+    return outcomeOfSystem(errno);
 }
 
 Store::Opened Store::open(const std::filesystem::path &folder)
@@ -53,10 +31,10 @@ Store::Opened Store::open(const std::filesystem::path &folder)
     known.reset();
     if (const Outcome there = exists(folder); there.failed()) return {there, nullptr};
     const auto [locks, error] = LockFile::open(folder / "locks");
-    if (locks == nullptr) return {outcomeOfFile(error), nullptr};
-    if (!locks->lock(lockBytes::start)) return {failure(MQRC_RESOURCE_PROBLEM), nullptr};
+    if (locks == nullptr) return {outcomeOfSystem(error), nullptr};
+    const HeldLock start(*locks, lockBytes::start);
+    if (!start.held()) return {failure(MQRC_RESOURCE_PROBLEM), nullptr};
     Opened opened = openUnderLock(folder, *locks);
-    locks->unlock(lockBytes::start);
     if (!opened.outcome.failed()) process.stores[folder.string()] = opened.store;
     return opened;
 }
@@ -66,7 +44,7 @@ void Store::forgetEnded(const std::shared_ptr<Store> &store)
     if (store->control().state != State::Ended) return;
     Process &process = thisProcess();
     const std::scoped_lock lock(process.mutex);
-    const auto known = process.stores.find(store->folder_.string());
+    const auto known = process.stores.find(store->folder_.native()); // called by destructors: no copy
     if (known != process.stores.end() && known->second == store) process.stores.erase(known);
 }
 
@@ -76,7 +54,7 @@ Store::Opened Store::openUnderLock(const std::filesystem::path &folder, LockFile
     if (const Outcome there = exists(folder); there.failed()) return {there, nullptr};
     int error = 0;
     auto control = ControlMapping::open(folder / "live", error);
-    if (error != 0) return {outcomeOfFile(error), nullptr};
+    if (error != 0) return {outcomeOfSystem(error), nullptr};
     if (control) {
         if ((*control)->state == State::Ended) return {failure(MQRC_Q_MGR_NOT_AVAILABLE), nullptr};
         Opened opened = openLife(folder, locks, std::move(control));
@@ -100,18 +78,18 @@ Store::Opened Store::openLife(const std::filesystem::path &folder, LockFile &loc
     store->name_ = nameOfFolder(folder.filename().string()).value_or(std::string());
     store->control_ = std::move(control);
     const auto [slotLocks, error] = LockFile::open(live / "slots");
-    if (slotLocks == nullptr) return {outcomeOfFile(error), nullptr};
+    if (slotLocks == nullptr) return {outcomeOfSystem(error), nullptr};
     store->slotLocks_ = slotLocks;
-    if (store->control().stamp.ready == 1 && !store->isSound()) {
-        if (damage == Damage::EndsLife) store->endLife();
-        return {failure(MQRC_UNEXPECTED_ERROR), nullptr};
+    if (const Outcome sound = store->control().stamp.ready == 1 ? store->soundness() : success(); sound.failed()) {
+        if (sound.Reason == MQRC_UNEXPECTED_ERROR && damage == Damage::EndsLife) store->endLife();
+        return {sound, nullptr};
     }
+    const Opening opening(*store);
     auto opened = LiveEnvironment::open(live, store->control(), locks);
     if (opened.outcome.Reason == MQRC_UNEXPECTED_ERROR && damage == Damage::EndsLife) store->endLife();
     if (opened.outcome.failed()) return {opened.outcome, nullptr};
     store->live_ = std::move(opened.environment);
-    store->renewQuiet();
-    return {success(), std::move(store)};
+    return {success(), store};
 }
 
 StateOfQueueManager Store::look(const std::filesystem::path &folder)
@@ -120,12 +98,13 @@ StateOfQueueManager Store::look(const std::filesystem::path &folder)
     int error = 0;
     if (const auto control = ControlMapping::open(folder / "live", error); control)
         return {success(), (*control)->state};
-    if (error != 0) return {outcomeOfFile(error)};
+    if (error != 0) return {outcomeOfSystem(error)};
     Process &process = thisProcess();
     const std::scoped_lock lock(process.mutex);
     const auto [locks, fault] = LockFile::open(folder / "locks");
-    if (locks == nullptr) return {outcomeOfFile(fault)};
-    if (!locks->lock(lockBytes::start)) return {failure(MQRC_RESOURCE_PROBLEM)};
+    if (locks == nullptr) return {outcomeOfSystem(fault)};
+    const HeldLock start(*locks, lockBytes::start);
+    if (!start.held()) return {failure(MQRC_RESOURCE_PROBLEM)};
     StateOfQueueManager answer;
     if (auto [outcome, log] = LogDatabase::open(folder / "log.db"); outcome.failed()) {
         answer.outcome = outcome;
@@ -133,7 +112,6 @@ StateOfQueueManager Store::look(const std::filesystem::path &folder)
         const auto row = log->queueManager();
         answer = {row.outcome, row.state == State::Running ? State::Running : State::Ended};
     }
-    locks->unlock(lockBytes::start);
     return answer;
 }
 
@@ -143,15 +121,12 @@ Outcome Store::start(const std::filesystem::path &folder)
     Process &process = thisProcess();
     const std::scoped_lock lock(process.mutex);
     const auto [locks, error] = LockFile::open(folder / "locks");
-    if (locks == nullptr) return outcomeOfFile(error);
-    if (!locks->lock(lockBytes::start)) return failure(MQRC_RESOURCE_PROBLEM);
-    const struct Unlock {
-        LockFile &locks;
-        ~Unlock() { locks.unlock(lockBytes::start); }
-    } unlock{*locks};
+    if (locks == nullptr) return outcomeOfSystem(error);
+    const HeldLock start(*locks, lockBytes::start);
+    if (!start.held()) return failure(MQRC_RESOURCE_PROBLEM);
     int fault = 0;
     const auto control = ControlMapping::open(folder / "live", fault);
-    if (fault != 0) return outcomeOfFile(fault);
+    if (fault != 0) return outcomeOfSystem(fault);
     if (control && (*control)->state == State::Quiescing) return failure(MQRC_Q_MGR_QUIESCING);
     if (control && (*control)->state == State::Running) return failure(MQRC_Q_MGR_ACTIVE);
     auto [outcome, log] = LogDatabase::open(folder / "log.db");

@@ -22,6 +22,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <span>
 #include <string>
@@ -98,8 +99,9 @@ public:
         std::uint64_t connection = 0;
     };
     SlotTaken takeSlot();
-    // Gives back what the connection holds, as a backout does, and the slot.
-    void freeSlot(std::uint32_t slot);
+    // Gives back what the connection holds, as a backout does, and the slot. What cannot be given back now is left as
+    // that of a dead connection.
+    void freeSlot(std::uint32_t slot) noexcept;
     bool releaseDead();
     [[nodiscard]] bool anyConnection();
     [[nodiscard]] std::optional<ConnectionInfo> connectionOf(std::uint32_t slot); // of a slot, if it is alive
@@ -125,7 +127,7 @@ public:
     // ---- Temporary queues (temporary_queues.cpp) ----
     Outcome defineTemporary(std::uint32_t slot, Definition &definition);
     Outcome removeTemporary(std::uint32_t slot, const Definition &definition);
-    void removeTemporariesOf(std::uint32_t slot);
+    Outcome removeTemporariesOf(std::uint32_t slot);
 
     // ---- Waiting (waiting.cpp) ----
     [[nodiscard]] WaitCell &cellOf(QueueId queue) const;
@@ -149,10 +151,9 @@ public:
     void completeQuiesce();
 
     // ---- The files between two connections (soundness.cpp) ----
-    // A connection comes; the last one may have gone; the library has touched its file at opening.
-    void noteBusy() { control().quiet.dataChanged = 0; }
-    void noteQuiet();
-    void renewQuiet();
+    // A connection comes; the last one may have gone.
+    void noteBusy() noexcept { control().quiet.dataChanged = 0; }
+    void noteQuiet() noexcept;
 
 private:
     friend class LogLock;
@@ -165,7 +166,20 @@ private:
     static Opened beginLife(const std::filesystem::path &folder, LockFile &locks, LogDatabase &log);
     Outcome fill(LogDatabase &log);
     // Start-up lock held, the live state not yet open in this process.
-    [[nodiscard]] bool isSound();
+    // The note that the files are quiet while the library opens them, which moves their time.
+    class Opening {
+    public:
+        explicit Opening(Store &store);
+        ~Opening();
+        Opening(const Opening &) = delete;
+        Opening &operator=(const Opening &) = delete;
+
+    private:
+        Store &store_;
+        bool wasQuiet_;
+    };
+    // MQRC_UNEXPECTED_ERROR: damaged; another failure: it cannot be told now.
+    [[nodiscard]] Outcome soundness();
     void checkRecords(LiveContents &contents, Findings &findings);
     static void putDefinition(WriteTransaction &transaction, const Definition &definition);
     // Tells everybody that definitions of this type are others now.
@@ -179,16 +193,22 @@ private:
     std::vector<PreparedUnit> preparedUnits(Outcome &outcome);
     Outcome logUnits(std::span<const PreparedUnit> units);
     Outcome flip(Ticket upTo);
+    Outcome flipLogged(Ticket upTo);
+    Outcome broughtToLive(const Outcome &outcome);
     Outcome undo(const PreparedUnit &unit);
     template <class OwnOutcome>
     Outcome logOwn(const LogLock &lock, Ticket ticket, OwnOutcome &&outcome);
     Outcome judgeLog(const Outcome &outcome);
+    [[nodiscard]] std::optional<Definition> lookUp(MQLONG type, std::string_view name);
+    [[nodiscard]] std::vector<Definition> lookUpAll(MQLONG type);
+    void catchUp();
+    Outcome roomFor(const Definition &definition);
     Outcome logAndStore(const Definition &definition);
     Outcome storeLive(const Definition &definition);
     Outcome sweep(const Definition &definition);
     Outcome reloadDefinitions();
     Outcome logState(State state);
-    void cleanUp(std::uint32_t slot);
+    bool cleanUp(std::uint32_t slot) noexcept;
     void endLife();
     Outcome endDamagedLife();
 
@@ -201,6 +221,17 @@ private:
     std::unique_ptr<LogDatabase> log_; // log lock
     std::mutex slotsMutex_;            // record locks do not tell the threads of a process apart
 };
+
+// Runs work that must not throw: what lacks memory answers like a log that is as it was.
+template <class Work>
+Outcome withMemory(Work &&work)
+{
+    try {
+        return work();
+    } catch (const std::bad_alloc &) {
+        return failure(MQRC_RESOURCE_PROBLEM);
+    }
+}
 
 // Which bit of ConnectionSlot::watched stands for the queue's wait cell, and others.
 constexpr std::uint64_t watchBit(QueueId queue)

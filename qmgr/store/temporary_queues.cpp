@@ -87,7 +87,7 @@ Outcome Store::removeTemporary(std::uint32_t slot, const Definition &removed)
     return outcome;
 }
 
-void Store::removeTemporariesOf(std::uint32_t slot)
+Outcome Store::removeTemporariesOf(std::uint32_t slot)
 {
     std::vector<Definition> made;
     const Outcome found = read([&](ReadTransaction &transaction) {
@@ -96,11 +96,12 @@ void Store::removeTemporariesOf(std::uint32_t slot)
         });
         return success();
     });
-    static_cast<void>(found);
+    Outcome outcome = found;
     // Subscriptions first: nobody puts on a queue any more that goes next.
     std::ranges::stable_partition(made, [](const Definition &one) { return one.type == subscriptions; });
     for (const Definition &one : made)
-        static_cast<void>(removeTemporary(slot, one));
+        if (!outcome.failed()) outcome = removeTemporary(slot, one);
+    return outcome;
 }
 
 } // namespace mqrig::qmgr::store

@@ -3,6 +3,7 @@
 #include "qmgr/store/control_block.h"
 #include "qmgr/store/live_environment.h"
 #include "qmgr/store/live_records.h"
+#include "qmgr/store/per_thread.h"
 #include "qmgr/store/seams.h"
 #include "qmgr/store/transaction.h"
 #include "qmgr/store/transaction_scratch.h"
@@ -30,8 +31,7 @@ struct SmallRecord {
 
 TransactionScratch &TransactionScratch::ofThisThread()
 {
-    thread_local TransactionScratch scratch;
-    return scratch;
+    return PerThread<TransactionScratch>::get();
 }
 
 WriteTransaction::~WriteTransaction()

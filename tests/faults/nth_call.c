@@ -9,6 +9,7 @@
 #include <iconv.h>
 #include <pthread.h>
 #include <pwd.h>
+#include <signal.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -19,6 +20,7 @@
 #include <sys/syscall.h>
 #include <sys/uio.h>
 #include <sys/vfs.h>
+#include <time.h>
 #include <unistd.h>
 
 #define EXPORT __attribute__((visibility("default")))
@@ -74,6 +76,26 @@ static void show(void)
     backtrace_symbols_fd(frames, count, STDERR_FILENO);
 }
 
+static void showEnd(int signal)
+{
+    static const char line[] = "the end:\n";
+    nthCallDisarm();
+    if (write(STDERR_FILENO, line, sizeof line - 1) > 0) show();
+    syscall(SYS_tgkill, getpid(), syscall(SYS_gettid), signal); /* its handler is the default again */
+}
+
+/* Where the process is when it aborts, or when its time is over. */
+static void showEnds(void)
+{
+    struct sigaction action;
+    memset(&action, 0, sizeof action);
+    action.sa_handler = showEnd;
+    action.sa_flags = (int)SA_RESETHAND;
+    sigaction(SIGABRT, &action, NULL);
+    sigaction(SIGSEGV, &action, NULL);
+    sigaction(SIGALRM, &action, NULL);
+}
+
 /* Counts the call; true when it is one that fails. */
 static int fails(enum CallClass which, int error)
 {
@@ -84,6 +106,7 @@ static int fails(enum CallClass which, int error)
     if (__atomic_fetch_add(&failures, 1, __ATOMIC_RELAXED) == 0 && getenv("MQRIG_TEST_NTH_SHOW") != NULL) {
         ++suspended;
         show();
+        showEnds();
         --suspended;
     }
     errno = error;
@@ -383,7 +406,7 @@ static int lockFails(int command, void *argument)
     case F_OFD_SETLK:
     case F_OFD_SETLKW:
     case F_OFD_GETLK:
-        return lock->l_type != F_UNLCK && fails(CallLock, ENOLCK);
+        return lock->l_type != F_UNLCK && fails(CallLock, EIO);
     default:
         return 0;
     }
@@ -402,21 +425,49 @@ static int lockFails(int command, void *argument)
 FCNTL(fcntl)
 FCNTL(fcntl64)
 
-/* The lock of an ordinary mutex never fails; that of a recursive, checking, robust or shared one may. */
-static int mayFail(const pthread_mutex_t *mutex)
+/* Who finds a lock taken tries again for many seconds. Where locks fail for good it is as well to do so at once. */
+static int isVain(void)
 {
-    return mutex->__data.__kind != 0;
+    return wantedForGood && wanted == (int)CallLock && suspended <= 0 && __atomic_load_n(&armed, __ATOMIC_ACQUIRE) &&
+           nthCallFailed() > 0;
+}
+EXPORT int usleep(useconds_t microseconds)
+{
+    return isVain() ? 0 : NEXT(usleep)(microseconds);
+}
+EXPORT int nanosleep(const struct timespec *pause, struct timespec *rest)
+{
+    return isVain() ? 0 : NEXT(nanosleep)(pause, rest);
+}
+
+/* SQLite does not look at these answers: the C library has no reason to refuse it the mutexes that it makes, or their
+   locks. */
+static int isSqlite(const void *caller)
+{
+    Dl_info from;
+    return dladdr(caller, &from) != 0 && from.dli_fname != NULL && strstr(from.dli_fname, "sqlite") != NULL;
+}
+
+/* The lock of an ordinary mutex never fails; that of a recursive, checking, robust or shared one may. */
+static int mayFail(const pthread_mutex_t *mutex, const void *caller)
+{
+    return mutex->__data.__kind != 0 && !isSqlite(caller);
 }
 EXPORT int pthread_mutex_lock(pthread_mutex_t *mutex)
 {
-    return mayFail(mutex) && fails(CallLock, EAGAIN) ? EAGAIN : NEXT(pthread_mutex_lock)(mutex);
+    return mayFail(mutex, __builtin_return_address(0)) && fails(CallLock, EAGAIN) ? EAGAIN
+                                                                                  : NEXT(pthread_mutex_lock)(mutex);
 }
 EXPORT int pthread_mutex_trylock(pthread_mutex_t *mutex)
 {
-    return mayFail(mutex) && fails(CallLock, EAGAIN) ? EAGAIN : NEXT(pthread_mutex_trylock)(mutex);
+    return mayFail(mutex, __builtin_return_address(0)) && fails(CallLock, EAGAIN) ? EAGAIN
+                                                                                  : NEXT(pthread_mutex_trylock)(mutex);
 }
-CALL(int, pthread_mutex_init, (pthread_mutex_t * mutex, const pthread_mutexattr_t *kind), (mutex, kind), CallThread,
-     EAGAIN, EAGAIN)
+EXPORT int pthread_mutex_init(pthread_mutex_t *mutex, const pthread_mutexattr_t *kind)
+{
+    if (!isSqlite(__builtin_return_address(0)) && fails(CallThread, EAGAIN)) return EAGAIN;
+    return NEXT(pthread_mutex_init)(mutex, kind);
+}
 CALL(int, pthread_create, (pthread_t * thread, const pthread_attr_t *kind, void *(*body)(void *), void *argument),
      (thread, kind, body, argument), CallThread, EAGAIN, EAGAIN)
 

@@ -7,7 +7,8 @@
  *   MQRIG_TEST_NTH="CLASS N once|good"   the N-th call of that class fails, or it and all behind it; "count" fails none
  *   MQRIG_TEST_NTH_REPORT=PATH           at its end the process writes there: "CLASS COUNT" for each class, "failed N"
  *                                        (how many calls did), "descriptor N PATH" for each that it has left open
- *   MQRIG_TEST_NTH_SHOW=1                the stack of the first call that fails goes to standard error
+ *   MQRIG_TEST_NTH_SHOW=1                the stack of the first call that fails goes to standard error, and that of
+ *                                        the end, if it is a signal's
  *
  * A program that is linked with it arms it by the functions below.
  */
@@ -26,7 +27,7 @@ enum CallClass {
     CallWrite,  /* write, pwrite, fwrite, printf, fflush, fclose, rename, unlink: ENOSPC */
     CallSync,   /* fsync, fdatasync: EIO */
     CallMap,    /* mmap, mremap, ftruncate, posix_fallocate: ENOMEM or ENOSPC */
-    CallLock,   /* record locks, and mutexes of the kinds whose lock can fail: ENOLCK, EAGAIN */
+    CallLock,   /* record locks, and mutexes of the kinds whose lock can fail: EIO, EAGAIN */
     CallThread, /* pthread_create, pthread_mutex_init: EAGAIN */
     CallSystem, /* iconv_open, getrandom, gethostname, readlink, getpwuid_r: EIO */
     CallClasses
