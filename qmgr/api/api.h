@@ -10,7 +10,8 @@
 //   4. Write out parameters when the call has not failed; handles also when it has.
 //   5. Change the treatment of the options that are now done in option_table.cpp.
 //   6. Name it in CMakeLists.txt; libmqm_r.map exports every name of the MQI already.
-//   7. Provoke every reason in tests/qmgr/api/.
+//   7. Provoke every reason in tests/qmgr/api/, say in tests/qmgr/conformance/fields.cpp what is done with the fields of
+//      its structures, and run scripts/conformance.sh.
 #pragma once
 
 #include <new>

@@ -43,6 +43,24 @@ TEST_F(AsyncPut, MessagesAreThereAndCounted)
     EXPECT_EQ(told.sts.ObjectType, MQOT_NONE);
 }
 
+TEST_F(AsyncPut, TextsOfTopicsAreEmpty)
+{
+    char texts[2][8] = {"object", "subs"};
+    MQSTS sts = {MQSTS_DEFAULT};
+    sts.Version = MQSTS_VERSION_2;
+    sts.ObjectString.VSPtr = texts[0];
+    sts.ObjectString.VSBufSize = sizeof texts[0];
+    sts.SubName.VSPtr = texts[1];
+    sts.SubName.VSBufSize = sizeof texts[1];
+    sts.ObjectString.VSLength = sts.SubName.VSLength = -1;
+    Codes codes;
+    MQSTAT(hconn, MQSTAT_TYPE_ASYNC_ERROR, &sts, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, ok);
+    EXPECT_EQ(sts.ObjectString.VSLength, 0);
+    EXPECT_EQ(sts.SubName.VSLength, 0);
+    EXPECT_EQ(std::string(texts[0]), "object");
+}
+
 TEST_F(AsyncPut, SynchronousPutsAreNotCounted)
 {
     put(hconn, q1, "hello");

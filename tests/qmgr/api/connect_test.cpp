@@ -327,6 +327,22 @@ TEST_F(Connect, CredentialsAreAccepted)
     EXPECT_EQ(tryConnectX("QM1", cno, hconn), ok);
 }
 
+TEST_F(Connect, CredentialsMayLieBesideTheOptions)
+{
+    struct {
+        MQCNO cno = cnoOfVersion(5);
+        MQCSP csp = {MQCSP_DEFAULT};
+    } both;
+    both.cno.SecurityParmsOffset =
+        static_cast<MQLONG>(reinterpret_cast<char *>(&both.csp) - reinterpret_cast<char *>(&both.cno));
+    MQHCONN hconn = MQHC_UNUSABLE_HCONN;
+    EXPECT_EQ(tryConnectX("QM1", both.cno, hconn), ok);
+    both.csp.AuthenticationType = 99;
+    EXPECT_EQ(tryConnectX("QM1", both.cno, hconn), failed(MQRC_CSP_ERROR));
+    both.cno.SecurityParmsPtr = &both.csp;
+    EXPECT_EQ(tryConnectX("QM1", both.cno, hconn), failed(MQRC_CNO_ERROR));
+}
+
 TEST_F(Connect, MalformedCredentialsAre2595)
 {
     MQCNO cno = cnoOfVersion(5);

@@ -1,4 +1,6 @@
 // MQGMO_CONVERT as a program sees it.
+#include <cmqcfc.h>
+
 #include "fixture.h"
 
 #include <cstring>
@@ -80,6 +82,88 @@ TEST_F(Convert, ReasonsOfSetsAndFormats)
     EXPECT_EQ(convert(1208).codes, warned(MQRC_FORMAT_ERROR));
     putText("no header", 819, MQFMT_DEAD_LETTER_HEADER);
     EXPECT_EQ(convert(1208).codes, warned(MQRC_FORMAT_ERROR));
+}
+
+TEST_F(Convert, ReasonsOfEncodings)
+{
+    struct Case {
+        MQLONG encoding; // with one part that is unknown
+        MQLONG ofSource;
+        MQLONG ofTarget;
+    };
+    constexpr Case cases[] = {
+        {0x00F, MQRC_SOURCE_INTEGER_ENC_ERROR, MQRC_TARGET_INTEGER_ENC_ERROR},
+        {0x0F1, MQRC_SOURCE_DECIMAL_ENC_ERROR, MQRC_TARGET_DECIMAL_ENC_ERROR},
+        {0xF11, MQRC_SOURCE_FLOAT_ENC_ERROR, MQRC_TARGET_FLOAT_ENC_ERROR},
+    };
+    const MQDLH header = {MQDLH_DEFAULT}; // a text has no encoding
+    const std::string body(reinterpret_cast<const char *>(&header), sizeof header);
+    for (const Case &each : cases) {
+        MQMD md = {MQMD_DEFAULT};
+        std::memcpy(md.Format, MQFMT_DEAD_LETTER_HEADER, sizeof md.Format);
+        md.CodedCharSetId = 819;
+        md.Encoding = each.encoding;
+        put(hconn, q1, body, md);
+        EXPECT_EQ(convert(1208).codes, warned(each.ofSource));
+
+        md.Encoding = MQENC_NATIVE;
+        put(hconn, q1, body, md);
+        MQMD wanted = version2Md();
+        wanted.CodedCharSetId = 1208;
+        wanted.Encoding = each.encoding;
+        EXPECT_EQ(get(hconn, q1, wanted, gmoWith(MQGMO_CONVERT, MQGMO_VERSION_3)).codes, warned(each.ofTarget));
+    }
+}
+
+TEST_F(Convert, HeaderWithACommandMessageComesInTheWantedOrder)
+{
+    MQEPH header = {MQEPH_DEFAULT};
+    header.StrucLength = sizeof header;
+    header.PCFHeader.Command = MQCMD_PING_Q_MGR;
+    header.PCFHeader.ParameterCount = 0;
+    MQMD md = {MQMD_DEFAULT};
+    std::memcpy(md.Format, MQFMT_EMBEDDED_PCF, sizeof md.Format);
+    put(hconn, q1, {reinterpret_cast<const char *>(&header), sizeof header}, md);
+    MQMD wanted = version2Md();
+    wanted.Encoding = MQENC_NORMAL;
+    wanted.CodedCharSetId = 1208;
+    const Got got = get(hconn, q1, wanted, gmoWith(MQGMO_CONVERT, MQGMO_VERSION_3));
+    ASSERT_EQ(got.codes, ok);
+    ASSERT_EQ(got.body.size(), sizeof header);
+    std::memcpy(&header, got.body.data(), sizeof header);
+    const auto turned = [](MQLONG number) {
+        return static_cast<MQLONG>(__builtin_bswap32(static_cast<MQULONG>(number)));
+    };
+    EXPECT_EQ(turned(header.PCFHeader.Command), MQCMD_PING_Q_MGR);
+    EXPECT_EQ(turned(header.PCFHeader.StrucLength), MQCFH_STRUC_LENGTH);
+    EXPECT_EQ(turned(header.StrucLength), static_cast<MQLONG>(sizeof header));
+}
+
+TEST_F(Convert, TextThatGrowsOutOfItsFieldIsSaid)
+{
+    MQDLH header = {MQDLH_DEFAULT};
+    header.Encoding = MQENC_S390;
+    std::memset(header.PutApplName, 0xFC, sizeof header.PutApplName);
+    header.Version = 0x01000000; // most significant byte first
+    header.Reason = 0;
+    const std::string body(reinterpret_cast<const char *>(&header), sizeof header);
+    putText(body, 819, MQFMT_DEAD_LETTER_HEADER);
+    const Got got = convert(1208);
+    EXPECT_EQ(got.codes, warned(MQRC_CONVERTED_STRING_TOO_BIG));
+    EXPECT_EQ(got.body, body);
+    EXPECT_EQ(got.md.CodedCharSetId, 819);
+}
+
+TEST_F(Convert, HeaderTooShortForTheWantedSetIsInTheQueueManagers)
+{
+    MQDLH header = {MQDLH_DEFAULT};
+    header.Version = 0x01000000; // most significant byte first
+    std::memset(header.DestQName, 'Q', sizeof header.DestQName);
+    putText({reinterpret_cast<const char *>(&header), sizeof header}, 819, MQFMT_DEAD_LETTER_HEADER);
+    const Got got = convert(1200);
+    EXPECT_EQ(got.codes, warned(MQRC_PARTIALLY_CONVERTED));
+    EXPECT_EQ(got.md.CodedCharSetId, 1208);
+    EXPECT_EQ(got.md.Encoding, MQENC_NATIVE);
 }
 
 TEST_F(Convert, MessageThatGrowsOutOfTheBufferIsGoneFromTheQueueAndComesAsItIs)

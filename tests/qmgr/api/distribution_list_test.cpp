@@ -420,6 +420,7 @@ TEST_F(DistributionListTest, OneMessageForAllWhereTheTransmissionQueueTakesLists
     std::memcpy(&list2, at, sizeof list2);
     EXPECT_EQ(std::string(list2.StrucId, 4), "DH  ");
     EXPECT_EQ(text(list2.Format), "MQSTR");
+    EXPECT_EQ(list2.Flags, MQDHF_NONE);
     EXPECT_EQ(list2.RecsPresent, 2);
     EXPECT_EQ(list2.PutMsgRecFields, MQPMRF_MSG_ID | MQPMRF_CORREL_ID);
     EXPECT_EQ(list2.StrucLength, static_cast<MQLONG>(sizeof list2 + 2 * sizeof(MQOR) + 2 * 48));

@@ -157,6 +157,24 @@ TEST_F(PropertyDelivery, QueueSaysWhatBecomesOfThem)
     EXPECT_EQ(length(MQPROP_ALL, MQGMO_PROPERTIES_COMPATIBILITY, false), 'n');
 }
 
+TEST_F(PropertyDelivery, HeaderOfTheQueueManagerIsComplete)
+{
+    set(hmsg, "size", "1");
+    putWith(hmsg, "hello", ofFormat("MQSTR"));
+    const Got got = getPlain(MQGMO_PROPERTIES_FORCE_MQRFH2);
+    MQRFH2 header;
+    ASSERT_GE(got.body.size(), sizeof header);
+    std::memcpy(&header, got.body.data(), sizeof header);
+    EXPECT_EQ(std::string(header.StrucId, 4), MQRFH_STRUC_ID);
+    EXPECT_EQ(header.Version, MQRFH_VERSION_2);
+    EXPECT_EQ(static_cast<std::size_t>(header.StrucLength), got.body.size() - 5);
+    EXPECT_EQ(header.Encoding, MQENC_NATIVE);
+    EXPECT_EQ(header.CodedCharSetId, 1208);
+    EXPECT_EQ(text(header.Format), "MQSTR");
+    EXPECT_EQ(header.Flags, MQRFH_NONE);
+    EXPECT_EQ(header.NameValueCCSID, 1208);
+}
+
 TEST_F(PropertyDelivery, QueueSaysWhetherAHandleIsFilled)
 {
     set(hmsg, "color", "red");
