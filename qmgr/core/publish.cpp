@@ -1,6 +1,7 @@
 #include "qmgr/core/publish.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <tuple>
 
@@ -139,6 +140,8 @@ Outcome publish(Connection &connection, OpenTopic &topic, const PutRequest &requ
         return failure(MQRC_Q_MGR_QUIESCING);
     if (request.has(MQPMO_SYNCPOINT) && connection.unit.lost()) return failure(MQRC_BACKED_OUT);
     if (const Outcome may = mayPublishOrSubscribe(connection); may.failed()) return may;
+    std::optional<store::Attachment::RetainedTurn> turn;
+    if (request.has(MQPMO_RETAIN)) turn.emplace(*connection.store);
     bringUpToDate(connection, topic);
     if (topic.attributes.publish == MQTA_PUB_INHIBITED) return failure(MQRC_PUT_INHIBITED);
     const std::size_t most = static_cast<std::size_t>(connection.queueManager().maxMsgLength);

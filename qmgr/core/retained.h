@@ -7,6 +7,10 @@
 // The one that counts is the one that was put last. What it follows is removed in the unit of work of the publication
 // behind it, so that there is always one to be seen, committed, whatever units of work are under way: a topic has one
 // or two messages there.
+//
+// Who publishes what is retained and who subscribes to it take turns (store::Attachment::RetainedTurn), so that a new
+// subscriber has every publication once, from the one that it finds on. One that was put in a unit of work before the
+// subscription was made and is committed after it has looked is not for it.
 #pragma once
 
 #include <string>

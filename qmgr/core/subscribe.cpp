@@ -155,11 +155,13 @@ private:
         open.owned = !subscription.durable;
         const MQHOBJ hsub = connection_.handles.add(std::move(object));
         if (hsub == MQHO_UNUSABLE_HOBJ) return failure(MQRC_HANDLE_NOT_AVAILABLE);
+        std::optional<store::Attachment::RetainedTurn> turn;
+        if (wantsRetained(subscription)) turn.emplace(store_);
         store::Definition definition = objects::definitionOf(subscription);
         Outcome made = failure(MQRC_STORAGE_NOT_AVAILABLE);
         try {
             made = make(definition, open, model);
-            if (!made.failed()) made = sendRetainedTo(definition.queue, subscription);
+            if (!made.failed() && turn) made = sendRetainedTo(definition.queue, subscription);
         } catch (...) {
             abandon(hsub, definition, subscription);
             throw;
@@ -290,9 +292,12 @@ private:
         if (definition.queue != 0) (void)objects::removeSubscription(store_, {definition, subscription}, Handle::Own);
     }
 
+    bool wantsRetained(const Subscription &subscription) const
+    {
+        return !request_.has(MQSO_NEW_PUBLICATIONS_ONLY) && !subscription.onRequest;
+    }
     Outcome sendRetainedTo(store::QueueId id, const Subscription &subscription)
     {
-        if (request_.has(MQSO_NEW_PUBLICATIONS_ONLY) || subscription.onRequest) return success();
         MQLONG number = 0;
         return sendRetained(connection_, *subscriberOf(id, subscription), number);
     }
@@ -394,6 +399,9 @@ private:
             if (topic != known.topic) return failure(MQRC_TOPIC_NOT_ALTERABLE);
         }
         if (!request_.has(MQSO_ALTER)) return success();
+        const bool characters = known.scheme == objects::WildcardScheme::Characters;
+        if (request_.has(characters ? MQSO_WILDCARD_TOPIC : MQSO_WILDCARD_CHAR))
+            return failure(MQRC_TOPIC_NOT_ALTERABLE);
         if (request_.level != known.level) return failure(MQRC_SUBLEVEL_NOT_ALTERABLE);
         if (request_.has(MQSO_GROUP_SUB) != known.grouped) return failure(MQRC_GROUPING_NOT_ALTERABLE);
         if (!request_.selector.empty() && request_.selector != known.selector)

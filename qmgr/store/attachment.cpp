@@ -177,6 +177,20 @@ Outcome Attachment::defineTemporary(Definition &definition)
     return store_->defineTemporary(slot_, definition);
 }
 
+Attachment::RetainedTurn::RetainedTurn(const Attachment &attachment)
+{
+    pthread_mutex_t &lock = attachment.store_->control().retainedLock;
+    const int code = pthread_mutex_lock(&lock);
+    // Of one that was killed: its unit of work is whole or nothing without it, and nobody was told of it.
+    if (code == EOWNERDEAD) pthread_mutex_consistent(&lock);
+    if (code == 0 || code == EOWNERDEAD) store_ = attachment.store_.get();
+}
+
+Attachment::RetainedTurn::~RetainedTurn()
+{
+    if (store_ != nullptr) pthread_mutex_unlock(&store_->control().retainedLock);
+}
+
 Outcome Attachment::removeTemporary(const Definition &definition)
 {
     return store_->removeTemporary(slot_, definition);

@@ -223,6 +223,22 @@ public:
     // nothing visible, and nothing held that could come back.
     bool noRequestsLeft();
 
+    // ---- Retained publications ----
+    // One turn for all who publish what is retained, from their look at the subscriptions to the end of their unit of
+    // work, and who subscribe to it, from the definition of the subscription to the look at what is retained: each has
+    // seen all that the other has done, or nothing. The constructor waits for it; it ends with the object, or with its
+    // process. Nothing that is done in it may wait for a program. A thread may not have it twice.
+    class RetainedTurn {
+    public:
+        explicit RetainedTurn(const Attachment &attachment);
+        ~RetainedTurn();
+        RetainedTurn(const RetainedTurn &) = delete;
+        RetainedTurn &operator=(const RetainedTurn &) = delete;
+
+    private:
+        Store *store_ = nullptr;
+    };
+
     // Another connection of this process to the same queue manager, with what attach answers.
     [[nodiscard]] Attached another() const;
 

@@ -15,7 +15,7 @@ namespace mqrig::qmgr::store {
 namespace {
 
 constexpr std::array<char, 8> magic{'M', 'Q', 'L', 'I', 'V', 'E', '\n', '\x1a'};
-constexpr std::uint32_t format = 8;
+constexpr std::uint32_t format = 9;
 
 class Descriptor {
 public:
@@ -100,7 +100,7 @@ std::unique_ptr<ControlMapping> ControlMapping::create(const std::filesystem::pa
     block->definitionVersion = 1;
     block->started = currentTime();
     block->requestsWaiting = 1; // what the life before has left
-    for (pthread_mutex_t *mutex : {&block->logLock, &block->requestLock})
+    for (pthread_mutex_t *mutex : {&block->logLock, &block->requestLock, &block->retainedLock})
         if (error = initialise(*mutex); error != 0) return nullptr;
     return mapping;
 }

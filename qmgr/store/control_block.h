@@ -94,7 +94,8 @@ struct ControlBlock {
     alignas(64) std::atomic<std::uint64_t> sequence; // next number for a message
     std::atomic<std::uint32_t> temporaryQueues;      // numbers given to temporary queues
 
-    alignas(64) pthread_mutex_t requestLock; // process-shared, robust: who works off the requests
+    alignas(64) pthread_mutex_t requestLock;  // process-shared, robust: who works off the requests
+    alignas(64) pthread_mutex_t retainedLock; // process-shared, robust: whose turn with retained publications it is
 
     alignas(64) pthread_mutex_t logLock;      // process-shared, robust: see commit.cpp
     std::atomic<std::uint32_t> logTurns;      // futex word: moves when a holder has let go of the log lock

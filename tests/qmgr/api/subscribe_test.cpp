@@ -267,6 +267,7 @@ TEST_F(Subscribe, WhatCannotBeAlteredIsRefused)
     const MQLONG alter = MQSO_ALTER | MQSO_DURABLE;
     EXPECT_EQ(codesOf("t", MQSO_ALTER, "S"), failed(MQRC_DURABILITY_NOT_ALTERABLE));
     EXPECT_EQ(codesOf("other", alter, "S"), failed(MQRC_TOPIC_NOT_ALTERABLE));
+    EXPECT_EQ(codesOf("t", alter | MQSO_WILDCARD_CHAR, "S"), failed(MQRC_TOPIC_NOT_ALTERABLE));
     MQSD sd = sdFor("t", alter, "S");
     sd.SubLevel = 2;
     EXPECT_EQ(trySubscribe(hconn, sd).codes, failed(MQRC_SUBLEVEL_NOT_ALTERABLE));
