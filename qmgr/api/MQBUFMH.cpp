@@ -21,7 +21,7 @@ Outcome bufferToHandle(MQHCONN Hconn, MQHMSG Hmsg, const void *pBufMsgHOpts, voi
     if (handle.outcome().failed()) return handle.outcome();
     MQBMHO bmho;
     if (const MQLONG reason =
-            api::loadStructure(pBufMsgHOpts, MQBMHO_STRUC_ID, MQRC_BMHO_ERROR, MQBMHO_DELETE_PROPERTIES, bmho))
+            api::loadOptions(pBufMsgHOpts, MQBMHO_STRUC_ID, MQRC_BMHO_ERROR, api::OptionField::BufferToHandle, bmho))
         return failure(reason);
     if (const MQLONG reason = api::checkMd(pMsgDesc)) return failure(reason);
     if (bufferLength < 0) return failure(MQRC_BUFFER_LENGTH_ERROR);

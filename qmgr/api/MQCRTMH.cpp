@@ -14,7 +14,7 @@ Outcome createHandle(MQHCONN Hconn, const void *pCrtMsgHOpts, PMQHMSG pHmsg)
     if (call.outcome().failed()) return call.outcome();
     MQCMHO cmho;
     if (const MQLONG reason =
-            api::loadStructure(pCrtMsgHOpts, MQCMHO_STRUC_ID, MQRC_CMHO_ERROR, validationOptions, cmho))
+            api::loadOptions(pCrtMsgHOpts, MQCMHO_STRUC_ID, MQRC_CMHO_ERROR, api::OptionField::CreateHandle, cmho))
         return failure(reason);
     if (api::severalOf(cmho.Options, validationOptions)) return failure(MQRC_OPTIONS_ERROR);
     if (pHmsg == nullptr) return failure(MQRC_HMSG_ERROR);

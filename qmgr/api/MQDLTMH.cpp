@@ -10,7 +10,8 @@ Outcome deleteHandle(MQHCONN Hconn, PMQHMSG pHmsg, const void *pDltMsgHOpts)
     const api::PropertyCall call(Hconn);
     if (call.outcome().failed()) return call.outcome();
     MQDMHO dmho;
-    if (const MQLONG reason = api::loadStructure(pDltMsgHOpts, MQDMHO_STRUC_ID, MQRC_DMHO_ERROR, MQDMHO_NONE, dmho))
+    if (const MQLONG reason =
+            api::loadOptions(pDltMsgHOpts, MQDMHO_STRUC_ID, MQRC_DMHO_ERROR, api::OptionField::DeleteHandle, dmho))
         return failure(reason);
     if (pHmsg == nullptr) return failure(MQRC_HMSG_ERROR);
     const Outcome deleted = core::deleteMessageHandle(Hconn, call.connection(), *pHmsg);

@@ -13,7 +13,7 @@ Outcome deleteProperty(MQHCONN Hconn, MQHMSG Hmsg, const void *pDltPropOpts, con
     if (handle.outcome().failed()) return handle.outcome();
     MQDMPO dmpo;
     if (const MQLONG reason =
-            api::loadStructure(pDltPropOpts, MQDMPO_STRUC_ID, MQRC_DMPO_ERROR, MQDMPO_DEL_PROP_UNDER_CURSOR, dmpo))
+            api::loadOptions(pDltPropOpts, MQDMPO_STRUC_ID, MQRC_DMPO_ERROR, api::OptionField::DeleteProperty, dmpo))
         return failure(reason);
     bool removed = false;
     if ((dmpo.Options & MQDMPO_DEL_PROP_UNDER_CURSOR) != 0) {

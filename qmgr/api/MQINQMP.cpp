@@ -13,7 +13,6 @@ using properties::PropertySet;
 namespace {
 
 constexpr MQLONG moves = MQIMPO_INQ_NEXT | MQIMPO_INQ_PROP_UNDER_CURSOR;
-constexpr MQLONG inquiryOptions = moves | MQIMPO_CONVERT_TYPE | MQIMPO_QUERY_LENGTH | MQIMPO_CONVERT_VALUE;
 
 // The parameters of the call.
 struct Inquiry {
@@ -30,7 +29,7 @@ MQLONG checkParameters(const Inquiry &inquiry)
 {
     properties::Descriptor ignored;
     MQPD pd;
-    if (api::loadStructure(inquiry.pPropDesc, MQPD_STRUC_ID, MQRC_PD_ERROR, ~0, pd) != MQRC_NONE) return MQRC_PD_ERROR;
+    if (const MQLONG reason = api::loadStructure(inquiry.pPropDesc, MQPD_STRUC_ID, MQRC_PD_ERROR, pd)) return reason;
     if (inquiry.pType == nullptr) return MQRC_PROPERTY_TYPE_ERROR;
     if (inquiry.valueLength < 0) return MQRC_BUFFER_LENGTH_ERROR;
     if (inquiry.pValue == nullptr && inquiry.valueLength > 0) return MQRC_BUFFER_ERROR;
@@ -127,8 +126,8 @@ Outcome inquire(MQHCONN Hconn, MQHMSG Hmsg, const Inquiry &inquiry)
     const core::MessageHandleUse handle(Hconn, call.connection(), Hmsg);
     if (handle.outcome().failed()) return handle.outcome();
     MQIMPO impo;
-    if (const MQLONG reason =
-            api::loadStructure(inquiry.pInqPropOpts, MQIMPO_STRUC_ID, MQRC_IMPO_ERROR, inquiryOptions, impo))
+    if (const MQLONG reason = api::loadOptions(inquiry.pInqPropOpts, MQIMPO_STRUC_ID, MQRC_IMPO_ERROR,
+                                               api::OptionField::InquireProperty, impo))
         return failure(reason);
     if (api::severalOf(impo.Options, moves)) return failure(MQRC_OPTIONS_ERROR);
     if (const MQLONG reason = checkParameters(inquiry)) return failure(reason);

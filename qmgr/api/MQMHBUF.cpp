@@ -11,8 +11,6 @@ using namespace mqrig::qmgr;
 
 namespace {
 
-constexpr MQLONG options = MQMHBO_PROPERTIES_IN_MQRFH2 | MQMHBO_DELETE_PROPERTIES;
-
 Outcome handleToBuffer(MQHCONN Hconn, MQHMSG Hmsg, const void *pMsgHBufOpts, const void *pName, void *pMsgDesc,
                        MQLONG bufferLength, void *pBuffer, PMQLONG pDataLength)
 {
@@ -21,7 +19,8 @@ Outcome handleToBuffer(MQHCONN Hconn, MQHMSG Hmsg, const void *pMsgHBufOpts, con
     const core::MessageHandleUse handle(Hconn, call.connection(), Hmsg);
     if (handle.outcome().failed()) return handle.outcome();
     MQMHBO mhbo;
-    if (const MQLONG reason = api::loadStructure(pMsgHBufOpts, MQMHBO_STRUC_ID, MQRC_MHBO_ERROR, options, mhbo))
+    if (const MQLONG reason =
+            api::loadOptions(pMsgHBufOpts, MQMHBO_STRUC_ID, MQRC_MHBO_ERROR, api::OptionField::HandleToBuffer, mhbo))
         return failure(reason);
     if ((mhbo.Options & MQMHBO_PROPERTIES_IN_MQRFH2) == 0) return failure(MQRC_OPTIONS_ERROR);
     std::string name;

@@ -46,7 +46,8 @@ Outcome setProperty(MQHCONN Hconn, MQHMSG Hmsg, const void *pSetPropOpts, const 
     const core::MessageHandleUse handle(Hconn, call.connection(), Hmsg);
     if (handle.outcome().failed()) return handle.outcome();
     MQSMPO smpo;
-    if (const MQLONG reason = api::loadStructure(pSetPropOpts, MQSMPO_STRUC_ID, MQRC_SMPO_ERROR, places, smpo))
+    if (const MQLONG reason =
+            api::loadOptions(pSetPropOpts, MQSMPO_STRUC_ID, MQRC_SMPO_ERROR, api::OptionField::SetProperty, smpo))
         return failure(reason);
     if (api::severalOf(smpo.Options, places)) return failure(MQRC_OPTIONS_ERROR);
 

@@ -234,6 +234,39 @@ constexpr OptionRow subscriptionRequestRows[] = {
     done("MQSRO_FAIL_IF_QUIESCING", MQSRO_FAIL_IF_QUIESCING),
 };
 
+constexpr OptionRow createHandleRows[] = {
+    done("MQCMHO_NO_VALIDATION", MQCMHO_NO_VALIDATION),
+    done("MQCMHO_VALIDATE", MQCMHO_VALIDATE),
+};
+
+constexpr OptionRow setPropertyRows[] = {
+    done("MQSMPO_SET_PROP_UNDER_CURSOR", MQSMPO_SET_PROP_UNDER_CURSOR),
+    done("MQSMPO_SET_PROP_AFTER_CURSOR", MQSMPO_SET_PROP_AFTER_CURSOR),
+    done("MQSMPO_APPEND_PROPERTY", MQSMPO_APPEND_PROPERTY),
+    done("MQSMPO_SET_PROP_BEFORE_CURSOR", MQSMPO_SET_PROP_BEFORE_CURSOR),
+};
+
+constexpr OptionRow inquirePropertyRows[] = {
+    done("MQIMPO_CONVERT_TYPE", MQIMPO_CONVERT_TYPE),
+    done("MQIMPO_QUERY_LENGTH", MQIMPO_QUERY_LENGTH),
+    done("MQIMPO_INQ_NEXT", MQIMPO_INQ_NEXT),
+    done("MQIMPO_INQ_PROP_UNDER_CURSOR", MQIMPO_INQ_PROP_UNDER_CURSOR),
+    done("MQIMPO_CONVERT_VALUE", MQIMPO_CONVERT_VALUE),
+};
+
+constexpr OptionRow deletePropertyRows[] = {
+    done("MQDMPO_DEL_PROP_UNDER_CURSOR", MQDMPO_DEL_PROP_UNDER_CURSOR),
+};
+
+constexpr OptionRow bufferToHandleRows[] = {
+    done("MQBMHO_DELETE_PROPERTIES", MQBMHO_DELETE_PROPERTIES),
+};
+
+constexpr OptionRow handleToBufferRows[] = {
+    done("MQMHBO_PROPERTIES_IN_MQRFH2", MQMHBO_PROPERTIES_IN_MQRFH2),
+    done("MQMHBO_DELETE_PROPERTIES", MQMHBO_DELETE_PROPERTIES),
+};
+
 struct Field {
     std::span<const OptionRow> rows;
     MQLONG unknown;
@@ -254,6 +287,13 @@ constexpr std::array<Field, optionFields> fields = {{
     {controlRows, MQRC_OPTIONS_ERROR},
     {subscribeRows, MQRC_OPTIONS_ERROR},
     {subscriptionRequestRows, MQRC_OPTIONS_ERROR},
+    {createHandleRows, MQRC_OPTIONS_ERROR},
+    {{}, MQRC_OPTIONS_ERROR},
+    {setPropertyRows, MQRC_OPTIONS_ERROR},
+    {inquirePropertyRows, MQRC_OPTIONS_ERROR},
+    {deletePropertyRows, MQRC_OPTIONS_ERROR},
+    {bufferToHandleRows, MQRC_OPTIONS_ERROR},
+    {handleToBufferRows, MQRC_OPTIONS_ERROR},
 }};
 
 constexpr bool everyBitOnce()

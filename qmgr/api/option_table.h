@@ -20,21 +20,28 @@ namespace mqrig::qmgr::api {
 
 // One value for each option field.
 enum class OptionField : std::uint8_t {
-    Connect,             // MQCNO.Options       MQCNO_
-    Open,                // Options of MQOPEN   MQOO_
-    Close,               // Options of MQCLOSE  MQCO_
-    Put,                 // MQPMO.Options       MQPMO_
-    Get,                 // MQGMO.Options       MQGMO_
-    Match,               // MQGMO.MatchOptions  MQMO_
-    Report,              // MQMD.Report         MQRO_
-    Flags,               // MQMD.MsgFlags       MQMF_
-    Begin,               // MQBO.Options        MQBO_
+    Connect,             // MQCNO.Options      MQCNO_
+    Open,                // Options of MQOPEN  MQOO_
+    Close,               // Options of MQCLOSE MQCO_
+    Put,                 // MQPMO.Options      MQPMO_
+    Get,                 // MQGMO.Options      MQGMO_
+    Match,               // MQGMO.MatchOptions MQMO_
+    Report,              // MQMD.Report        MQRO_
+    Flags,               // MQMD.MsgFlags      MQMF_
+    Begin,               // MQBO.Options       MQBO_
     Callback,            // MQCBD.Options      MQCBDO_
-    Control,             // MQCTLO.Options      MQCTLO_
-    Subscribe,           // MQSD.Options     MQSO_
-    SubscriptionRequest, // MQSRO.Options MQSRO_
+    Control,             // MQCTLO.Options     MQCTLO_
+    Subscribe,           // MQSD.Options       MQSO_
+    SubscriptionRequest, // MQSRO.Options      MQSRO_
+    CreateHandle,        // MQCMHO.Options     MQCMHO_
+    DeleteHandle,        // MQDMHO.Options     MQDMHO_
+    SetProperty,         // MQSMPO.Options     MQSMPO_
+    InquireProperty,     // MQIMPO.Options     MQIMPO_
+    DeleteProperty,      // MQDMPO.Options     MQDMPO_
+    BufferToHandle,      // MQBMHO.Options     MQBMHO_
+    HandleToBuffer,      // MQMHBO.Options     MQMHBO_
 };
-inline constexpr std::size_t optionFields = 13;
+inline constexpr std::size_t optionFields = 20;
 
 enum class Treatment : std::uint8_t {
     Done,

@@ -49,7 +49,8 @@ MQLONG PropertyCall::resolvedCcsid(MQLONG ccsid) const
 MQLONG loadDescriptor(const void *from, properties::Descriptor &descriptor)
 {
     MQPD pd;
-    if (loadStructure(from, MQPD_STRUC_ID, MQRC_PD_ERROR, MQPD_NONE, pd) != MQRC_NONE) return MQRC_PD_ERROR;
+    if (const MQLONG reason = loadStructure(from, MQPD_STRUC_ID, MQRC_PD_ERROR, pd)) return reason;
+    if (pd.Options != MQPD_NONE) return MQRC_PD_ERROR;
     if (pd.Context != MQPD_NO_CONTEXT && pd.Context != MQPD_USER_CONTEXT) return MQRC_PD_ERROR;
     if ((pd.CopyOptions & ~copyOptions) != 0) return MQRC_PD_ERROR;
     descriptor = {pd.Support, pd.Context, pd.CopyOptions};

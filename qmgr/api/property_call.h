@@ -10,6 +10,7 @@
 #include <string>
 
 #include "cmqc.h"
+#include "qmgr/api/option_table.h"
 #include "qmgr/core/connections.h"
 #include "qmgr/core/message_handles.h"
 #include "qmgr/properties/property.h"
@@ -35,15 +36,23 @@ private:
     Outcome outcome_;
 };
 
-// MQRC_NONE, or `error` for a null pointer, a wrong StrucId or Version, MQRC_OPTIONS_ERROR for bits beside `options`.
+// MQRC_NONE, or `error` for a null pointer, a wrong StrucId or Version.
 template <class Structure>
-MQLONG loadStructure(const void *from, const char *strucId, MQLONG error, MQLONG options, Structure &structure)
+MQLONG loadStructure(const void *from, const char *strucId, MQLONG error, Structure &structure)
 {
     if (from == nullptr) return error;
     std::memcpy(&structure, from, sizeof(MQCHAR4) + sizeof(MQLONG)); // the rest is there only if these are right
     if (std::memcmp(structure.StrucId, strucId, sizeof structure.StrucId) != 0 || structure.Version != 1) return error;
     std::memcpy(static_cast<void *>(&structure), from, sizeof structure);
-    return (structure.Options & ~options) != 0 ? MQRC_OPTIONS_ERROR : MQRC_NONE;
+    return MQRC_NONE;
+}
+
+// The same for the options of a call, which it also checks.
+template <class Structure>
+MQLONG loadOptions(const void *from, const char *strucId, MQLONG error, OptionField field, Structure &structure)
+{
+    const MQLONG reason = loadStructure(from, strucId, error, structure);
+    return reason != MQRC_NONE ? reason : checkOptions(field, structure.Options);
 }
 
 // Also refuses fields with values that the MQI has not: MQRC_PD_ERROR.

@@ -31,6 +31,13 @@ constexpr Prefix prefixes[] = {
     {"MQCTLO_", OptionField::Control},
     {"MQSO_", OptionField::Subscribe},
     {"MQSRO_", OptionField::SubscriptionRequest},
+    {"MQCMHO_", OptionField::CreateHandle},
+    {"MQDMHO_", OptionField::DeleteHandle},
+    {"MQSMPO_", OptionField::SetProperty},
+    {"MQIMPO_", OptionField::InquireProperty},
+    {"MQDMPO_", OptionField::DeleteProperty},
+    {"MQBMHO_", OptionField::BufferToHandle},
+    {"MQMHBO_", OptionField::HandleToBuffer},
 };
 
 // Names of the prefixes that are no option bits.

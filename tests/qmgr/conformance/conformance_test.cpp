@@ -11,6 +11,7 @@
 #include "absent_reasons.h"
 #include "fields.h"
 #include "page.h"
+#include "values.h"
 
 namespace mqrig::conformance {
 namespace {
@@ -83,6 +84,17 @@ TEST(Conformance, EveryRowIsOfTheHeaders)
         for (const std::string &field : wordsOf(row.fields))
             EXPECT_TRUE(fields.contains(field)) << row.structure << '.' << field;
     }
+}
+
+TEST(Conformance, EveryValueOfTheHeadersHasItsRow)
+{
+    std::set<std::string_view> rows;
+    for (const ValueRow &row : valueRows())
+        rows.insert(row.name);
+    const Headers headers = readHeaders(MQI_HEADERS);
+    for (const ValueField &field : valueFields())
+        for (const Constant &constant : headers.constantsOf(field.prefix.empty() ? "?" : std::string(field.prefix)))
+            EXPECT_TRUE(rows.contains(constant.name)) << field.name << ' ' << constant.name;
 }
 
 std::set<int> answeredReasons()

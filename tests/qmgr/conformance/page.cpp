@@ -7,6 +7,7 @@
 #include "cmqc.h"
 #include "fields.h"
 #include "qmgr/api/option_table.h"
+#include "values.h"
 
 namespace mqrig::conformance {
 namespace {
@@ -24,9 +25,9 @@ What of the MQI the embedded queue manager has, call by call, bit by bit and fie
 - **refused**: answered with a reason, never ignored in silence.
 
 `scripts/conformance.sh` makes this page from the tables that the code works with (`qmgr/api/option_table.cpp`), from the
-table of fields (`tests/qmgr/conformance/fields.cpp`) and from what the tests of the MQI were answered
-(`tests/qmgr/conformance/reasons.txt`). Tests fail when it says anything else than they, when a call answers what it does
-not list, or when a test that it names is no longer answered so.
+tables of fields and values (`tests/qmgr/conformance/fields.cpp`, `values.cpp`) and from what the tests of the MQI were
+answered (`tests/qmgr/conformance/reasons.txt`). Tests fail when it says anything else than they, when a call answers what
+it does not list, or when a test that it names is no longer answered so.
 )";
 
 std::string_view textOf(Treatment treatment)
@@ -112,6 +113,13 @@ constexpr OptionSection optionSections[] = {
     {OptionField::Control, "MQCTLO.Options"},
     {OptionField::Subscribe, "MQSD.Options"},
     {OptionField::SubscriptionRequest, "MQSRO.Options"},
+    {OptionField::CreateHandle, "MQCMHO.Options"},
+    {OptionField::DeleteHandle, "MQDMHO.Options"},
+    {OptionField::SetProperty, "MQSMPO.Options"},
+    {OptionField::InquireProperty, "MQIMPO.Options"},
+    {OptionField::DeleteProperty, "MQDMPO.Options"},
+    {OptionField::BufferToHandle, "MQBMHO.Options"},
+    {OptionField::HandleToBuffer, "MQMHBO.Options"},
 };
 static_assert(std::size(optionSections) == qmgr::api::optionFields, "every option field has its section");
 
@@ -134,6 +142,21 @@ void printOptions(std::ostream &out, const std::map<int, std::string> &reasonNam
             if (row.treatment == Treatment::Refused) out << ", " << nameOf(row.reason, reasonNames);
             out << " | " << row.why << " |\n";
         }
+    }
+}
+
+void printValues(std::ostream &out, const std::map<int, std::string> &reasonNames)
+{
+    out << "\n## Values\n\nParameters and fields that take one value of a few; others are refused with the reason in "
+           "the "
+           "heading.\n";
+    for (const ValueField &field : valueFields()) {
+        const std::string refusal =
+            field.refusal == MQRC_NONE ? "any other is taken" : nameOf(field.refusal, reasonNames);
+        out << "\n### " << field.name << " (" << refusal << ")\n\n| Value | | Because |\n|---|---|---|\n";
+        for (const ValueRow &row : valueRows())
+            if (row.field == field.name)
+                out << "| " << row.name << " | " << textOf(row.treatment) << " | " << row.why << " |\n";
     }
 }
 
@@ -170,6 +193,7 @@ void printPage(std::ostream &out, const Headers &headers, std::span<const Provok
     printCalls(out, headers, reasons);
     printAbsentReasons(out);
     printOptions(out, headers.reasonNames());
+    printValues(out, headers.reasonNames());
     printFields(out, headers);
 }
 
