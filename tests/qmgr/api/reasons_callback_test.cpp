@@ -77,6 +77,43 @@ TEST_F(Occupied, ConnectionThatCouldNotFollowItsQueueManagerIs2556)
         disconnect(connection);
 }
 
+// What MQGET would say of its matching, MQCB says.
+TEST_F(Occupied, ConsumersMatchingIsChecked)
+{
+    const auto registered = [this](MQHCONN connection, MQHOBJ hobj, MQLONG match, const MQMD &md, MQLONG options = 0) {
+        MQGMO wanted = gmoWith(MQGMO_NO_SYNCPOINT | options, MQGMO_VERSION_3);
+        wanted.MatchOptions = match;
+        return manage(connection, MQOP_REGISTER, consumerInto(diary), hobj, md, wanted);
+    };
+    MQMD md = version2Md();
+    EXPECT_EQ(registered(hconn, q1, 0x40000000, md), failed(MQRC_MATCH_OPTIONS_ERROR));
+    md.MsgSeqNumber = 0;
+    EXPECT_EQ(registered(hconn, q1, MQMO_MATCH_MSG_SEQ_NUMBER, md), failed(MQRC_MSG_SEQ_NUMBER_ERROR));
+    md.Offset = -1;
+    EXPECT_EQ(registered(hconn, q1, MQMO_MATCH_OFFSET, md), failed(MQRC_OFFSET_ERROR));
+
+    MQHCONN follows = connectWith(MQCNO_RECONNECT);
+    const MQHOBJ hobj = open(follows, "Q1", everything);
+    const MQMD any = version2Md();
+    EXPECT_EQ(registered(follows, hobj, MQMO_MATCH_MSG_TOKEN, any), failed(MQRC_RECONNECT_Q_MGR_REQD));
+    EXPECT_EQ(registered(follows, hobj, MQMO_NONE, any, MQGMO_LOGICAL_ORDER), failed(MQRC_RECONNECT_INCOMPATIBLE));
+    EXPECT_EQ(get(follows, hobj, MQGMO_LOGICAL_ORDER).codes, failed(MQRC_RECONNECT_INCOMPATIBLE));
+    disconnect(follows);
+}
+
+TEST_F(Occupied, ConnectionThatHasLostItsUnitOfWorkSaysSo)
+{
+    MQHCONN follows = connectWith(MQCNO_RECONNECT_Q_MGR);
+    const MQHOBJ hobj = open(follows, "Q1", MQOO_OUTPUT);
+    MQMD md = {MQMD_DEFAULT};
+    MQPMO pmo = pmoWith(MQPMO_SYNCPOINT);
+    ASSERT_EQ(put(follows, hobj, "lost", md, pmo), ok);
+    endToReconnect();
+    start();
+    EXPECT_EQ(put1(follows, "Q1", "x", md, pmo), failed(MQRC_BACKED_OUT));
+    EXPECT_EQ(disconnect(follows), warned(MQRC_BACKED_OUT));
+}
+
 // A get that waits has its message handle for as long.
 TEST_F(Occupied, MessageHandleOfAnotherCallIs2499)
 {

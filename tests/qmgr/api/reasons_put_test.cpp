@@ -169,6 +169,18 @@ TEST_F(Putting, MoreThanAUnitOfWorkTakesIs2024)
     expect({{failed(MQRC_SYNCPOINT_LIMIT_REACHED), [](Put &put) { put.pmo.Options = MQPMO_SYNCPOINT; }}});
 }
 
+TEST_F(Putting, SegmentsOfAPersistentMessageBesideAUnitOfWorkIs2255)
+{
+    defineQueue("NARROW", {{MQIA_MAX_MSG_LENGTH, 16}});
+    ASSERT_EQ(put(hconn, q1, "pending", {MQMD_DEFAULT}, pmoWith(MQPMO_SYNCPOINT)), ok);
+    expect({{failed(MQRC_UOW_NOT_AVAILABLE), [](Put &put) {
+                 put.queue = "NARROW";
+                 put.body.assign(40, 'x');
+                 put.md.MsgFlags = MQMF_SEGMENTATION_ALLOWED;
+                 put.md.Persistence = MQPER_PERSISTENT;
+             }}});
+}
+
 TEST_F(Putting, WhileTheQueueManagerEndsIs2161WhereAsked)
 {
     endQuiesce();

@@ -93,6 +93,33 @@ TEST_F(EveryCall, OnAQueueWhoseDefinitionIsDamagedIs2101)
     EXPECT_EQ(answerOf(MQSET, hconn, forSetting, 1, &inhibit, 1, &value, 0, nullptr), damaged);
 }
 
+TEST_F(EveryCall, ThroughAnAliasThatLeadsElsewhereNowIs2041)
+{
+    defineQueue("Q2");
+    defineAlias("A", "Q1");
+    const MQHOBJ alias = open(hconn, "A", MQOO_INPUT_SHARED | MQOO_OUTPUT);
+    alterText(MQOT_Q, "A", MQCA_BASE_Q_NAME, "Q2");
+    EXPECT_EQ(put(hconn, alias, "x"), failed(MQRC_OBJECT_CHANGED));
+    EXPECT_EQ(get(hconn, alias).codes, failed(MQRC_OBJECT_CHANGED));
+}
+
+TEST_F(EveryCall, ThatAsksAProcessThatIsGoneIs2041)
+{
+    defineProcess("P");
+    MQOD od = {MQOD_DEFAULT};
+    od.ObjectType = MQOT_PROCESS;
+    setText(od.ObjectName, "P");
+    MQHOBJ process = MQHO_NONE;
+    ASSERT_EQ(tryOpen(hconn, od, MQOO_INQUIRE, process), ok);
+    {
+        const store::Attached attached = store::attach(storeFolder(), "QM1");
+        ASSERT_EQ(attached.attachment->remove(MQOT_PROCESS, "P", nullptr), success());
+    }
+    MQLONG selector = MQIA_APPL_TYPE;
+    MQLONG value = 0;
+    EXPECT_EQ(answerOf(MQINQ, hconn, process, 1, &selector, 1, &value, 0, nullptr), failed(MQRC_OBJECT_CHANGED));
+}
+
 class Connecting : public QueueManagerTest {
 public:
     // Both ways to connect.
@@ -161,6 +188,18 @@ TEST_F(Connecting, ToALogOfANewerFormatIs2012)
     EXPECT_EQ(sqlite3_exec(database, "PRAGMA user_version = 1000000", nullptr, nullptr, nullptr), SQLITE_OK);
     sqlite3_close(database);
     expect(failed(MQRC_ENVIRONMENT_ERROR));
+}
+
+TEST_F(Connecting, ToAQueueManagerWhoseDefinitionIsDamagedIs2101)
+{
+    {
+        const store::Attached attached = store::attach(storeFolder(), "QM1");
+        auto definition = attached.attachment->findDefinition(MQOT_Q_MGR, "QM1");
+        ASSERT_TRUE(definition);
+        definition->bytes = "?";
+        ASSERT_EQ(attached.attachment->alter(*definition), success());
+    }
+    expect(failed(MQRC_OBJECT_DAMAGED));
 }
 
 TEST_F(Connecting, BeyondTheSlotsIs2025)

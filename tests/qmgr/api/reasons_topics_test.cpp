@@ -65,6 +65,23 @@ TEST_F(TopicReasons, SubscriberSaysWhoseThePublicationsAre)
     EXPECT_EQ(text(got.md.ApplIdentityData), "identity");
 }
 
+// Its queue takes nothing, and there is no dead-letter queue.
+TEST_F(TopicReasons, DurableSubscriberWithoutRoomFailsAPublication)
+{
+    defineQueue("FULL", {{MQIA_MAX_Q_DEPTH, 0}});
+    MQHOBJ full = open(hconn, "FULL", MQOO_INPUT_SHARED | MQOO_OUTPUT);
+    Subscribed made = trySubscribe(hconn, sdFor("fruit", MQSO_CREATE | MQSO_DURABLE, "S1"), full);
+    ASSERT_EQ(made.codes, ok);
+    const MQHOBJ topic = openTopic(hconn, "fruit");
+    EXPECT_EQ(put(hconn, topic, "x", persistentMd()), failed(MQRC_PUBLICATION_FAILURE));
+
+    close(hconn, made.hsub);
+    close(hconn, full);
+    const OwnConnection other;
+    open(other.hconn, "FULL", MQOO_INPUT_EXCLUSIVE);
+    EXPECT_EQ(trySubscribe(hconn, sdFor({}, MQSO_RESUME | MQSO_DURABLE, "S1")).codes, failed(MQRC_OBJECT_IN_USE));
+}
+
 // What MQOPEN says of the strings of a topic, MQPUT1 says too; those of MQSUB are its own.
 TEST_F(TopicReasons, StringsOfATopic)
 {

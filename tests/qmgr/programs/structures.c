@@ -324,6 +324,38 @@ static void messageHandles(MQHCONN hconn)
     CHECK(isAsLaid(&block, &dmho, MQDMHO_LENGTH_1, 1));
 }
 
+/* The queue manager returns fields of MQSD and MQSRO, and the text of the topic where the program wants it. */
+static void subscription(MQHCONN hconn)
+{
+    MQSD sd = {MQSD_DEFAULT};
+    MQSRO sro = {MQSRO_DEFAULT};
+    MQHOBJ queue = MQHO_NONE;
+    MQHOBJ hsub = MQHO_NONE;
+    MQSD *laid;
+    char topic[] = "fruit";
+    Block block;
+    Block sroBlock;
+    Block text;
+    memset(text.bytes, pattern, sizeof text.bytes);
+    sd.Options = MQSO_CREATE | MQSO_MANAGED;
+    sd.ObjectString.VSPtr = topic;
+    sd.ObjectString.VSLength = 5;
+    sd.ResObjectString.VSPtr = text.bytes;
+    sd.ResObjectString.VSBufSize = 8;
+    laid = lay(&block, &sd, MQSD_LENGTH_1, MQSD_VERSION_1);
+    OK(MQSUB(hconn, laid, &queue, &hsub, &cc, &rc));
+    CHECK(isPatternFrom(&block, MQSD_LENGTH_1));
+    CHECK(isPatternFrom(&text, 8) && memcmp(text.bytes, "fruit", 5) == 0);
+    CHECK(laid->Options == sd.Options && laid->ResObjectString.VSLength == 5);
+    CHECK(memcmp(laid->SubCorrelId, MQCI_NONE, sizeof laid->SubCorrelId) != 0);
+    CHECK(memcmp(topic, "fruit", sizeof topic) == 0);
+    FAILS(MQRC_NO_RETAINED_MSG, MQSUBRQ(hconn, hsub, MQSR_ACTION_PUBLICATION,
+                                        lay(&sroBlock, &sro, MQSRO_LENGTH_1, MQSRO_VERSION_1), &cc, &rc));
+    CHECK(isPatternFrom(&sroBlock, MQSRO_LENGTH_1));
+    OK(MQCLOSE(hconn, &hsub, MQCO_NONE, &cc, &rc));
+    OK(MQCLOSE(hconn, &queue, MQCO_NONE, &cc, &rc));
+}
+
 static void handler(MQHCONN hconn, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, PMQVOID pBuffer, MQCBC *pContext)
 {
     (void)hconn;
@@ -376,6 +408,7 @@ int main(void)
     status(hconn);
     begin(hconn);
     messageHandles(hconn);
+    subscription(hconn);
     callbacks(hconn);
     OK(MQDISC(&hconn, &cc, &rc));
     return 0;
