@@ -96,9 +96,9 @@ constexpr AbsentReasons rows[] = {
      "OPEN_FAILED CORREL_ID_ERROR Q_MGR_ACTIVE Q_MGR_NOT_ACTIVE Q_DEPTH_HIGH Q_DEPTH_LOW "
      "BACKOUT_THRESHOLD_REACHED GET_ENABLED RECONNECTING RECONNECTED"},
     {Absence::Elsewhere,
-     "they are answered when the machine fails (no space, no memory, files of another user), which other tests bring "
-     "about: `tests/qmgr/store`",
-     "NOT_AUTHORIZED Q_SPACE_NOT_AVAILABLE RESOURCE_PROBLEM"},
+     "they are answered when the machine fails or the files are another user's; `tests/qmgr/store` and "
+     "`tests/qmgr/faults` bring that about",
+     "NOT_AUTHORIZED RESOURCE_PROBLEM"},
     {Absence::Elsewhere, "it would be told of a stored subscription whose topic cannot be read; nothing writes one",
      "INVALID_SUBSCRIPTION"},
     {Absence::Never,
@@ -106,9 +106,9 @@ constexpr AbsentReasons rows[] = {
      "MSG_ID_ERROR FILE_SYSTEM_ERROR NO_DATA_AVAILABLE MSG_HANDLE_COPY_FAILURE ALREADY_JOINED CALL_INTERRUPTED "
      "PROPERTIES_DISABLED"},
     {Absence::Never,
-     "others are answered instead: MQRC_NOT_CONVERTED for text that is none of its set, MQRC_OBJECT_CHANGED for an "
-     "alias of something else, MQRC_REPORT_OPTIONS_ERROR",
-     "UNKNOWN_REPORT_OPTION DBCS_ERROR ALIAS_TARGTYPE_CHANGED"},
+     "others are answered instead: MQRC_STORAGE_NOT_AVAILABLE for a disk without space, MQRC_NOT_CONVERTED for text "
+     "that is none of its set, MQRC_OBJECT_CHANGED for an alias of something else, MQRC_REPORT_OPTIONS_ERROR",
+     "Q_SPACE_NOT_AVAILABLE UNKNOWN_REPORT_OPTION DBCS_ERROR ALIAS_TARGTYPE_CHANGED"},
     {Absence::Never, "they are of publish/subscribe, and nothing here leads to them",
      "IDENTITY_MISMATCH ALTER_SUB_ERROR LOOPING_PUBLICATION SUB_JOIN_NOT_ALTERABLE"},
 };

@@ -134,10 +134,12 @@ TEST(Conformance, EveryReasonOfTheSourcesIsAnsweredOrToldElsewhere)
     std::map<std::string, int> numbers;
     for (const Constant &reason : readHeaders(MQI_HEADERS).constantsOf("MQRC_"))
         numbers[reason.name] = static_cast<int>(reason.value);
+    std::set<std::string> named;
     static const std::regex name("MQRC_[A-Z0-9_]*[A-Z0-9]");
     for (const std::filesystem::path &source : sourcesIn(std::string(SOURCES) + "/qmgr")) {
         const std::string text = contentsOf(source);
         for (std::sregex_iterator found(text.begin(), text.end(), name), end; found != end; ++found) {
+            named.insert(found->str());
             const auto reason = numbers.find(found->str());
             if (reason == numbers.end() || answered.contains(reason->second)) continue;
             const auto row = absent.find(reason->first);
@@ -145,6 +147,10 @@ TEST(Conformance, EveryReasonOfTheSourcesIsAnsweredOrToldElsewhere)
                 << source << " names " << reason->first << ", which no test of the MQI gets";
         }
     }
+    for (const auto &[reason, absence] : absent)
+        if (absence == Absence::Elsewhere) {
+            EXPECT_TRUE(named.contains(reason)) << reason << " is told nowhere";
+        }
 }
 
 // What a structure begins with is looked at by every test that uses it.

@@ -73,7 +73,10 @@ bool isRefused(std::span<const Provoked> own)
 void printCalls(std::ostream &out, const Headers &headers, std::span<const Provoked> reasons)
 {
     const std::map<int, std::string> names = headers.reasonNames();
-    out << "\n## Calls\n\nThe answers of each call, with a test that gets it (`tests/qmgr/api`).\n";
+    out << "\n## Calls\n\nThe answers of each call, with a test that gets it (`tests/qmgr/api`). When memory, disk or "
+           "another resource "
+           "of the\nmachine fails, any call may answer MQRC_STORAGE_NOT_AVAILABLE, MQRC_RESOURCE_PROBLEM or "
+           "MQRC_UNEXPECTED_ERROR too\n(`tests/qmgr/faults`).\n";
     for (const std::string &call : headers.calls) {
         const std::vector<Provoked> own = reasonsOf(call, reasons);
         out << "\n### " << call << ": " << (isRefused(own) ? "refused" : "done") << "\n\n"
