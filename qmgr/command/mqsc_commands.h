@@ -41,6 +41,9 @@ CommandAnswer alterSubscription(const MqscCommand &command);
 CommandAnswer deleteSubscription(const MqscCommand &command);
 CommandAnswer displaySubscriptions(const MqscCommand &command);
 CommandAnswer clearTopic(const MqscCommand &command);
+CommandAnswer displaySubscriptionStatus(const MqscCommand &command);
+CommandAnswer displayTopicStatus(const MqscCommand &command);
+CommandAnswer displayPublishSubscribe(const MqscCommand &command);
 
 // ---- Answers ----
 
@@ -69,6 +72,9 @@ struct ReadName {
     CommandAnswer answer; // the fault
 };
 ReadName readName(const MqscCommand &command, NameForm form);
+
+// The same where it is any text of at most that many bytes: the name of a subscription, a topic string.
+ReadName readText(const MqscCommand &command, std::size_t most);
 
 // One parameter that sets an attribute among these rows, judged by its row.
 struct ReadAttribute {

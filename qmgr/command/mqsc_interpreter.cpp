@@ -33,6 +33,7 @@ constexpr ObjectWord objectWords[] = {
     {"NL", "NAMELIST", kinds(ObjectKind::Namelist)},
     {"PRO", "PROCESS", kinds(ObjectKind::Process)},
     {"PROCESS", "PROCESS", kinds(ObjectKind::Process)},
+    {"PUBSUB", "PUBSUB", kinds(ObjectKind::QueueManager)},
     {"Q", "QUEUE", objects::allQueues},
     {"QA", "QALIAS", kinds(ObjectKind::AliasQueue)},
     {"QALIAS", "QALIAS", kinds(ObjectKind::AliasQueue)},
@@ -46,9 +47,12 @@ constexpr ObjectWord objectWords[] = {
     {"QS", "QSTATUS", kinds(ObjectKind::LocalQueue)},
     {"QSTATUS", "QSTATUS", kinds(ObjectKind::LocalQueue)},
     {"QUEUE", "QUEUE", objects::allQueues},
+    {"SBSTATUS", "SBSTATUS", kinds(ObjectKind::Topic)},
     {"SUB", "SUB", kinds(ObjectKind::Topic)},
     {"TOPIC", "TOPIC", kinds(ObjectKind::Topic)},
     {"TOPICSTR", "TOPICSTR", kinds(ObjectKind::Topic)},
+    {"TPS", "TPSTATUS", kinds(ObjectKind::Topic)},
+    {"TPSTATUS", "TPSTATUS", kinds(ObjectKind::Topic)},
 };
 
 struct Row {
@@ -89,6 +93,7 @@ constexpr Row table[] = {
     {"DISPLAY", "CONN", displayConnections, MQCMD_INQUIRE_CONNECTION},
     {"DISPLAY", "NAMELIST", displayObjects, MQCMD_INQUIRE_NAMELIST},
     {"DISPLAY", "PROCESS", displayObjects, MQCMD_INQUIRE_PROCESS},
+    {"DISPLAY", "PUBSUB", displayPublishSubscribe, MQCMD_INQUIRE_PUBSUB_STATUS},
     {"DISPLAY", "QALIAS", displayObjects, MQCMD_INQUIRE_Q},
     {"DISPLAY", "QLOCAL", displayObjects, MQCMD_INQUIRE_Q},
     {"DISPLAY", "QMGR", displayQmgr, MQCMD_INQUIRE_Q_MGR},
@@ -96,8 +101,10 @@ constexpr Row table[] = {
     {"DISPLAY", "QREMOTE", displayObjects, MQCMD_INQUIRE_Q},
     {"DISPLAY", "QSTATUS", displayQueueStatus, MQCMD_INQUIRE_Q_STATUS},
     {"DISPLAY", "QUEUE", displayObjects, MQCMD_INQUIRE_Q},
+    {"DISPLAY", "SBSTATUS", displaySubscriptionStatus, MQCMD_INQUIRE_SUB_STATUS},
     {"DISPLAY", "SUB", displaySubscriptions, MQCMD_INQUIRE_SUBSCRIPTION},
     {"DISPLAY", "TOPIC", displayObjects, MQCMD_INQUIRE_TOPIC},
+    {"DISPLAY", "TPSTATUS", displayTopicStatus, MQCMD_INQUIRE_TOPIC_STATUS},
     {"PING", "QMGR", pingQmgr, MQCMD_PING_Q_MGR},
 };
 

@@ -208,6 +208,21 @@ ReadName readName(const MqscCommand &command, NameForm form)
     return fault(Message::SyntaxError, offset + quote + check.position, "a name has only A-Z a-z 0-9 . / _ %");
 }
 
+ReadName readText(const MqscCommand &command, std::size_t most)
+{
+    const MqscParameter &object = command.object();
+    const auto fault = [&](std::size_t offset, std::string_view reason) {
+        return ReadName{false, {}, syntaxFault(command.text, Message::SyntaxError, offset, reason)};
+    };
+    if (!object.hasValue) return fault(object.offset + object.keyword.size(), "a name in parentheses is missing");
+    if (object.values.size() > 1) return fault(object.values[1].offset, "only one name may be given");
+    const std::string text(object.value());
+    if (text.empty()) return fault(object.valueOffset(), "the name is empty");
+    if (text.size() > most)
+        return fault(object.valueOffset(), "at most " + std::to_string(most) + " bytes may be given");
+    return {true, text, {}};
+}
+
 ReadAttribute readAttribute(const MqscCommand &command, std::span<const Attribute> rows, const MqscParameter &parameter)
 {
     const auto fault = [&](std::size_t offset, std::string_view reason) {

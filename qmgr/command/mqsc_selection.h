@@ -43,4 +43,23 @@ using ValueOf = std::function<objects::AttributeValue(const objects::Attribute &
 void showAttributes(std::vector<std::string> &lines, std::span<const objects::Attribute> rows, objects::ObjectKind kind,
                     const Selection &selection, const ValueOf &valueOf);
 
+// The answer with an entry for each thing that passes the filter; without lines if none does.
+template <class Things, class ValueOfThing>
+CommandAnswer showAll(const Things &things, std::span<const objects::Attribute> rows, objects::ObjectKind kind,
+                      Message details, const Selection &selection, const ValueOfThing &valueOfThing)
+{
+    CommandAnswer answer;
+    for (const auto &thing : things) {
+        const auto value = [&](const objects::Attribute &attribute) { return valueOfThing(thing, attribute); };
+        if (selection.filter) {
+            const objects::Attribute &compared =
+                *objects::findKeyword(rows, objects::kinds(kind), selection.filter->keyword).attribute;
+            if (!selection.filter->holdsFor(compared, value(compared))) continue;
+        }
+        answer.lines.push_back(formatMessage(details, {}));
+        showAttributes(answer.lines, rows, kind, selection, value);
+    }
+    return answer;
+}
+
 } // namespace mqrig::qmgr::command

@@ -12,7 +12,6 @@ namespace mqrig::qmgr::command {
 namespace {
 
 using objects::Attribute;
-using objects::ObjectKind;
 
 constexpr std::string_view statusTypes[] = {"QUEUE", "HANDLE"};
 constexpr std::string_view openTypes[] = {"ALL", "INPUT", "OUTPUT"};
@@ -21,25 +20,6 @@ MQLONG openTypeOf(const Selection &selection)
 {
     if (selection.openType == "INPUT") return MQQSOT_INPUT;
     return selection.openType == "OUTPUT" ? MQQSOT_OUTPUT : MQQSOT_ALL;
-}
-
-// One entry per thing that passes the filter.
-template <class Things, class ValueOfThing>
-CommandAnswer display(const Things &things, std::span<const Attribute> rows, ObjectKind kind, Message details,
-                      const Selection &selection, const ValueOfThing &valueOfThing)
-{
-    CommandAnswer answer;
-    for (const auto &thing : things) {
-        const auto value = [&](const Attribute &attribute) { return valueOfThing(thing, attribute); };
-        if (selection.filter) {
-            const Attribute &compared =
-                *objects::findKeyword(rows, objects::kinds(kind), selection.filter->keyword).attribute;
-            if (!selection.filter->holdsFor(compared, value(compared))) continue;
-        }
-        answer.lines.push_back(formatMessage(details, {}));
-        showAttributes(answer.lines, rows, kind, selection, value);
-    }
-    return answer;
 }
 
 bool asksForHandles(const MqscCommand &command)
@@ -62,7 +42,7 @@ CommandAnswer displayQueueStatus(const MqscCommand &command)
     if (!selection.ok) return selection.answer;
 
     const auto show = [&](const auto &things) {
-        return display(things, rows, command.kind(), Message::QueueStatusDetails, selection,
+        return showAll(things, rows, command.kind(), Message::QueueStatusDetails, selection,
                        [](const auto &thing, const Attribute &attribute) { return statusOf(thing, attribute); });
     };
     InquiredObjects inquired = inquireObjects(command.attachment, name.name, command.kinds);
@@ -94,7 +74,7 @@ CommandAnswer displayConnections(const MqscCommand &command)
         return !objects::matchesGeneric(name.name, connectionName(connection));
     });
     const std::string &queueManager = command.attachment.queueManagerName();
-    CommandAnswer answer = display(connections, connectionAttributes(), command.kind(), Message::ConnectionDetails,
+    CommandAnswer answer = showAll(connections, connectionAttributes(), command.kind(), Message::ConnectionDetails,
                                    selection, [&](const store::ConnectionInfo &connection, const Attribute &attribute) {
                                        return statusOf(connection, queueManager, attribute);
                                    });

@@ -11,63 +11,60 @@
 namespace mqrig::qmgr::command {
 namespace {
 
-// What stands between the parentheses of the object word: any text, no object name.
-ReadName readText(const MqscCommand &command, std::size_t most)
-{
-    const MqscParameter &object = command.object();
-    const auto fault = [&](std::size_t offset, std::string_view reason) {
-        return ReadName{false, {}, syntaxFault(command.text, Message::SyntaxError, offset, reason)};
-    };
-    if (!object.hasValue) return fault(object.offset + object.keyword.size(), "a name in parentheses is missing");
-    if (object.values.size() > 1) return fault(object.values[1].offset, "only one name may be given");
-    const std::string text(object.value());
-    if (text.empty()) return fault(object.valueOffset(), "the name is empty");
-    if (text.size() > most)
-        return fault(object.valueOffset(), "at most " + std::to_string(most) + " bytes may be given");
-    return {true, text, {}};
-}
+enum class Verb { Define, Alter };
 
-struct ReadAttributes {
+struct ReadSubscription {
     bool ok = true;
-    std::vector<Assignment> attributes;
+    SubscriptionDefinition definition;
     CommandAnswer answer; // the fault
 };
-ReadAttributes readAttributes(const MqscCommand &command)
+ReadSubscription readSubscription(const MqscCommand &command, Verb verb)
 {
-    ReadAttributes read;
+    const auto fault = [](CommandAnswer answer) { return ReadSubscription{false, {}, std::move(answer)}; };
+    ReadName name = readText(command, MQ_SUB_NAME_LENGTH);
+    if (!name.ok) return fault(std::move(name.answer));
+    ReadSubscription read;
+    read.definition.name = std::move(name.name);
+    std::vector<Assignment> &attributes = read.definition.attributes;
     for (const MqscParameter &parameter : command.parameters()) {
+        const bool replaces = parameter.keyword == "REPLACE" || parameter.keyword == "NOREPLACE";
+        if (verb == Verb::Define && replaces && !parameter.hasValue) {
+            read.definition.replace = parameter.keyword == "REPLACE" ? Replace::Yes : Replace::No;
+            continue;
+        }
+        if (verb == Verb::Define && parameter.keyword == "LIKE" && parameter.values.size() == 1) {
+            read.definition.like = parameter.value();
+            continue;
+        }
         ReadAttribute one = readAttribute(command, subscriptionAttributes(), parameter);
-        if (!one.ok) return {false, {}, std::move(one.answer)};
+        if (!one.ok) return fault(std::move(one.answer));
         const auto same = [&](const Assignment &known) { return known.attribute == one.assignment.attribute; };
-        if (std::ranges::any_of(read.attributes, same))
-            return {
-                false, {}, syntaxFault(command.text, Message::DuplicateKeyword, parameter.offset, parameter.keyword)};
-        read.attributes.push_back(std::move(one.assignment));
+        if (std::ranges::any_of(attributes, same))
+            return fault(syntaxFault(command.text, Message::DuplicateKeyword, parameter.offset, parameter.keyword));
+        attributes.push_back(std::move(one.assignment));
     }
     return read;
-}
-
-using Change = Outcome (*)(store::Attachment &, const std::string &, const std::vector<Assignment> &);
-
-CommandAnswer change(const MqscCommand &command, Change make, Message done)
-{
-    const ReadName name = readText(command, MQ_SUB_NAME_LENGTH);
-    if (!name.ok) return name.answer;
-    const ReadAttributes read = readAttributes(command);
-    if (!read.ok) return read.answer;
-    return answerOf(make(command.attachment, name.name, read.attributes), done, name.name);
 }
 
 } // namespace
 
 CommandAnswer defineSubscription(const MqscCommand &command)
 {
-    return change(command, defineSubscription, Message::SubscriptionCreated);
+    const ReadSubscription read = readSubscription(command, Verb::Define);
+    if (!read.ok) return read.answer;
+    const Outcome defined = defineSubscription(command.attachment, read.definition);
+    // What is missing is what it was to be like.
+    const std::string &name = defined.Reason == MQRC_NO_SUBSCRIPTION ? read.definition.like : read.definition.name;
+    return answerOf(defined, Message::SubscriptionCreated, name);
 }
 
 CommandAnswer alterSubscription(const MqscCommand &command)
 {
-    return change(command, alterSubscription, Message::SubscriptionChanged);
+    const ReadSubscription read = readSubscription(command, Verb::Alter);
+    if (!read.ok) return read.answer;
+    const SubscriptionDefinition &change = read.definition;
+    return answerOf(alterSubscription(command.attachment, change.name, change.attributes), Message::SubscriptionChanged,
+                    change.name);
 }
 
 CommandAnswer deleteSubscription(const MqscCommand &command)
@@ -88,17 +85,11 @@ CommandAnswer displaySubscriptions(const MqscCommand &command)
     const Selection selection = readSelection(command, {.rows = rows}, name.name.ends_with('*'));
     if (!selection.ok) return selection.answer;
 
-    CommandAnswer answer;
-    for (const objects::Subscription &subscription : inquireSubscriptions(command.attachment, name.name)) {
-        const auto value = [&](const objects::Attribute &attribute) { return valueOf(subscription, attribute); };
-        if (selection.filter) {
-            const objects::Attribute &compared =
-                *objects::findKeyword(rows, command.kinds, selection.filter->keyword).attribute;
-            if (!selection.filter->holdsFor(compared, value(compared))) continue;
-        }
-        answer.lines.push_back(formatMessage(Message::SubscriptionDetails, {}));
-        showAttributes(answer.lines, rows, command.kind(), selection, value);
-    }
+    CommandAnswer answer =
+        showAll(inquireSubscriptions(command.attachment, name.name), rows, command.kind(), Message::SubscriptionDetails,
+                selection, [](const objects::StoredSubscription &stored, const objects::Attribute &attribute) {
+                    return valueOf(stored.subscription, attribute);
+                });
     if (!answer.lines.empty()) return answer;
     return {CommandResult::Failed, {formatMessage(Message::SubscriptionNotFound, name.name)}};
 }

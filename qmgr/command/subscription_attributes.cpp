@@ -90,7 +90,7 @@ constexpr Attribute rows[] = {
     text("PUBAPPID", MQCACF_APPL_IDENTITY_DATA, MQ_APPL_IDENTITY_DATA_LENGTH),
     number("PUBPRTY", MQIACF_PUB_PRIORITY, 0, 9, priorities),
     words("REQONLY", MQIACF_REQUEST_ONLY, requests),
-    text("SELECTOR", MQCACF_SUB_SELECTOR, MQ_SELECTOR_LENGTH, Access::Dynamic),
+    text("SELECTOR", MQCACF_SUB_SELECTOR, MQ_SELECTOR_LENGTH),
     text("SUB", MQCACF_SUB_NAME, MQ_SUB_NAME_LENGTH, Access::Identity),
     text("SUBID", MQBACF_SUB_ID, idDigits, Access::Dynamic),
     number("SUBLEVEL", MQIACF_SUB_LEVEL, 0, 9),
@@ -234,6 +234,9 @@ bool setValue(objects::Subscription &subscription, const Attribute &attribute, c
         break;
     case MQIACF_REQUEST_ONLY:
         subscription.onRequest = value.number == MQRU_PUBLISH_ON_REQUEST;
+        break;
+    case MQCACF_SUB_SELECTOR:
+        subscription.selector = value.text;
         break;
     case MQIACF_SUB_LEVEL:
         subscription.level = value.number;

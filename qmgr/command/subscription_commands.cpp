@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <tuple>
 #include <unistd.h>
 #include <utility>
 
@@ -9,9 +10,9 @@
 #include "qmgr/command/process_facts.h"
 #include "qmgr/command/subscription_attributes.h"
 #include "qmgr/objects/object_name.h"
-#include "qmgr/objects/publish_subscribe.h"
 #include "qmgr/objects/system_objects.h"
 #include "qmgr/objects/topic_tree.h"
+#include "qmgr/properties/selector.h"
 #include "qmgr/store/seams.h"
 
 namespace mqrig::qmgr::command {
@@ -49,6 +50,13 @@ Outcome assign(Subscription &subscription, const std::vector<Assignment> &attrib
     return success();
 }
 
+bool givesTopic(const std::vector<Assignment> &attributes)
+{
+    return std::ranges::any_of(attributes, [](const Assignment &given) {
+        return given.attribute->selector == MQCA_TOPIC_NAME || given.attribute->selector == MQCA_TOPIC_STRING;
+    });
+}
+
 // The topic string of the object, if one is named, in front of what is given beside it.
 Outcome resolveTopic(Attachment &attachment, Subscription &subscription)
 {
@@ -82,6 +90,86 @@ Outcome makeQueue(Attachment &attachment, const std::string &model, const std::s
     return attachment.define(made);
 }
 
+Outcome checkSelector(const std::string &selector)
+{
+    if (selector.empty()) return success();
+    properties::Selector compiled;
+    const MQLONG reason = properties::Selector::compile(selector, compiled);
+    if (reason == MQRC_NONE) return success();
+    return failure(reason == MQRC_SELECTOR_SYNTAX_ERROR ? MQRC_SELECTION_NOT_AVAILABLE : reason);
+}
+
+// What it is to be, but for what the store says of one of its name.
+Outcome describe(Attachment &attachment, const SubscriptionDefinition &definition, Subscription &subscription)
+{
+    if (!definition.like.empty()) {
+        auto like = objects::findSubscription(attachment, definition.like);
+        if (!like) return failure(MQRC_NO_SUBSCRIPTION);
+        subscription = std::move(like->subscription);
+        // The topic string has the object's in it. A managed one gets a queue of its own.
+        subscription.topicObject.clear();
+        if (subscription.managed) subscription.queue.clear();
+        subscription.keepsCorrelId = false;
+        subscription.grouped = false;
+    } else {
+        objects::fillField(subscription.applIdentityData, {});
+    }
+    subscription.id = newIdentifier(attachment);
+    subscription.correlId = newIdentifier(attachment);
+    subscription.name = definition.name;
+    subscription.durable = true;
+    subscription.type = MQSUBTYPE_ADMIN;
+    subscription.created = store::currentTime();
+    objects::fillField(subscription.user, userOf(getpid()));
+    if (givesTopic(definition.attributes)) subscription.topic.clear();
+    if (const Outcome assigned = assign(subscription, definition.attributes); assigned.failed()) return assigned;
+    if (const Outcome resolved = resolveTopic(attachment, subscription); resolved.failed()) return resolved;
+    return checkSelector(subscription.selector);
+}
+
+Outcome create(Attachment &attachment, Subscription subscription)
+{
+    const auto topic = objects::TopicTree(attachment.definitions(MQOT_TOPIC)).attributesOf(subscription.topic);
+    if (topic.subscribe == MQTA_SUB_INHIBITED) return failure(MQRC_SUB_INHIBITED);
+    if (topic.durableSubs == MQSUB_DURABLE_INHIBITED) return failure(MQRC_DURABILITY_NOT_ALLOWED);
+    if (subscription.managed) {
+        subscription.queue =
+            std::string(objects::durableQueuePrefix) + objects::hexadecimal(subscription.id).substr(32);
+        subscription.queueManager.clear();
+    }
+    if (subscription.queue.empty()) return failure(MQRC_INVALID_DESTINATION);
+    store::Definition definition = objects::definitionOf(subscription);
+    const Outcome defined = attachment.define(definition);
+    if (defined.Reason == MQRC_OBJECT_ALREADY_EXISTS) return failure(MQRC_SUB_ALREADY_EXISTS);
+    if (defined.failed() || !subscription.managed) return defined;
+    const Outcome made = makeQueue(attachment, topic.durableModel, subscription.queue);
+    if (made.failed()) (void)objects::removeSubscription(attachment, {definition, subscription}, objects::Handle::None);
+    return made;
+}
+
+Outcome replace(Attachment &attachment, objects::StoredSubscription known, Subscription changed)
+{
+    const Subscription &before = known.subscription;
+    if (!before.durable) return failure(MQRC_DURABILITY_NOT_ALTERABLE);
+    if (changed.topic != before.topic || changed.scheme != before.scheme ||
+        changed.scopeQueueManager != before.scopeQueueManager)
+        return failure(MQRC_TOPIC_NOT_ALTERABLE);
+    if (changed.selector != before.selector) return failure(MQRC_SELECTOR_NOT_ALTERABLE);
+    if (changed.level != before.level) return failure(MQRC_SUBLEVEL_NOT_ALTERABLE);
+    if (changed.managed != before.managed) return failure(MQRC_DEST_CLASS_NOT_ALTERABLE);
+    if (before.grouped) return failure(MQRC_GROUPING_NOT_ALTERABLE);
+    changed.id = before.id;
+    changed.created = before.created;
+    changed.topicObject = before.topicObject;
+    if (before.managed) {
+        changed.queue = before.queue;
+        changed.queueManager.clear();
+    }
+    if (changed.queue.empty()) return failure(MQRC_INVALID_DESTINATION);
+    const std::string seen = std::exchange(known.definition.bytes, changed.encode());
+    return attachment.alter(known.definition, seen);
+}
+
 // What ALTER may not change.
 Outcome checkAlterable(const Assignment &change)
 {
@@ -91,6 +179,8 @@ Outcome checkAlterable(const Assignment &change)
     case MQIACF_WILDCARD_SCHEMA:
     case MQIACF_SUBSCRIPTION_SCOPE:
         return failure(MQRC_TOPIC_NOT_ALTERABLE);
+    case MQCACF_SUB_SELECTOR:
+        return failure(MQRC_SELECTOR_NOT_ALTERABLE);
     case MQIACF_SUB_LEVEL:
         return failure(MQRC_SUBLEVEL_NOT_ALTERABLE);
     case MQIACF_DESTINATION_CLASS:
@@ -102,38 +192,20 @@ Outcome checkAlterable(const Assignment &change)
 
 } // namespace
 
-Outcome defineSubscription(Attachment &attachment, const std::string &name, const std::vector<Assignment> &attributes)
+Outcome defineSubscription(Attachment &attachment, const SubscriptionDefinition &definition)
 {
-    Subscription subscription;
-    subscription.id = newIdentifier(attachment);
-    subscription.correlId = newIdentifier(attachment);
-    subscription.name = name;
-    subscription.durable = true;
-    subscription.type = MQSUBTYPE_ADMIN;
-    subscription.created = store::currentTime();
-    objects::fillField(subscription.user, userOf(getpid()));
-    objects::fillField(subscription.applIdentityData, {});
-    if (const Outcome assigned = assign(subscription, attributes); assigned.failed()) return assigned;
-    if (const Outcome resolved = resolveTopic(attachment, subscription); resolved.failed()) return resolved;
-
-    const auto topic = objects::TopicTree(attachment.definitions(MQOT_TOPIC)).attributesOf(subscription.topic);
-    if (topic.subscribe == MQTA_SUB_INHIBITED) return failure(MQRC_SUB_INHIBITED);
-    if (topic.durableSubs == MQSUB_DURABLE_INHIBITED) return failure(MQRC_DURABILITY_NOT_ALLOWED);
-    if (subscription.managed) {
-        subscription.queue =
-            std::string(objects::durableQueuePrefix) + objects::hexadecimal(subscription.id).substr(32);
-        subscription.queueManager.clear();
+    Subscription made;
+    if (const Outcome described = describe(attachment, definition, made); described.failed()) return described;
+    for (;;) {
+        auto known = objects::findSubscription(attachment, definition.name); // which removes one that has expired
+        if (known && definition.replace == Replace::No) return failure(MQRC_SUB_ALREADY_EXISTS);
+        const Outcome defined = known ? replace(attachment, std::move(*known), made) : create(attachment, made);
+        // Somebody was faster.
+        const bool again = definition.replace == Replace::Yes &&
+                           (defined.Reason == MQRC_SUB_ALREADY_EXISTS || defined.Reason == MQRC_OBJECT_CHANGED ||
+                            defined.Reason == MQRC_UNKNOWN_OBJECT_NAME);
+        if (!again) return defined;
     }
-    if (subscription.queue.empty()) return failure(MQRC_INVALID_DESTINATION);
-
-    (void)objects::findSubscription(attachment, name); // which removes one that has expired
-    store::Definition definition = objects::definitionOf(subscription);
-    const Outcome defined = attachment.define(definition);
-    if (defined.Reason == MQRC_OBJECT_ALREADY_EXISTS) return failure(MQRC_SUB_ALREADY_EXISTS);
-    if (defined.failed() || !subscription.managed) return defined;
-    const Outcome made = makeQueue(attachment, topic.durableModel, subscription.queue);
-    if (made.failed()) (void)objects::removeSubscription(attachment, {definition, subscription}, objects::Handle::None);
-    return made;
 }
 
 Outcome alterSubscription(Attachment &attachment, const std::string &name, const std::vector<Assignment> &attributes)
@@ -162,17 +234,17 @@ Outcome deleteSubscription(Attachment &attachment, const std::string &name)
     return objects::removeSubscription(attachment, *known, objects::Handle::None);
 }
 
-std::vector<Subscription> inquireSubscriptions(Attachment &attachment, const std::string &genericName)
+std::vector<objects::StoredSubscription> inquireSubscriptions(Attachment &attachment, const std::string &genericName)
 {
-    std::vector<Subscription> found;
+    std::vector<objects::StoredSubscription> found;
     const std::int64_t now = store::currentTime();
-    for (const store::Definition &stored : attachment.definitions(store::subscriptions)) {
+    for (store::Definition &stored : attachment.definitions(store::subscriptions)) {
         auto subscription = Subscription::decode(stored.bytes);
         if (subscription && !subscription->expired(now) && objects::matchesGeneric(genericName, subscription->name))
-            found.push_back(std::move(*subscription));
+            found.push_back({std::move(stored), std::move(*subscription)});
     }
-    std::ranges::sort(found, [](const Subscription &left, const Subscription &right) {
-        return left.name != right.name ? left.name < right.name : left.id < right.id;
+    std::ranges::sort(found, {}, [](const objects::StoredSubscription &stored) {
+        return std::tie(stored.subscription.name, stored.subscription.id);
     });
     return found;
 }

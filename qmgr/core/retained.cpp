@@ -28,15 +28,6 @@ struct Kept {
 };
 static_assert(sizeof(Kept) <= sizeof(store::MessageHeader::spare));
 
-std::string topicIn(std::span<const std::byte> record)
-{
-    std::vector<properties::Property> all;
-    (void)properties::readRecord(record, all);
-    for (const properties::Property &property : all)
-        if (property.name == "mqps.Top") return property.value;
-    return {};
-}
-
 bool isOver(const store::MessageHeader &header, std::int64_t now)
 {
     return header.expiryDeadline != 0 && header.expiryDeadline <= now;
@@ -46,7 +37,7 @@ std::string topicAt(store::MessageCursor &cursor)
 {
     const std::size_t properties = cursor.header().coreLength;
     const std::span<const std::byte> stored = cursor.body();
-    return topicIn(stored.first(std::min(properties, stored.size())));
+    return properties::textIn(stored.first(std::min(properties, stored.size())), "mqps.Top");
 }
 
 // The messages under the cursor whose topic matches, by topic.

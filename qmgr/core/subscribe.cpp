@@ -253,8 +253,7 @@ private:
         if (defined.failed()) return defined;
         definition.queue = stored.queue;
         open.id = stored.queue;
-        if (!open.owned)
-            if (const Outcome counted = countUse(open.id); counted.failed()) return counted;
+        if (const Outcome counted = countUse(open.id); counted.failed()) return counted;
         return open.subscription.managed ? openManaged(open.subscription, model) : success();
     }
 

@@ -27,16 +27,18 @@ Outcome closeSubscription(Connection &connection, MQHOBJ hsub, MQLONG options)
     const std::unique_ptr<OpenObject> object = connection.handles.remove(hsub);
     const OpenSubscription &closed = *object->subscription;
     store::Attachment &store = *connection.store;
+    Outcome gone;
     if (closed.owned || (options & MQCO_REMOVE_SUB) != 0) {
         StoredSubscription removed{objects::definitionOf(closed.subscription), closed.subscription};
         removed.definition.queue = closed.id;
-        const Outcome gone = objects::removeSubscription(store, removed, Handle::Own);
-        return gone.Reason == MQRC_NO_SUBSCRIPTION ? success() : gone;
+        gone = objects::removeSubscription(store, removed, Handle::Own);
+        if (closed.owned) return gone;
     }
-    return store.update(0, [&](store::WriteTransaction &transaction) {
+    const Outcome counted = store.update(0, [&](store::WriteTransaction &transaction) {
         transaction.addOpens(closed.id, -oneUse);
         return success();
     });
+    return gone.failed() && gone.Reason != MQRC_NO_SUBSCRIPTION ? gone : counted;
 }
 
 Outcome reopenSubscription(Connection &connection, OpenObject &object)
@@ -45,13 +47,13 @@ Outcome reopenSubscription(Connection &connection, OpenObject &object)
     store::Attachment &store = *connection.store;
     if (open.owned) {
         store::Definition definition = objects::definitionOf(open.subscription);
-        const Outcome defined = store.defineTemporary(definition);
-        if (!defined.failed()) open.id = definition.queue;
-        return defined;
+        if (const Outcome defined = store.defineTemporary(definition); defined.failed()) return defined;
+        open.id = definition.queue;
+    } else {
+        const auto stored = store.findDefinition(store::subscriptions, objects::keyOf(open.subscription));
+        if (!stored) return failure(MQRC_NO_SUBSCRIPTION);
+        open.id = stored->queue;
     }
-    const auto stored = store.findDefinition(store::subscriptions, objects::keyOf(open.subscription));
-    if (!stored) return failure(MQRC_NO_SUBSCRIPTION);
-    open.id = stored->queue;
     return store.update(0, [&](store::WriteTransaction &transaction) {
         if (transaction.queue(open.id).opens.input != 0) return failure(MQRC_SUBSCRIPTION_IN_USE);
         transaction.addOpens(open.id, oneUse);

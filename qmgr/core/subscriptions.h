@@ -30,7 +30,7 @@ struct Subscriber {
 // Null where topic or selector are none: a damaged record.
 std::shared_ptr<Subscriber> subscriberOf(store::QueueId id, objects::Subscription subscription);
 
-// What the handle of a durable subscription counts as on it: one at a time.
+// What a handle counts as on its subscription: one at a time.
 inline constexpr store::OpenCounts oneUse{.input = 1, .exclusive = 1, .output = 0, .browse = 0, .together = 0};
 
 class Subscriptions {

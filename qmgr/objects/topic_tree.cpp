@@ -62,6 +62,20 @@ TopicAttributes attributesIn(const ObjectDefinition &object)
 
 } // namespace
 
+MQLONG TopicAttributes::number(MQLONG selector) const
+{
+    for (const Inherited &one : inherited)
+        if (one.selector == selector) return this->*one.place;
+    return 0;
+}
+
+std::string_view TopicAttributes::text(MQLONG selector) const
+{
+    for (const InheritedText &one : inheritedTexts)
+        if (one.selector == selector) return this->*one.place;
+    return {};
+}
+
 TopicTree::TopicTree(std::span<const store::Definition> definitions) : base_(ObjectKind::Topic, baseTopic)
 {
     for (const store::Definition &stored : definitions) {

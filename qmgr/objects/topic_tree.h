@@ -38,6 +38,10 @@ struct TopicAttributes {
     // with a wildcard in one of these levels do not reach the topic.
     std::size_t blockedLevels = 0;
 
+    // By the selector of the topic object's attribute; 0 and empty for attributes that are not inherited.
+    MQLONG number(MQLONG selector) const;
+    std::string_view text(MQLONG selector) const;
+
     bool reachedBy(const TopicPattern &pattern) const
     {
         return !pattern.hasWildcards() || pattern.levelsBeforeWildcard() >= blockedLevels;

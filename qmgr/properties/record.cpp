@@ -73,4 +73,13 @@ bool readRecord(std::span<const std::byte> record, std::vector<Property> &proper
     return true;
 }
 
+std::string textIn(std::span<const std::byte> record, std::string_view name)
+{
+    std::vector<Property> properties;
+    static_cast<void>(readRecord(record, properties));
+    for (const Property &property : properties)
+        if (property.name == name) return property.value;
+    return {};
+}
+
 } // namespace mqrig::qmgr::properties

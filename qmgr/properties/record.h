@@ -7,6 +7,8 @@
 
 #include <cstddef>
 #include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "qmgr/properties/property.h"
@@ -17,5 +19,8 @@ void appendRecord(const Property &property, std::vector<std::byte> &record);
 
 // Appends the properties; false where the record is damaged: those before the damage have been read.
 bool readRecord(std::span<const std::byte> record, std::vector<Property> &properties);
+
+// The value of the property of that name, which is a text; empty where there is none.
+std::string textIn(std::span<const std::byte> record, std::string_view name);
 
 } // namespace mqrig::qmgr::properties

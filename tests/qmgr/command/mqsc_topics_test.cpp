@@ -36,7 +36,7 @@ TEST_F(MqscTopics, TopicStringIsNeededUniqueAndForEver)
     EXPECT_EQ(run("DEF TOPIC(A) TOPICSTR(a)").result, CommandResult::Done);
     EXPECT_EQ(answer("DEF TOPIC(B) TOPICSTR(a)"),
               "AMQ8404E: The command failed: another topic object has this TOPICSTR.\n");
-    EXPECT_EQ(answer("ALTER TOPIC(A) TOPICSTR(b)"), "AMQ8404E: The command failed: TOPICSTR cannot be altered.\n");
+    EXPECT_EQ(answer("ALTER TOPIC(A) TOPICSTR(b)"), "AMQ8404E: The command failed: the topic cannot be altered.\n");
     EXPECT_EQ(run("DEF TOPIC(A) TOPICSTR(a) REPLACE DEFPRTY(1)").result, CommandResult::Done);
 }
 
@@ -91,6 +91,98 @@ TEST_F(MqscTopics, SubscriptionThatCannotBeIsRefused)
                                 "DEF SUB(S) TOPICSTR(t) TOPICSTR(u)", "DEF SUB(S) FROB(1)", "DELETE SUB(S) PURGE"})
         EXPECT_EQ(run(command).result, CommandResult::SyntaxError) << command;
     EXPECT_EQ(run("DIS SUB(*)").result, CommandResult::Failed);
+}
+
+TEST_F(MqscTopics, SelectorIsJudgedWhenItIsDefined)
+{
+    EXPECT_EQ(run("DEF SUB(S) TOPICSTR(t) DEST(Q1) SELECTOR('color = ''red''')").result, CommandResult::Done);
+    EXPECT_EQ(answer("DIS SUB(S) SELECTOR"), "AMQ8096I: Subscription details:\n"
+                                             "   SUB(S)                                  SELECTOR(color = 'red')\n");
+    EXPECT_EQ(answer("DEF SUB(T) TOPICSTR(t) DEST(Q1) SELECTOR('color = ')"),
+              "AMQ8404E: The command failed: SELECTOR is no selection string.\n");
+    EXPECT_EQ(answer("DEF SUB(T) TOPICSTR(t) DEST(Q1) SELECTOR('1 = 2')"),
+              "AMQ8404E: The command failed: SELECTOR is never true.\n");
+    EXPECT_EQ(answer("ALTER SUB(S) SELECTOR('a = 1')"), "AMQ8404E: The command failed: SELECTOR cannot be altered.\n");
+}
+
+TEST_F(MqscTopics, SubscriptionIsReplacedAsFarAsItCanBeAltered)
+{
+    ASSERT_EQ(run("DEF SUB(S) TOPICSTR(t) DEST(Q1) USERDATA('one') PUBPRTY(3)").result, CommandResult::Done);
+    const std::string id = answer("DIS SUB(S) SUBID");
+    EXPECT_EQ(answer("DEF SUB(S) TOPICSTR(t) DEST(Q2) USERDATA('two') NOREPLACE"),
+              "AMQ8150E: Subscription S exists already.\n");
+    EXPECT_EQ(answer("DEF SUB(S) TOPICSTR(t) DEST(Q2) USERDATA('two') REPLACE"),
+              "AMQ8094I: Subscription S was created.\n");
+    EXPECT_EQ(answer("DIS SUB(S) DEST PUBPRTY USERDATA"), "AMQ8096I: Subscription details:\n"
+                                                          "   SUB(S)                                  DEST(Q2)\n"
+                                                          "   PUBPRTY(ASPUB)                          USERDATA(two)\n");
+    EXPECT_EQ(answer("DIS SUB(S) SUBID"), id);
+    const auto fails = [this](const std::string &attributes, const std::string &because) {
+        EXPECT_EQ(answer("DEF SUB(S) REPLACE " + attributes), "AMQ8404E: The command failed: " + because + ".\n");
+    };
+    fails("TOPICSTR(u) DEST(Q2)", "the topic cannot be altered");
+    fails("TOPICSTR(t) DEST(Q2) WSCHEMA(CHAR)", "the topic cannot be altered");
+    fails("TOPICSTR(t) DEST(Q2) SELECTOR('a = 1')", "SELECTOR cannot be altered");
+    fails("TOPICSTR(t) DEST(Q2) SUBLEVEL(2)", "SUBLEVEL cannot be altered");
+    fails("TOPICSTR(t) DESTCLAS(MANAGED)", "the queue of a managed subscription cannot be altered");
+    EXPECT_EQ(run("DEF SUB(NEW) TOPICSTR(t) DEST(Q1) REPLACE").result, CommandResult::Done);
+    EXPECT_EQ(run("ALTER SUB(S) REPLACE").result, CommandResult::SyntaxError);
+}
+
+TEST_F(MqscTopics, SubscriptionIsMadeLikeAnother)
+{
+    ASSERT_EQ(run("DEF SUB(S) TOPICSTR('a/#') DEST(Q1) USERDATA('data') PUBPRTY(3) SUBLEVEL(4)").result,
+              CommandResult::Done);
+    EXPECT_EQ(run("DEF SUB(T) LIKE(S) USERDATA('other')").result, CommandResult::Done);
+    EXPECT_EQ(answer("DIS SUB(T) DEST PUBPRTY SUBLEVEL TOPICSTR USERDATA"),
+              "AMQ8096I: Subscription details:\n"
+              "   SUB(T)                                  DEST(Q1)\n"
+              "   PUBPRTY(3)                              SUBLEVEL(4)\n"
+              "   TOPICSTR(a/#)                           USERDATA(other)\n");
+    EXPECT_NE(answer("DIS SUB(T) SUBID").substr(60), answer("DIS SUB(S) SUBID").substr(60));
+    EXPECT_EQ(run("DEF SUB(U) LIKE(S) TOPICSTR('b')").result, CommandResult::Done);
+    EXPECT_NE(answer("DIS SUB(U) TOPICSTR").find("TOPICSTR(b)"), std::string::npos);
+    EXPECT_EQ(run("DEF SUB(M) TOPICSTR('m') DESTCLAS(MANAGED)").result, CommandResult::Done);
+    EXPECT_EQ(run("DEF SUB(N) LIKE(M)").result, CommandResult::Done);
+    EXPECT_NE(answer("DIS SUB(M) DEST").substr(60), answer("DIS SUB(N) DEST").substr(60));
+    EXPECT_EQ(answer("DEF SUB(V) LIKE(NONE)"), "AMQ8147E: There is no subscription NONE.\n");
+}
+
+TEST_F(MqscTopics, StatusOfASubscriptionTellsWhoHasItOpen)
+{
+    ASSERT_EQ(run("DEF SUB(S) TOPICSTR('t') DEST(Q1)").result, CommandResult::Done);
+    EXPECT_NE(answer("DIS SBSTATUS(S)").find("ACTCONN( )"), std::string::npos) << answer("DIS SBSTATUS(S)");
+    EXPECT_NE(answer("DIS SBSTATUS(S)").find("TOPICSTR(t)"), std::string::npos);
+    const auto other = connect();
+    open(*other, other->definitions(store::subscriptions).front().queue,
+         {.input = 1, .exclusive = 1, .output = 0, .browse = 0});
+    EXPECT_NE(answer("DIS SBSTATUS(*) ACTCONN").find("ACTCONN(414D5143514D31"), std::string::npos);
+    EXPECT_EQ(answer("DIS SBSTATUS(T)"), "AMQ8147E: There is no subscription T.\n");
+}
+
+TEST_F(MqscTopics, StatusOfATopicTellsWhatHoldsThere)
+{
+    ASSERT_EQ(run("DEF TOPIC(A) TOPICSTR('a') DEFPRTY(5)").result, CommandResult::Done);
+    ASSERT_EQ(run("DEF SUB(S) TOPICSTR('a/b/c') DEST(Q1)").result, CommandResult::Done);
+    ASSERT_EQ(run("DEF SUB(T) TOPICSTR('a/b/c') DEST(Q1)").result, CommandResult::Done);
+    EXPECT_EQ(answer("DIS TPSTATUS('a/b/c') ADMIN DEFPRTY RETAINED SUB SUBCOUNT"),
+              "AMQ8754I: Topic status details:\n"
+              "   TOPICSTR(a/b/c)                         ADMIN( )\n"
+              "   DEFPRTY(5)                              RETAINED(NO)\n"
+              "   SUB(ENABLED)                            SUBCOUNT(2)\n");
+    EXPECT_EQ(answer("DIS TPS('a/+') TYPE(TOPIC) SUBCOUNT"),
+              "AMQ8754I: Topic status details:\n"
+              "   TOPICSTR(a/b)                           SUBCOUNT(0)\n");
+    EXPECT_EQ(answer("DIS TPSTATUS('a') ADMIN"), "AMQ8754I: Topic status details:\n"
+                                                 "   TOPICSTR(a)                             ADMIN(A)\n");
+    EXPECT_EQ(answer("DIS TPSTATUS('x')"), "AMQ8147E: There is no topic x.\n");
+    EXPECT_EQ(answer("DIS PUBSUB"), "AMQ8723I: Publish/subscribe status details:\n"
+                                    "   TYPE(LOCAL)                             QMNAME(QM1)\n"
+                                    "   STATUS(ACTIVE)                          SUBCOUNT(2)\n"
+                                    "   TPCOUNT(4)\n");
+    ASSERT_EQ(run("ALTER QMGR PSMODE(DISABLED)").result, CommandResult::Done);
+    EXPECT_NE(answer("DIS PUBSUB TYPE(LOCAL) STATUS").find("STATUS(INACTIVE)"), std::string::npos);
+    EXPECT_EQ(run("DIS PUBSUB(QM1)").result, CommandResult::SyntaxError);
 }
 
 TEST_F(MqscTopics, OpenSubscriptionIsNotDeleted)
