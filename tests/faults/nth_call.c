@@ -145,32 +145,47 @@ __attribute__((constructor)) static void readEnvironment(void)
     }
 }
 
+/* Writes what is open that was not at the start, if there is somewhere to write; how many there are. */
+static int leftOpen(FILE *report)
+{
+    const char *record = getenv("MQRIG_RECORD");
+    const char *script = getenv("MQRIG_SCRIPT");
+    int found = 0;
+    int i;
+    for (i = 0; i < DESCRIPTORS; ++i) {
+        char link[32];
+        char target[4096] = "";
+        if (openAtStart[i] || (report != NULL && i == fileno(report)) || !isOpen(i)) continue;
+        snprintf(link, sizeof link, "/proc/self/fd/%d", i);
+        /* Closed since: a thread that still runs is at its script. */
+        if (readlink(link, target, sizeof target - 1) < 0) continue;
+        /* The scripted MQI library keeps its record open to the end, and may be at its script. */
+        if ((record != NULL && strcmp(record, target) == 0) || (script != NULL && strcmp(script, target) == 0))
+            continue;
+        ++found;
+        if (report != NULL) fprintf(report, "descriptor %d %s\n", i, target);
+    }
+    return found;
+}
+
 __attribute__((destructor)) static void writeReport(void)
 {
     const char *path = getenv("MQRIG_TEST_NTH_REPORT");
-    const char *record = getenv("MQRIG_RECORD");
-    const char *script = getenv("MQRIG_SCRIPT");
+    const struct timespec moment = {.tv_nsec = 10 * 1000 * 1000};
     FILE *report;
     int i;
     if (getenv("MQRIG_TEST_NTH") == NULL || path == NULL) return;
     nthCallDisarm();
+    /* The program may end while threads of it are in the middle of a call. */
+    for (i = 0; i < 200 && leftOpen(NULL) != 0; ++i)
+        nanosleep(&moment, NULL);
     report = fopen(path, "we");
     if (report == NULL) abort();
     for (i = 0; i < CallClasses; ++i)
         fprintf(report, "%s %ld\n", names[i], nthCallCount((enum CallClass)i));
     fprintf(report, "failed %ld\n", nthCallFailed());
-    for (i = 0; i < DESCRIPTORS; ++i) {
-        char link[32];
-        char target[4096] = "";
-        if (openAtStart[i] || i == fileno(report) || !isOpen(i)) continue;
-        snprintf(link, sizeof link, "/proc/self/fd/%d", i);
-        /* Closed since: a thread that still runs is at its script. */
-        if (readlink(link, target, sizeof target - 1) < 0) continue;
-        /* The scripted MQI library keeps its record open to the end, and may be at its script. */
-        if ((record == NULL || strcmp(record, target) != 0) && (script == NULL || strcmp(script, target) != 0))
-            fprintf(report, "descriptor %d %s\n", i, target);
-    }
-    fclose(report);
+    leftOpen(report);
+    if (fclose(report) != 0) abort();
 }
 
 /* ---- Memory: the sanitizer's allocator where there is one, else the C library's ---- */
