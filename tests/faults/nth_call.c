@@ -145,46 +145,57 @@ __attribute__((constructor)) static void readEnvironment(void)
     }
 }
 
-/* Writes what is open that was not at the start, if there is somewhere to write; how many there are. */
-static int leftOpen(FILE *report)
+/* What the descriptor stands for, if it was not open at the start and nobody else is to close it; else empty. */
+static void leftOpen(int fd, char *target, size_t size)
 {
     const char *record = getenv("MQRIG_RECORD");
     const char *script = getenv("MQRIG_SCRIPT");
-    int found = 0;
-    int i;
-    for (i = 0; i < DESCRIPTORS; ++i) {
-        char link[32];
-        char target[4096] = "";
-        if (openAtStart[i] || (report != NULL && i == fileno(report)) || !isOpen(i)) continue;
-        snprintf(link, sizeof link, "/proc/self/fd/%d", i);
-        /* Closed since: a thread that still runs is at its script. */
-        if (readlink(link, target, sizeof target - 1) < 0) continue;
-        /* The scripted MQI library keeps its record open to the end, and may be at its script. */
-        if ((record != NULL && strcmp(record, target) == 0) || (script != NULL && strcmp(script, target) == 0))
-            continue;
-        ++found;
-        if (report != NULL) fprintf(report, "descriptor %d %s\n", i, target);
-    }
-    return found;
+    char link[32];
+    ssize_t length = -1;
+    target[0] = '\0';
+    if (openAtStart[fd] || !isOpen(fd)) return;
+    snprintf(link, sizeof link, "/proc/self/fd/%d", fd);
+    length = readlink(link, target, size - 1);
+    target[length < 0 ? 0 : length] = '\0';
+    /* The scripted MQI library keeps its record open to the end, and may be at its script. */
+    if ((record != NULL && strcmp(record, target) == 0) || (script != NULL && strcmp(script, target) == 0))
+        target[0] = '\0';
 }
 
 __attribute__((destructor)) static void writeReport(void)
 {
     const char *path = getenv("MQRIG_TEST_NTH_REPORT");
     const struct timespec moment = {.tv_nsec = 10 * 1000 * 1000};
+    char left[DESCRIPTORS];
+    char target[4096];
     FILE *report;
+    int found = 1;
+    int look;
     int i;
     if (getenv("MQRIG_TEST_NTH") == NULL || path == NULL) return;
     nthCallDisarm();
-    /* The program may end while threads of it are in the middle of a call. */
-    for (i = 0; i < 200 && leftOpen(NULL) != 0; ++i)
-        nanosleep(&moment, NULL);
+    /* The program may end while threads of it are in the middle of a call: left open is what stays so. */
+    memset(left, 1, sizeof left);
+    for (look = 0; look < 100 && found != 0; ++look) {
+        if (look != 0) nanosleep(&moment, NULL);
+        found = 0;
+        for (i = 0; i < DESCRIPTORS; ++i) {
+            if (!left[i]) continue;
+            leftOpen(i, target, sizeof target);
+            left[i] = target[0] != '\0';
+            found += left[i];
+        }
+    }
     report = fopen(path, "we");
     if (report == NULL) abort();
     for (i = 0; i < CallClasses; ++i)
         fprintf(report, "%s %ld\n", names[i], nthCallCount((enum CallClass)i));
     fprintf(report, "failed %ld\n", nthCallFailed());
-    leftOpen(report);
+    for (i = 0; i < DESCRIPTORS; ++i) {
+        if (!left[i]) continue;
+        leftOpen(i, target, sizeof target);
+        fprintf(report, "descriptor %d %s\n", i, target);
+    }
     if (fclose(report) != 0) abort();
 }
 
