@@ -151,13 +151,14 @@ constexpr OptionRow matchRows[] = {
     done("MQMO_MATCH_OFFSET", MQMO_MATCH_OFFSET),     done("MQMO_MATCH_MSG_TOKEN", MQMO_MATCH_MSG_TOKEN),
 };
 
+constexpr std::string_view ofChannels = "a channel reports what it cannot deliver, and there are no channels";
 constexpr std::string_view forReceiver = "it tells the program that answers the message what to do";
 constexpr std::string_view mqiReserves = "the MQI reserves the bits and wants them accepted";
 
 constexpr OptionRow reportRows[] = {
-    done("MQRO_EXCEPTION", MQRO_EXCEPTION),
-    done("MQRO_EXCEPTION_WITH_DATA", 0x02000000),
-    done("MQRO_EXCEPTION_WITH_FULL_DATA", 0x04000000),
+    noEffect("MQRO_EXCEPTION", MQRO_EXCEPTION, ofChannels),
+    noEffect("MQRO_EXCEPTION_WITH_DATA", 0x02000000, ofChannels),
+    noEffect("MQRO_EXCEPTION_WITH_FULL_DATA", 0x04000000, ofChannels),
     done("MQRO_EXPIRATION", MQRO_EXPIRATION),
     done("MQRO_EXPIRATION_WITH_DATA", 0x00400000),
     done("MQRO_EXPIRATION_WITH_FULL_DATA", 0x00800000),

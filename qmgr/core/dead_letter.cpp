@@ -7,7 +7,6 @@
 
 #include "qmgr/core/groups.h"
 #include "qmgr/core/md_extension.h"
-#include "qmgr/core/reports.h"
 #include "qmgr/core/system_put.h"
 #include "qmgr/objects/object_name.h"
 
@@ -91,14 +90,9 @@ Outcome putOrDeadLetter(Connection &connection, UnitOfWork &unit, const ObjectNa
 {
     const Outcome put = putOnOwnQueue(connection, unit, destination, message);
     if (!put.failed()) return put;
-    const std::size_t kept = unit.puts();
-    if ((message.header.md.Report & MQRO_DISCARD_MSG) == 0) {
-        const Outcome saved = putOnDeadLetterQueue(connection, unit, put.Reason, destination, message);
-        if (saved.failed()) return put;
-    }
-    const Outcome reported = reportException(connection, unit, message, put.Reason);
-    if (reported.failed()) unit.takeBackPuts(*connection.store, kept);
-    return reported.failed() ? reported : success();
+    if ((message.header.md.Report & MQRO_DISCARD_MSG) != 0) return success();
+    const Outcome saved = putOnDeadLetterQueue(connection, unit, put.Reason, destination, message);
+    return saved.failed() ? put : success();
 }
 
 } // namespace mqrig::qmgr::core

@@ -11,8 +11,8 @@
 namespace mqrig::qmgr::core {
 
 // Puts the message on the queue that `destination` names; if that cannot be, on the dead-letter queue, with an MQDLH
-// that says why; a message with MQRO_DISCARD_MSG is dropped instead. Either way an exception report goes out if the
-// message asks for one. Failed: the message is on no queue, because of the reason answered, that of its own queue.
+// that says why; a message with MQRO_DISCARD_MSG is dropped instead. Failed: the message is on no queue, because of the
+// reason answered, that of its own queue.
 Outcome putOrDeadLetter(Connection &connection, UnitOfWork &unit, const ObjectName &destination,
                         store::NewMessage &message);
 

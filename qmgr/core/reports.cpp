@@ -154,12 +154,4 @@ Outcome reportExpiration(Connection &connection, UnitOfWork &unit, const store::
     return reportStored(connection, unit, key, header, expiration, MQFB_EXPIRATION);
 }
 
-Outcome reportException(Connection &connection, UnitOfWork &unit, const store::NewMessage &message, MQLONG reason)
-{
-    const store::MessageHeader &header = message.header;
-    if (!wantsExceptionReport(header.md)) return success();
-    return send(connection, unit, header, message.body.size() - header.coreLength,
-                reportedPart(exception, header, message.body), reason);
-}
-
 } // namespace mqrig::qmgr::core

@@ -4,7 +4,8 @@
 //   COA         the put, when the message is on its queue; not on a transmission queue, where it has not arrived
 //   COD         the get that removes the message
 //   expiration  whoever meets the message after its time (expiry.h)
-//   exception   the put of a message that ends on the dead-letter queue (dead_letter.h)
+//
+// An exception is reported by the channel that cannot deliver a message, and there are no channels.
 //
 // A report stands in the same unit of work as what it reports: one is never seen without the other. It goes to the
 // message's reply-to queue, else to the dead-letter queue; where neither takes it, it is dropped and the call goes on.
@@ -35,10 +36,6 @@ inline bool wantsExpirationReport(const MQMD &md)
 {
     return (md.Report & MQRO_EXPIRATION) != 0;
 }
-inline bool wantsExceptionReport(const MQMD &md)
-{
-    return (md.Report & MQRO_EXCEPTION) != 0;
-}
 
 // Whether each kind of report is asked for with one amount of data: the MQI's names are no bits to be combined.
 bool areReportOptionsValid(MQLONG report);
@@ -50,7 +47,5 @@ Outcome reportDelivery(Connection &connection, UnitOfWork &unit, const store::Me
                        const store::MessageHeader &header);
 Outcome reportExpiration(Connection &connection, UnitOfWork &unit, const store::MessageKey &key,
                          const store::MessageHeader &header);
-// About a message that could not be put, for `reason`.
-Outcome reportException(Connection &connection, UnitOfWork &unit, const store::NewMessage &message, MQLONG reason);
 
 } // namespace mqrig::qmgr::core

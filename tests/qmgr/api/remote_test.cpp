@@ -170,6 +170,8 @@ TEST_F(Remote, FullTransmissionQueueIs2053)
 TEST_F(Remote, BitsReservedForElsewhereAreRefusedHere)
 {
     const MQHOBJ q1 = open(hconn, "Q1", MQOO_OUTPUT);
+    EXPECT_EQ(MQRO_ACCEPT_UNSUP_IF_XMIT_MASK & 0x00038000, 0x00038000);
+    EXPECT_EQ(MQMF_ACCEPT_UNSUP_IF_XMIT_MASK & 0x00080000, 0x00080000);
     for (const MQLONG bit : {0x00008000, 0x00010000, 0x00020000}) {
         MQMD md = {MQMD_DEFAULT};
         md.Report = bit;

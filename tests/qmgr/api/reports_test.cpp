@@ -278,6 +278,18 @@ TEST_F(Reports, ExpirationIsReportedByWhoeverMeetsTheMessage)
     }
 }
 
+TEST_F(Reports, ExpirationIsReportedWithSomeDataWhereThatIsAskedFor)
+{
+    const Clock clock;
+    const std::string body = letters(250);
+    MQMD md = asking(MQRO_EXPIRATION_WITH_DATA);
+    md.Expiry = 10;
+    ASSERT_EQ(put(hconn, q1, body, md), ok);
+    Clock::pass(2);
+    EXPECT_EQ(get(hconn, q1).codes, failed(MQRC_NO_MSG_AVAILABLE));
+    EXPECT_EQ(report().body, body.substr(0, 100));
+}
+
 TEST_F(Reports, ExpiredMessagesInFrontDoNotKeepTheNextOneBack)
 {
     const Clock clock;

@@ -153,6 +153,24 @@ TEST(Conformance, EveryReasonOfTheSourcesIsAnsweredOrToldElsewhere)
         }
 }
 
+TEST(Conformance, OptionsThatAreDoneAreNamedByATest)
+{
+    std::set<std::string> named;
+    static const std::regex option("MQ[A-Z]+_\\w+");
+    for (const std::filesystem::path &source : sourcesIn(std::string(SOURCES) + "/tests/qmgr")) {
+        const std::string text = contentsOf(source);
+        for (std::sregex_iterator found(text.begin(), text.end(), option), end; found != end; ++found)
+            named.insert(found->str());
+    }
+    for (std::size_t field = 0; field < qmgr::api::optionFields; ++field)
+        for (const qmgr::api::OptionRow &row : qmgr::api::optionRows(static_cast<qmgr::api::OptionField>(field))) {
+            std::string name(row.name);
+            constexpr std::string_view reserved = "_RESERVED";
+            if (name.ends_with(reserved)) name.resize(name.size() - reserved.size());
+            EXPECT_TRUE(row.treatment != Treatment::Done || named.contains(name)) << name;
+        }
+}
+
 // What a structure begins with is looked at by every test that uses it.
 TEST(Conformance, FieldsThatAreDoneAreNamedByATest)
 {
