@@ -145,7 +145,7 @@ std::optional<Stored> readStored(store::Attachment &attachment, const store::Mes
 Outcome retain(Connection &connection, UnitOfWork &unit, const std::string &topic, const store::NewMessage &message)
 {
     const objects::FoundQueue queue = findSystemQueue(connection, objects::retainedQueue);
-    if (queue.outcome.failed()) return failure(MQRC_PUT_NOT_RETAINED);
+    if (queue.outcome.failed()) return isOfStore(queue.outcome) ? queue.outcome : failure(MQRC_PUT_NOT_RETAINED);
     const store::QueueId id = queue.hold.queue->id;
     ByTopic former;
     if (const Outcome found = search(*connection.store, id, patternOf(topic), former); found.failed()) return found;
@@ -168,7 +168,7 @@ Outcome sendRetained(Connection &connection, Subscriber &subscriber, MQLONG &num
     number = 0;
     if (subscriber.subscription.level > retainedLevel) return success();
     const objects::FoundQueue queue = findSystemQueue(connection, objects::retainedQueue);
-    if (queue.outcome.failed()) return failure(MQRC_RETAINED_MSG_Q_ERROR);
+    if (queue.outcome.failed()) return isOfStore(queue.outcome) ? queue.outcome : failure(MQRC_RETAINED_MSG_Q_ERROR);
     ByTopic found;
     const Outcome searched = search(*connection.store, queue.hold.queue->id, subscriber.pattern, found);
     if (searched.failed()) return searched;

@@ -253,7 +253,11 @@ private:
         if (defined.failed()) return defined;
         definition.queue = stored.queue;
         open.id = stored.queue;
-        if (const Outcome counted = countUse(open.id); counted.failed()) return counted;
+        Outcome counted = countUse(open.id);
+        // What is in the log is there, but it may take another look to bring it to the live state.
+        if (counted.Reason == MQRC_NO_SUBSCRIPTION && store_.findDefinition(stored.type, stored.name))
+            counted = countUse(open.id);
+        if (counted.failed()) return counted;
         return open.subscription.managed ? openManaged(open.subscription, model) : success();
     }
 

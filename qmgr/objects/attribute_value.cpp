@@ -119,6 +119,9 @@ std::string formatAttribute(const Attribute &attribute, const AttributeValue &va
     std::string shown;
     if (attribute.isText()) {
         shown = value.text.empty() ? " " : value.text;
+        // Texts of programs, such as topic strings, may have anything in them.
+        for (char &c : shown)
+            if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) c = '.';
     } else if (const Word *word = findWord(attribute, value.number)) {
         if (attribute.value == ValueKind::Flag) return std::string(word->keyword);
         shown = word->keyword;

@@ -238,7 +238,8 @@ Outcome Attachment::commit(const Unit &unit)
 
 Outcome Attachment::backOut(const Unit &unit)
 {
-    return store_->backOut(slot_, unit);
+    // Destructors back out.
+    return withMemory([&] { return store_->backOut(slot_, unit); });
 }
 
 std::uint32_t Attachment::observe(QueueId queue) const

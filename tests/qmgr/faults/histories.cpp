@@ -496,6 +496,70 @@ void attributes(Trial &run)
     run.disconnect();
 }
 
+// MQHO_UNUSABLE_HOBJ if it failed. `queue`: where publications go, MQHO_NONE for one that is made.
+MQHOBJ subscribe(Trial &run, MQLONG options, MQHOBJ &queue, std::string_view name = {})
+{
+    if (queue == MQHO_UNUSABLE_HOBJ) return queue;
+    MQSD sd = {MQSD_DEFAULT};
+    sd.Options = options;
+    char topic[] = "weather/+";
+    sd.ObjectString.VSPtr = topic;
+    sd.ObjectString.VSLength = MQVS_NULL_TERMINATED;
+    std::string buffer(name);
+    sd.SubName.VSPtr = buffer.data();
+    sd.SubName.VSLength = static_cast<MQLONG>(buffer.size());
+    MQHOBJ hsub = MQHO_UNUSABLE_HOBJ;
+    const Codes codes =
+        run.call("MQSUB", [&](PMQLONG cc, PMQLONG rc) { MQSUB(run.hconn, &sd, &queue, &hsub, cc, rc); });
+    return codes.failed() ? MQHO_UNUSABLE_HOBJ : hsub;
+}
+
+void topics(Trial &run)
+{
+    if (!run.connect()) return;
+    MQHOBJ q1 = run.open("Q1", everything);
+    MQHOBJ q2 = run.open("Q2", everything);
+    MQHOBJ made = MQHO_NONE;
+    // What an earlier run has left is resumed.
+    const MQHOBJ durable =
+        subscribe(run, MQSO_CREATE | MQSO_RESUME | MQSO_DURABLE | MQSO_NEW_PUBLICATIONS_ONLY, q1, "DURABLE");
+    const MQHOBJ fleeting = subscribe(run, MQSO_CREATE | MQSO_NEW_PUBLICATIONS_ONLY, q2);
+    const MQHOBJ managed = subscribe(run, MQSO_CREATE | MQSO_MANAGED, made);
+
+    MQOD od = {MQOD_DEFAULT};
+    od.Version = MQOD_VERSION_4;
+    od.ObjectType = MQOT_TOPIC;
+    char topic[] = "weather/rome";
+    od.ObjectString.VSPtr = topic;
+    od.ObjectString.VSLength = MQVS_NULL_TERMINATED;
+    const MQHOBJ publisher = run.open(od, MQOO_OUTPUT);
+    MQPMO pmo = {MQPMO_DEFAULT};
+    pmo.Options = MQPMO_RETAIN;
+    const Codes codes = run.put(publisher, {}, "published", persistent, Unit::No, withFormat(MQFMT_STRING), pmo);
+    // Where the subscription could not be made it may be there all the same: nothing could be undone either.
+    const auto fateOn = [&](MQHOBJ hsub) {
+        if (codes.CompCode == MQCC_UNKNOWN || (codes.failed() && !run.sawEnd())) return Fate::Off;
+        return codes.failed() || hsub == MQHO_UNUSABLE_HOBJ ? Fate::Maybe : Fate::On;
+    };
+    run.noted("Q1", "published", persistent, fateOn(durable));
+    run.noted("Q2", "published", persistent, fateOn(fleeting));
+    if (durable != MQHO_UNUSABLE_HOBJ && fleeting != MQHO_UNUSABLE_HOBJ && publisher != MQHO_UNUSABLE_HOBJ) {
+        const Codes put = run.put(publisher, "Q1", "in a unit", quick, Unit::Yes, withFormat(MQFMT_STRING), pmo);
+        if (!put.failed()) run.notedInUnit("Q2", "in a unit", quick);
+        run.commit();
+    }
+    if (managed != MQHO_UNUSABLE_HOBJ) {
+        MQSRO sro = {MQSRO_DEFAULT};
+        run.call(
+            "MQSUBRQ",
+            [&](PMQLONG cc, PMQLONG rc) { MQSUBRQ(run.hconn, managed, MQSR_ACTION_PUBLICATION, &sro, cc, rc); },
+            run.faultless() ? MQRC_NONE : MQRC_NO_RETAINED_MSG);
+    }
+    run.close(managed);
+    run.close(durable, MQCO_REMOVE_SUB);
+    run.disconnect();
+}
+
 } // namespace
 
 const std::vector<History> &histories()
@@ -515,6 +579,7 @@ const std::vector<History> &histories()
         {"Commands", commands},
         {"Lives", lives, true},
         {"Attributes", attributes},
+        {"Topics", topics},
     };
     return all;
 }

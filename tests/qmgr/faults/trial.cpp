@@ -101,6 +101,11 @@ void Trial::noted(std::string_view queue, const std::string &body, MQLONG persis
     queues_[std::string(queue)][body] = {persistence, fate};
 }
 
+void Trial::notedInUnit(std::string_view queue, const std::string &body, MQLONG persistence)
+{
+    puts_.push_back({std::string(queue), body, persistence});
+}
+
 void Trial::taken(std::string_view queue, const std::string &body)
 {
     if (queue.empty()) return;

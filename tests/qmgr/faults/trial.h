@@ -69,6 +69,8 @@ public:
 
     // ---- The model ----
     void noted(std::string_view queue, const std::string &body, MQLONG persistence, Fate fate);
+    // A put of the unit of work has put on this queue too.
+    void notedInUnit(std::string_view queue, const std::string &body, MQLONG persistence);
     // A message has been taken from the queue, by a callback too.
     void taken(std::string_view queue, const std::string &body);
     // A persistent one may have been: the queue manager ended meanwhile.

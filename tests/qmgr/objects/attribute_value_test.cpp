@@ -72,6 +72,12 @@ TEST(AttributeValue, NameMayBeBlankButNotWrong)
     EXPECT_EQ(parseValue(backout, std::string(49, 'A')).fault, ValueFault::TooLong);
 }
 
+TEST(AttributeValue, ControlCharactersAreShownAsDots)
+{
+    const Attribute &descr = *findKeyword(ObjectKind::LocalQueue, "DESCR").attribute;
+    EXPECT_EQ(formatAttribute(descr, {0, "a\x1b[2J\nb\x7f"}), "DESCR(a.[2J.b.)");
+}
+
 TEST(AttributeValue, ShownAsTheCommandLanguageWritesIt)
 {
     EXPECT_EQ(formatAttribute(row(MQIA_MAX_Q_DEPTH), {5000, {}}), "MAXDEPTH(5000)");
