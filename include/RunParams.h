@@ -107,6 +107,7 @@ struct RunRecord {
     MQLONG OpenOptions = 0;                  ///< MQOO_* names, ORed together
     MQLONG CloseOptions = 0;                 ///< MQCO_* names, ORed together
     MQRR *ResponseRecs = nullptr;            ///< run-time: response records of a distribution list
+    const void *PutMsgRecsGiven = nullptr;   ///< run-time: its put-message records as `-mr` gives them
     MQLONG DestCount = 0;                    ///< run-time: destinations of a distribution list, 0 = none
     MQHMSG MsgHandle = 0;                    ///< run-time: message handle for properties
     MQULONG MdFieldsSet = 0;                 ///< MdField... bits of the fields given on the command line

@@ -2,10 +2,12 @@
 
 #include "common.h"
 #include "mqicalls/mqi_call.h"
+#include "mqicalls/put_message_records.h"
 
 Status MQSeriesPut(MQHCONN hconn, MQHOBJ hobj, RunParams *params, const void *buffer, MQLONG length)
 {
     params->Pmo.ResponseRecPtr = params->ResponseRecs;
+    renew_put_message_records(params);
     const MqiCodes codes = mqi_call(
         params, "MQPUT",
         [&] {

@@ -78,5 +78,12 @@ Status allocateForDestinationList(RunParams *params)
     if (records == nullptr) return StatusOk;
     params->Pmo.PutMsgRecPtr = records.release();
     if (params->PutMsgRecList != nullptr) read_put_message_records(params);
+
+    // Every put starts from these, whatever the one before has written into the array.
+    const std::size_t size = static_cast<std::size_t>(params->DestCount) * recordSize;
+    Buffer<> given = checked_malloc(params, size, {Source});
+    if (given == nullptr) return StatusOk;
+    std::memcpy(given.get(), params->Pmo.PutMsgRecPtr, size);
+    params->PutMsgRecsGiven = given.release();
     return StatusOk;
 }

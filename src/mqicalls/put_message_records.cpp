@@ -1,11 +1,12 @@
 #include "mqicalls/put_message_records.h"
 
-#include "common.h"
 #include "tables.h"
 
 #include <cstring>
 
 namespace {
+
+constexpr char Source[] = "allocateForDestinationList";
 
 /// A field of the record. Flagged fields follow each other in this order, without gaps.
 struct RecordField {
@@ -74,6 +75,20 @@ bool read_record(RunParams *params, char *text, char *record)
     return true;
 }
 
+std::size_t size_of_records(const RunParams *params)
+{
+    return static_cast<std::size_t>(params->DestCount) * put_message_record_size(params->Pmo.PutMsgRecFields);
+}
+
+/// A copy of an array, if there is one. False after a report.
+bool copy_array(RunParams *params, const void *array, std::size_t size, Buffer<> &copy)
+{
+    if (array == nullptr) return true;
+    copy = checked_malloc(params, size, {Source});
+    if (copy != nullptr) std::memcpy(copy.get(), array, size);
+    return copy != nullptr;
+}
+
 } // namespace
 
 std::size_t put_message_record_size(MQLONG fields)
@@ -87,7 +102,7 @@ std::size_t put_message_record_size(MQLONG fields)
 
 void read_put_message_records(RunParams *params)
 {
-    const Buffer<> list = checked_copy(params, params->PutMsgRecList, {"allocateForDestinationList"});
+    const Buffer<> list = checked_copy(params, params->PutMsgRecList, {Source});
     if (list == nullptr) return;
     const std::size_t recordSize = put_message_record_size(params->Pmo.PutMsgRecFields);
     char *record = static_cast<char *>(params->Pmo.PutMsgRecPtr);
@@ -98,4 +113,22 @@ void read_put_message_records(RunParams *params)
         record += recordSize;
         text = strtok_r(nullptr, ",", &position);
     }
+}
+
+void renew_put_message_records(RunParams *params)
+{
+    if (params->PutMsgRecsGiven == nullptr) return;
+    std::memcpy(params->Pmo.PutMsgRecPtr, params->PutMsgRecsGiven, size_of_records(params));
+}
+
+Status own_written_records(RunParams *params, WrittenRecords &own)
+{
+    const std::size_t responsesSize = static_cast<std::size_t>(params->DestCount) * sizeof(MQRR);
+    if (!copy_array(params, params->ResponseRecs, responsesSize, own.responses) ||
+        !copy_array(params, params->Pmo.PutMsgRecPtr, size_of_records(params), own.putMessageRecords)) {
+        return StatusLocalFailure;
+    }
+    params->ResponseRecs = reinterpret_cast<MQRR *>(own.responses.get());
+    params->Pmo.PutMsgRecPtr = own.putMessageRecords.get();
+    return StatusOk;
 }

@@ -1,5 +1,6 @@
 #include "run.h"
 
+#include "mqicalls/put_message_records.h"
 #include "worker_group.h"
 
 #include <unistd.h>
@@ -10,6 +11,9 @@ void *thread_function(void *block)
 {
     Worker &worker = *static_cast<Worker *>(block);
     setThreadId(worker, gettid());
+    // Where the driver has opened a destination list, the copies of its record lead to arrays that every put writes to.
+    WrittenRecords written;
+    if (own_written_records(&worker.record, written) != StatusOk) return nullptr;
     runOperation(worker, worker.hconn);
     return nullptr;
 }

@@ -12,16 +12,23 @@ using scripted::library;
 namespace {
 
 // A message id that no program would have put there, so that a test sees whether it is carried on.
-void writeNewMessageId(MQMD *md)
+void writeNewMessageId(void *to)
 {
     char id[40];
     std::snprintf(id, sizeof id, "SCRIPTED MESSAGE %07d", static_cast<int>(library().nextMessageId++));
-    static_assert(sizeof id >= sizeof md->MsgId);
-    std::memcpy(md->MsgId, id, sizeof md->MsgId);
+    static_assert(sizeof id >= sizeof(MQBYTE24));
+    std::memcpy(to, id, sizeof(MQBYTE24));
 }
 
-// Put-message records: the flagged fields in their order, without gaps.
-void readPutMsgRecords(Call &call, const MQPMO *pmo)
+bool isNoMessageId(const void *at)
+{
+    const auto *id = static_cast<const char *>(at);
+    return std::all_of(id, id + sizeof(MQBYTE24), [](char byte) { return byte == 0; });
+}
+
+// Visits the fields of the put-message records: the flagged ones in their order, without gaps.
+template <class Visit>
+void forEachPutMsgRecordField(const MQPMO *pmo, Visit &&visit)
 {
     if (pmo->Version < MQPMO_VERSION_2 || pmo->RecsPresent <= 0 || pmo->PutMsgRecPtr == nullptr) return;
     struct Part {
@@ -34,15 +41,21 @@ void readPutMsgRecords(Call &call, const MQPMO *pmo)
                               {MQPMRF_GROUP_ID, {"GroupId", 0, 24, Kind::Bytes, 1}},
                               {MQPMRF_FEEDBACK, {"Feedback", 0, 4, Kind::Long, 1}},
                               {MQPMRF_ACCOUNTING_TOKEN, {"AccountingToken", 0, 32, Kind::Bytes, 1}}};
-    const auto *at = static_cast<const char *>(pmo->PutMsgRecPtr);
+    auto *at = static_cast<char *>(pmo->PutMsgRecPtr);
     for (MQLONG i = 0; i < pmo->RecsPresent; ++i) {
         for (const Part &part : parts) {
             if ((pmo->PutMsgRecFields & part.flag) == 0) continue;
-            call.detail("MQPMR[" + std::to_string(i) + "]." + std::string(part.field.name) + "=" +
-                        render(part.field, at));
+            visit(i, part.flag, part.field, at);
             at += part.field.size;
         }
     }
+}
+
+void readPutMsgRecords(Call &call, const MQPMO *pmo)
+{
+    forEachPutMsgRecordField(pmo, [&](MQLONG number, MQLONG, const scripted::Field &field, const char *at) {
+        call.detail("MQPMR[" + std::to_string(number) + "]." + std::string(field.name) + "=" + render(field, at));
+    });
 }
 
 void checkMessageHandle(Call &call, MQHMSG handle)
@@ -66,8 +79,10 @@ void writePutOutputs(Call &call, MQMD *md, MQPMO *pmo)
 {
     if (call.succeeded()) {
         const bool wantsNewId = (pmo->Options & MQPMO_NEW_MSG_ID) != 0;
-        const bool hasNoId = std::all_of(std::begin(md->MsgId), std::end(md->MsgId), [](MQBYTE b) { return b == 0; });
-        if (wantsNewId || hasNoId) writeNewMessageId(md);
+        if (wantsNewId || isNoMessageId(md->MsgId)) writeNewMessageId(md->MsgId);
+        forEachPutMsgRecordField(pmo, [&](MQLONG, MQLONG flag, const scripted::Field &, char *at) {
+            if (flag == MQPMRF_MSG_ID && (wantsNewId || isNoMessageId(at))) writeNewMessageId(at);
+        });
     }
     call.writeBack("MQMD", md);
     call.writeBack("MQPMO", pmo);
@@ -149,7 +164,7 @@ void MQGET(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pGetMsgOpts, MQ
         const MQLONG length = std::min(bodyLength(call.answer()), BufferLength);
         if (length > 0) std::memcpy(pBuffer, call.answer().body->data(), static_cast<std::size_t>(length));
         *pDataLength = call.answer().DataLength.value_or(bodyLength(call.answer()));
-        writeNewMessageId(md);
+        writeNewMessageId(md->MsgId);
     }
     if (readable) {
         call.writeBack("MQMD", md);
