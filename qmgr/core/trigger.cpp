@@ -164,22 +164,39 @@ bool Trigger::isDue(store::WriteTransaction &transaction, MQLONG priority) const
     }
     case MQTT_DEPTH: {
         const auto enough = static_cast<std::uint32_t>(std::max<MQLONG>(queue.triggerDepth, 1));
-        return messages(transaction, enough) >= enough;
+        return status.depthTriggers == 0 && messages(transaction, enough) >= enough && isStillOn(transaction);
     }
     default:
         return false;
     }
 }
 
+// The definition that we know was read before the transaction: another program may have turned the trigger off since.
+bool Trigger::isStillOn(store::WriteTransaction &transaction) const
+{
+    const auto object =
+        objects::ObjectDefinition::decode(transaction.definition(MQOT_Q, objects::fieldText(queue_.queue->name)));
+    return object && object->number(MQIA_TRIGGER_CONTROL) == MQTC_ON;
+}
+
+bool Trigger::isForDepth() const
+{
+    return queue_.queue->triggerType == MQTT_DEPTH;
+}
+
 void Trigger::judge(store::WriteTransaction &transaction, MQLONG priority)
 {
     due_ = possible_ && isDue(transaction, priority);
-    if (due_) transaction.noteTrigger(queue_.queue->id);
+    if (!due_) return;
+    transaction.noteTrigger(queue_.queue->id);
+    if (isForDepth()) transaction.bookDepthTrigger(queue_.queue->id);
 }
 
 Outcome Trigger::put()
 {
     if (!due_) return success();
+    std::optional<DepthTriggerBooking> booking;
+    if (isForDepth()) booking.emplace(*connection_.store, queue_.queue->id);
     const MQTM content = triggerMessage(*queue_.queue, process_.get());
     store::NewMessage message{};
     message.header.md = queueManagerDescriptor(connection_, MQFMT_TRIGGER);
@@ -187,7 +204,7 @@ Outcome Trigger::put()
     message.body = {reinterpret_cast<const std::byte *>(&content), sizeof content};
     const Outcome put = putTriggerMessage(connection_, unit_, initiation_, message);
     if (put.failed()) return isOfStore(put) ? put : success();
-    unit_.addTrigger({queue_, initiation_, unit_.puts() - 1});
+    unit_.addTrigger({queue_, initiation_, unit_.puts() - 1, std::move(booking)});
     return success();
 }
 

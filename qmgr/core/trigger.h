@@ -15,7 +15,8 @@
 // priorities: with a TRIGMPRI above 0 those do not count, and a trigger message too many may come.)
 //
 // The trigger message of a put stands in the unit of work of the put. It appears when that unit is complete, for
-// FIRST and DEPTH also if it was backed out: others may have relied on its messages. DEPTH turns TRIGGER off then.
+// FIRST and DEPTH also if it was backed out: others may have relied on its messages. DEPTH turns TRIGGER off then;
+// until it has, nobody else makes one. A program killed meanwhile leaves TRIGGER on, for the next put.
 #pragma once
 
 #include <memory>
@@ -44,6 +45,8 @@ public:
 
 private:
     bool isDue(store::WriteTransaction &transaction, MQLONG priority) const;
+    bool isStillOn(store::WriteTransaction &transaction) const;
+    bool isForDepth() const;
     std::uint32_t messages(store::WriteTransaction &transaction, std::uint32_t enough) const;
 
     Connection &connection_;

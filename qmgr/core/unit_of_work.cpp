@@ -59,6 +59,18 @@ void BodyMemory::clear()
     used_ = 0;
 }
 
+DepthTriggerBooking::~DepthTriggerBooking()
+{
+    if (store_ == nullptr) return;
+    try {
+        (void)store_->update(0, [this](store::WriteTransaction &transaction) {
+            transaction.unbookDepthTrigger(queue_);
+            return success();
+        });
+    } catch (...) { // NOLINT(bugprone-empty-catch): for want of memory it stays booked until the connection ends
+    }
+}
+
 void UnitOfWork::keepPut(const store::NewMessage &message)
 {
     puts_.push_back(message);

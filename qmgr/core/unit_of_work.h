@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <span>
 #include <utility>
 #include <vector>
@@ -38,11 +39,35 @@ private:
     std::size_t used_ = 0; // of the last block
 };
 
+// A DEPTH trigger message is being made: nobody makes another one while this exists. It ends outside transactions.
+class DepthTriggerBooking {
+public:
+    DepthTriggerBooking(store::Attachment &store, store::QueueId queue) : store_(&store), queue_(queue) {}
+    DepthTriggerBooking(DepthTriggerBooking &&other) noexcept
+        : store_(std::exchange(other.store_, nullptr)), queue_(other.queue_)
+    {
+    }
+    DepthTriggerBooking &operator=(DepthTriggerBooking &&other) noexcept
+    {
+        std::swap(store_, other.store_);
+        std::swap(queue_, other.queue_);
+        return *this;
+    }
+    ~DepthTriggerBooking();
+    DepthTriggerBooking(const DepthTriggerBooking &) = delete;
+    DepthTriggerBooking &operator=(const DepthTriggerBooking &) = delete;
+
+private:
+    store::Attachment *store_;
+    store::QueueId queue_;
+};
+
 // A trigger message among the puts of a unit (trigger.h).
 struct UnitTrigger {
     objects::QueueHold queue; // that was triggered, as it was defined then
     objects::QueueHold initiation;
     std::size_t put = 0; // which of the puts it is
+    std::optional<DepthTriggerBooking> booking;
 };
 
 class UnitOfWork {

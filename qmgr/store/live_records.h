@@ -39,6 +39,7 @@ struct BrowseMark {
 // What a connection has booked on a queue, to be given back should it die.
 struct Booking {
     std::uint32_t puts;
+    std::uint32_t depthTriggers;
     OpenCounts opens;
 };
 

@@ -214,6 +214,7 @@ try {
             QueueStatus &status = transaction.counters(queue);
             status.depth -= booking.puts;
             status.uncommitted -= booking.puts;
+            status.depthTriggers -= booking.depthTriggers;
             transaction.addToOpens(queue, -booking.opens);
             transaction.erase(LiveKey::booking(number, queue));
             transaction.wakeGetters(queue);

@@ -22,6 +22,7 @@
 #include <atomic>
 #include <cerrno>
 #include <new>
+#include <cstddef>
 #include <span>
 #include <sys/stat.h>
 
@@ -48,7 +49,7 @@ std::uint64_t checksumOfHead(ControlBlock &block)
     constexpr std::size_t most = 256;
     std::array<std::uint32_t, most> words{};
     auto *from = reinterpret_cast<std::uint32_t *>(&block.state);
-    const auto count = static_cast<std::size_t>(reinterpret_cast<std::uint32_t *>(&block.cells) - from);
+    constexpr std::size_t count = (offsetof(ControlBlock, cells) - offsetof(ControlBlock, state)) / sizeof *from;
     // Somebody may come while they are read: then what comes out does not matter.
     for (std::size_t i = 0; i < std::min(count, most); ++i)
         words.at(i) = std::atomic_ref(from[i]).load(std::memory_order_relaxed);

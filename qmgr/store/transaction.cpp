@@ -49,6 +49,13 @@ QueueStatus Transaction::queue(QueueId queue)
     return recordIn<QueueStatus>(get(LiveKey::queue(queue))).value_or(QueueStatus{});
 }
 
+std::string_view Transaction::definition(MQLONG type, std::string_view name)
+{
+    const Value value = get(LiveKey::definition(type, name));
+    if (value.size <= sizeof(QueueId)) return {};
+    return {static_cast<const char *>(value.data) + sizeof(QueueId), value.size - sizeof(QueueId)};
+}
+
 void Transaction::noteSearch(const MessageKey &found)
 {
     if (scratch_ != nullptr) scratch_->entryOf(*this, found.queue).status.setSearch(found);

@@ -23,6 +23,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <type_traits>
 
 #include "qmgr/store/live_key.h"
@@ -86,7 +87,8 @@ struct QueueStatus {
     // visible before it, raised by searches.
     std::uint64_t searchSequence = 0;
     std::uint32_t searchOrder = 0;
-    std::uint32_t spare = 0; // no padding here either
+
+    std::uint32_t depthTriggers = 0; // booked: a DEPTH trigger message is being made; no padding here either
 
     void addToDepth()
     {
@@ -149,6 +151,10 @@ public:
     // Lets the holder of a browse lock see the message that it has locked, for the rest of the transaction, as if it
     // were visible. `slot`: of the holder's connection.
     void showLocked(const MessageKey &key, std::uint32_t slot);
+
+    // The bytes of a definition as it is now, whatever anybody remembers of it; empty if there is none. Valid until the
+    // next change.
+    [[nodiscard]] std::string_view definition(MQLONG type, std::string_view name);
 
     // Since when the message is marked for the handles that browse together (microseconds since 1970 UTC), if it is.
     [[nodiscard]] std::optional<std::int64_t> markOf(const MessageKey &key);
@@ -240,6 +246,10 @@ public:
     QueueStatus resetStatisticsFor(QueueId queue, std::int64_t requestTime, bool repeated);
     // A trigger message of the queue is made now.
     void noteTrigger(QueueId queue);
+    // From a DEPTH trigger message until the trigger is turned off, so that nobody else makes one meanwhile. Booked on
+    // this connection.
+    void bookDepthTrigger(QueueId queue);
+    void unbookDepthTrigger(QueueId queue);
 
     // ---- Browsing ----
 

@@ -333,6 +333,20 @@ void WriteTransaction::noteTrigger(QueueId queue)
     counters(queue).triggerTime = currentTime();
 }
 
+void WriteTransaction::bookDepthTrigger(QueueId queue)
+{
+    counters(queue).depthTriggers += 1;
+    booking(queue).depthTriggers += 1;
+}
+
+void WriteTransaction::unbookDepthTrigger(QueueId queue)
+{
+    Booking &booked = booking(queue);
+    if (booked.depthTriggers == 0) return;
+    booked.depthTriggers -= 1;
+    counters(queue).depthTriggers -= 1;
+}
+
 void WriteTransaction::lockBrowsed(const MessageKey &key)
 {
     if (!find(key)) return;

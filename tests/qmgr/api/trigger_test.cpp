@@ -1,8 +1,14 @@
 // Trigger messages, read from the initiation queue as a trigger monitor does.
 
+#include <array>
+#include <barrier>
 #include <cstring>
 #include <optional>
 #include <string>
+#include <thread>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "fixture.h"
 #include "qmgr/store/seams.h"
@@ -231,6 +237,85 @@ TEST_F(Trigger, UncommittedMessagesOfOthersCount)
     ASSERT_EQ(put(other, open(other, "Q1", MQOO_OUTPUT), "x", {MQMD_DEFAULT}, pmoWith(MQPMO_SYNCPOINT)), ok);
     ASSERT_EQ(put(hconn, q1, "x"), ok);
     EXPECT_EQ(triggers(), 1U);
+}
+
+// ---- DEPTH: one trigger message for all who reach the depth ----
+
+TEST_F(Trigger, AUnitThatReachedTheDepthMakesTheOnlyMessage)
+{
+    for (const bool commits : {true, false}) {
+        trigger(MQTT_DEPTH, {{MQIA_TRIGGER_DEPTH, 2}});
+        MQHCONN other = connect();
+        const MQHOBJ theirs = open(other, "Q1", MQOO_OUTPUT);
+        for (int i = 0; i < 2; ++i)
+            ASSERT_EQ(put(other, theirs, "x", {MQMD_DEFAULT}, pmoWith(MQPMO_SYNCPOINT)), ok);
+        ASSERT_EQ(put(hconn, q1, "x"), ok);
+        EXPECT_EQ(triggers(), 0U); // it is in the other unit
+        ASSERT_EQ(commits ? commit(other) : backOut(other), ok);
+        EXPECT_EQ(triggers(), 1U);
+        EXPECT_EQ(control(), MQTC_OFF);
+        ASSERT_EQ(disconnect(other), ok);
+        take();
+    }
+}
+
+TEST_F(Trigger, AProgramThatDiesWithTheMessageLeavesItToTheNextPut)
+{
+    trigger(MQTT_DEPTH, {{MQIA_TRIGGER_DEPTH, 2}});
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        MQHCONN other = connect();
+        const MQHOBJ theirs = open(other, "Q1", MQOO_OUTPUT);
+        for (int i = 0; i < 2; ++i)
+            if (put(other, theirs, "x", {MQMD_DEFAULT}, pmoWith(MQPMO_SYNCPOINT)) != ok) _exit(1);
+        _exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_EQ(status, 0);
+    MQHCONN next = connect(); // cleans up behind it
+    ASSERT_EQ(put(hconn, q1, "x"), ok);
+    EXPECT_EQ(triggers(), 0U);
+    ASSERT_EQ(put(hconn, q1, "x"), ok);
+    EXPECT_EQ(triggers(), 1U);
+    EXPECT_EQ(control(), MQTC_OFF);
+    ASSERT_EQ(disconnect(next), ok);
+}
+
+TEST_F(Trigger, ADroppedMessageIsMadeAgainByTheNextPut)
+{
+    trigger(MQTT_DEPTH, {{MQIA_TRIGGER_DEPTH, 1}});
+    alterQueue("INIT", {{MQIA_MAX_Q_DEPTH, 0}});
+    ASSERT_EQ(put(hconn, q1, "x"), ok);
+    EXPECT_EQ(control(), MQTC_ON);
+    alterQueue("INIT", {{MQIA_MAX_Q_DEPTH, 10}});
+    ASSERT_EQ(put(hconn, q1, "x"), ok);
+    EXPECT_EQ(triggers(), 1U);
+    EXPECT_EQ(control(), MQTC_OFF);
+}
+
+TEST_F(Trigger, ThoseThatReachTheDepthAtOnceMakeOneMessage)
+{
+    for (int round = 0; round < 30; ++round) {
+        trigger(MQTT_DEPTH, {{MQIA_TRIGGER_DEPTH, 4}});
+        std::array<std::thread, 4> programs;
+        std::barrier together(programs.size());
+        for (std::thread &program : programs)
+            program = std::thread([&together] {
+                MQHCONN own = connect();
+                const MQHOBJ theirs = open(own, "Q1", MQOO_OUTPUT);
+                together.arrive_and_wait();
+                for (int i = 0; i < 4; ++i)
+                    EXPECT_EQ(put(own, theirs, "x"), ok);
+                EXPECT_EQ(disconnect(own), ok);
+            });
+        for (std::thread &program : programs)
+            program.join();
+        ASSERT_EQ(triggers(), 1U) << round;
+        ASSERT_EQ(control(), MQTC_OFF) << round;
+        take();
+    }
 }
 
 // ---- Causes other than a put ----
