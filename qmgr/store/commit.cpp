@@ -72,7 +72,10 @@ MessageKey keyOf(const UnitStep &step)
 bool readUnit(const MDB_val &value, UnitRecord &unit, std::vector<UnitStep> &steps)
 {
     const auto record = recordIn<UnitRecord>(value);
-    if (!record || value.mv_size != sizeof(UnitRecord) + record->steps * sizeof(UnitStep)) return false;
+    if (!record) return false;
+    const std::size_t bytes = value.mv_size - sizeof(UnitRecord);
+    if (record->slot >= maxSlots || record->steps != bytes / sizeof(UnitStep) || bytes % sizeof(UnitStep) != 0)
+        return false;
     unit = *record;
     steps.resize(record->steps);
     std::memcpy(steps.data(), static_cast<const std::byte *>(value.mv_data) + sizeof(UnitRecord),

@@ -1,5 +1,6 @@
 #include "qmgr/store/live_pages.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -35,6 +36,7 @@ struct NodeHead {
     std::uint16_t keySize;
 };
 constexpr std::uint16_t bigData = 1;
+constexpr std::uint16_t integerKeys = 8; // of the tree of free pages; that of the records has no flags
 
 struct Tree {
     std::uint32_t pageSize;
@@ -94,6 +96,8 @@ bool isOfThisProcess(int error)
 }
 
 class Walk {
+    using Extent = std::pair<std::size_t, std::size_t>;
+
 public:
     Walk(const std::uint8_t *pages, std::size_t count) : pages_(pages), count_(count), used_(count, false) {}
 
@@ -123,6 +127,7 @@ public:
             records_ = records;
             entries_ = 0;
             const Tree &tree = head.trees[records ? 1 : 0];
+            if (tree.flags != (records ? 0 : integerKeys)) return "its head says that its trees are of another kind";
             if (tree.root == noPage ? tree.entries != 0 : !visit(tree.root, tree.depth, {}, {})) return damage_;
             if (entries_ != tree.entries) return "records are missing";
         }
@@ -153,69 +158,87 @@ private:
         const std::uint8_t *page = pages_ + number * pageSize;
         const auto head = recordAt<PageHead>(page);
         const bool isLeaf = depth == 1;
-        if (head.number != number || (head.flags & kinds) != (isLeaf ? leaf : branch))
-            return fault(number, "is not of its kind");
+        // Other flags are of kinds of pages that there are none of here, or of pages still being written.
+        if (head.number != number || head.flags != (isLeaf ? leaf : branch)) return fault(number, "is not of its kind");
         if (head.lower < sizeof head || head.lower > head.upper || head.upper > pageSize || head.lower % 2 != 0)
             return fault(number, "has impossible bounds");
         const std::size_t nodes = (head.lower - sizeof head) / 2;
         if (nodes < (isLeaf ? 1U : 2U)) return fault(number, "is empty");
+        if (!standApart(page, head, nodes, isLeaf)) return false;
         std::string_view before = from;
         for (std::size_t i = 0; i < nodes; ++i) {
-            const auto at = recordAt<std::uint16_t>(page + sizeof head + 2 * i);
-            if (at < head.upper || at + sizeof(NodeHead) > pageSize) return fault(number, "has a record outside");
+            const std::size_t at = placeOf(page, i);
             const auto node = recordAt<NodeHead>(page + at);
             const std::uint8_t *bytes = page + at + sizeof node;
-            const std::size_t room = pageSize - at - sizeof node;
-            if (node.keySize > room) return fault(number, "has a record outside");
             const std::string_view key(reinterpret_cast<const char *>(bytes), node.keySize);
             const bool bounded = isLeaf || i > 0; // the first key of a branch is not looked at by anybody
             if (bounded && !(i == 0 || (!isLeaf && i == 1) ? !less(key, before) : less(before, key)))
                 return fault(number, "has its records out of order");
             if (bounded && to && !less(key, *to)) return fault(number, "has a record of another page");
-            if (isLeaf ? !visitRecord(number, node, bytes, room)
-                       : !visitChild(page, head, node, i, nodes, key, depth, from, to))
+            if (isLeaf ? !visitRecord(number, node, bytes) : !visitChild(page, node, i, nodes, key, depth, from, to))
                 return false;
             if (bounded) before = key;
         }
         return true;
     }
 
-    bool visitChild(const std::uint8_t *page, const PageHead &head, const NodeHead &node, std::size_t i,
-                    std::size_t nodes, std::string_view key, int depth, std::string_view from,
-                    std::optional<std::string_view> to)
+    static std::size_t sizeOfValue(const NodeHead &node) { return node.low | std::size_t{node.high} << 16; }
+    static std::size_t placeOf(const std::uint8_t *page, std::size_t i)
+    {
+        return recordAt<std::uint16_t>(page + sizeof(PageHead) + 2 * i);
+    }
+
+    // Every record of a page within it, and none over another: the library moves them by what they measure.
+    bool standApart(const std::uint8_t *page, const PageHead &head, std::size_t nodes, bool isLeaf)
+    {
+        extents_.clear();
+        for (std::size_t i = 0; i < nodes; ++i) {
+            const std::size_t at = placeOf(page, i);
+            if (at < head.upper || at % 2 != 0 || at + sizeof(NodeHead) > pageSize)
+                return fault(head.number, "has a record outside");
+            const auto node = recordAt<NodeHead>(page + at);
+            const std::size_t value = !isLeaf ? 0 : (node.flags & bigData) != 0 ? sizeof(Page) : sizeOfValue(node);
+            const std::size_t size = (sizeof node + node.keySize + std::min(value, pageSize) + 1) / 2 * 2;
+            if (size > pageSize - at) return fault(head.number, "has a record outside");
+            extents_.emplace_back(at, at + size);
+        }
+        std::sort(extents_.begin(), extents_.end());
+        const auto overlaps = [](const Extent &one, const Extent &next) { return one.second > next.first; };
+        if (std::adjacent_find(extents_.begin(), extents_.end(), overlaps) != extents_.end())
+            return fault(head.number, "has records one over another");
+        return true;
+    }
+
+    bool visitChild(const std::uint8_t *page, const NodeHead &node, std::size_t i, std::size_t nodes,
+                    std::string_view key, int depth, std::string_view from, std::optional<std::string_view> to)
     {
         Page child = node.low | Page{node.high} << 16;
         if constexpr (sizeof(Page) > 4) child |= Page{node.flags} << 32;
         std::optional<std::string_view> end = to;
         if (i + 1 < nodes) {
-            const auto at = recordAt<std::uint16_t>(page + sizeof head + 2 * (i + 1));
-            if (at < head.upper || at + sizeof(NodeHead) > pageSize) return fault(head.number, "has a record outside");
+            const std::size_t at = placeOf(page, i + 1);
             const auto next = recordAt<NodeHead>(page + at);
-            if (next.keySize > pageSize - at - sizeof next) return fault(head.number, "has a record outside");
             end = std::string_view(reinterpret_cast<const char *>(page + at + sizeof next), next.keySize);
         }
         return visit(child, depth - 1, i == 0 ? from : key, end);
     }
 
-    bool visitRecord(Page number, const NodeHead &node, const std::uint8_t *bytes, std::size_t room)
+    bool visitRecord(Page number, const NodeHead &node, const std::uint8_t *bytes)
     {
         ++entries_;
-        const std::size_t size = node.low | std::size_t{node.high} << 16;
+        const std::size_t size = sizeOfValue(node);
         const std::uint8_t *value = bytes + node.keySize;
         if ((node.flags & ~bigData) != 0) return fault(number, "has a record of an unknown kind");
-        if ((node.flags & bigData) == 0) {
-            if (size > room - node.keySize) return fault(number, "has a record outside");
-        } else {
-            if (room - node.keySize < sizeof(Page)) return fault(number, "has a record outside");
+        if ((node.flags & bigData) != 0) {
             const auto first = recordAt<Page>(value);
+            if (first >= count_ || size > (count_ - first) * pageSize - sizeof(PageHead))
+                return fault(first, "does not exist, but is referred to");
             const std::size_t pages = (sizeof(PageHead) - 1 + size) / pageSize + 1;
-            if (first >= count_ || pages > count_ - first) return fault(first, "does not exist, but is referred to");
             value = pages_ + first * pageSize;
             const auto head = recordAt<PageHead>(value);
-            if (head.number != first || (head.flags & kinds) != overflow ||
-                (head.lower | std::size_t{head.upper} << 16) < pages)
-                return fault(first, "is not of its kind");
             const std::size_t all = head.lower | std::size_t{head.upper} << 16;
+            if (head.number != first || head.flags != overflow || all < pages)
+                return fault(first, "is not of its kind");
             for (std::size_t i = 0; i < all; ++i)
                 if (!use(first + i)) return false;
             value += sizeof(PageHead);
@@ -224,14 +247,19 @@ private:
         return true;
     }
 
-    // A list of free pages: none of them is in use, none is there twice.
+    // A list of free pages: none of them is in use, none is there twice, the highest comes first. (The library looks
+    // for pages in a row by the first and the last of them.)
     bool verifyFree(const std::uint8_t *list, std::size_t size)
     {
         const std::size_t most = size / sizeof(Page);
         const auto count = most == 0 ? 0 : recordAt<Page>(list);
         if (most == 0 || count > most - 1) return fault(0, "leads to a damaged list of free pages");
-        for (std::size_t i = 1; i <= count; ++i)
-            if (!use(recordAt<Page>(list + i * sizeof(Page)))) return false;
+        for (Page i = 1, before = noPage; i <= count; ++i) {
+            const auto page = recordAt<Page>(list + i * sizeof(Page));
+            if (page >= before) return fault(page, "stands in a damaged list of free pages");
+            if (!use(page)) return false;
+            before = page;
+        }
         return true;
     }
 
@@ -247,6 +275,7 @@ private:
     std::size_t count_;
     std::vector<bool> used_;
     std::vector<std::pair<const std::uint8_t *, std::size_t>> freed_;
+    std::vector<Extent> extents_; // of the records of one page
     std::size_t entries_ = 0;
     bool records_ = false;
     std::string damage_;

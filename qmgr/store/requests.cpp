@@ -26,7 +26,7 @@ void wakeOneSleeper(ControlBlock &control)
 {
     for (std::uint32_t number = 0; number < control.slotLimit; ++number) {
         const std::uint32_t cell = control.slots[number].waitsOn;
-        if (cell == 0) continue;
+        if (cell == 0 || cell > waitCells) continue;
         control.cells[cell - 1].word.fetch_add(1);
         if (futexWake(&control.cells[cell - 1].word, 1) > 0) return;
     }

@@ -21,8 +21,8 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <new>
 #include <cstddef>
+#include <new>
 #include <span>
 #include <sys/stat.h>
 

@@ -5,7 +5,6 @@
 #include <random>
 
 #include "qmgr/store/check.h"
-#include "qmgr/store/live_pages.h"
 #include "qmgr/store/seams.h"
 #include "store_test.h"
 
@@ -213,17 +212,6 @@ TEST_F(LiveDamage, ThatTheLibraryMeetsEndsTheLife)
     EXPECT_EQ(b->state(), State::Ended);
     EXPECT_EQ(startQueueManager(folder_, "QM1"), success());
     EXPECT_EQ(browse(*connect(), q1_), Texts{"safe"});
-}
-
-TEST(LivePages, OfAnEmptyOrForeignFileAreDamaged)
-{
-    const auto file = std::filesystem::temp_directory_path() / ("mqrig-pages-" + std::to_string(getpid()));
-    for (const std::size_t size : {0, 100, 8192, 40'000}) {
-        std::ofstream(file, std::ios::trunc) << std::string(size, 'x');
-        EXPECT_EQ(verifyPages(file).kind, PagesVerdict::Kind::Damaged) << size;
-    }
-    std::filesystem::remove(file);
-    EXPECT_NE(verifyPages(file).kind, PagesVerdict::Kind::Sound);
 }
 
 } // namespace
