@@ -4,11 +4,9 @@
 #include <array>
 #include <fstream>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "qmgr/store/folders.h"
 #include "qmgr/store/paths.h"
-#include "qmgr/store/process.h"
 #include "qmgr/store/seams.h"
 #include "qmgr/store/store.h"
 
@@ -91,13 +89,8 @@ Outcome deleteQueueManager(const std::filesystem::path &storeFolder, std::string
     if (outcome.failed()) return outcome;
     if (state != State::Ended) return failure(MQRC_Q_MGR_ACTIVE);
     const std::filesystem::path grave = storeFolder / randomName(discarded);
-    if (rename(folder.c_str(), grave.c_str()) != 0) return outcomeOfErrno();
+    if (const Outcome buried = Store::bury(folder, grave); buried.failed()) return buried;
     syncFolder(storeFolder);
-    {
-        Process &process = thisProcess();
-        const std::scoped_lock lock(process.mutex);
-        process.stores.erase(folder.string());
-    }
     std::error_code error;
     std::filesystem::remove_all(grave, error);
     if (defaultQueueManager(storeFolder) == name) std::filesystem::remove(storeFolder / defaultFile, error);

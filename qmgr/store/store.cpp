@@ -1,6 +1,7 @@
 #include "qmgr/store/store.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <sys/stat.h>
 #include <utility>
 
@@ -11,6 +12,17 @@
 #include "qmgr/store/transaction_scratch.h"
 
 namespace mqrig::qmgr::store {
+
+namespace {
+
+// Why the lock file cannot be opened: the queue manager may just have been deleted.
+Outcome withoutLocks(const std::filesystem::path &folder, int error)
+{
+    const Outcome there = Store::exists(folder);
+    return there.failed() ? there : outcomeOfSystem(error);
+}
+
+} // namespace
 
 Outcome Store::exists(const std::filesystem::path &folder)
 {
@@ -31,7 +43,7 @@ Store::Opened Store::open(const std::filesystem::path &folder)
     known.reset();
     if (const Outcome there = exists(folder); there.failed()) return {there, nullptr};
     const auto [locks, error] = LockFile::open(folder / "locks");
-    if (locks == nullptr) return {outcomeOfSystem(error), nullptr};
+    if (locks == nullptr) return {withoutLocks(folder, error), nullptr};
     const HeldLock start(*locks, lockBytes::start);
     if (!start.held()) return {failure(MQRC_RESOURCE_PROBLEM), nullptr};
     Opened opened = openUnderLock(folder, *locks);
@@ -102,17 +114,39 @@ StateOfQueueManager Store::look(const std::filesystem::path &folder)
     Process &process = thisProcess();
     const std::scoped_lock lock(process.mutex);
     const auto [locks, fault] = LockFile::open(folder / "locks");
-    if (locks == nullptr) return {outcomeOfSystem(fault)};
+    if (locks == nullptr) return {withoutLocks(folder, fault)};
     const HeldLock start(*locks, lockBytes::start);
     if (!start.held()) return {failure(MQRC_RESOURCE_PROBLEM)};
-    StateOfQueueManager answer;
-    if (auto [outcome, log] = LogDatabase::open(folder / "log.db"); outcome.failed()) {
-        answer.outcome = outcome;
-    } else {
-        const auto row = log->queueManager();
-        answer = {row.outcome, row.state == State::Running ? State::Running : State::Ended};
-    }
-    return answer;
+    return stateInLog(folder);
+}
+
+// Start-up lock held, and there is no valid life.
+StateOfQueueManager Store::stateInLog(const std::filesystem::path &folder)
+{
+    auto [outcome, log] = LogDatabase::open(folder / "log.db");
+    if (outcome.failed()) return {outcome};
+    const auto row = log->queueManager();
+    return {row.outcome, row.state == State::Running ? State::Running : State::Ended};
+}
+
+Outcome Store::bury(const std::filesystem::path &folder, const std::filesystem::path &grave)
+{
+    Process &process = thisProcess();
+    const std::scoped_lock lock(process.mutex);
+    const auto [locks, fault] = LockFile::open(folder / "locks");
+    if (locks == nullptr) return withoutLocks(folder, fault);
+    const HeldLock start(*locks, lockBytes::start);
+    if (!start.held()) return failure(MQRC_RESOURCE_PROBLEM);
+    if (const Outcome there = exists(folder); there.failed()) return there; // somebody else has done it
+    int error = 0;
+    const auto control = ControlMapping::open(folder / "live", error);
+    if (error != 0) return outcomeOfSystem(error);
+    const auto [outcome, state] = control ? StateOfQueueManager{success(), (*control)->state} : stateInLog(folder);
+    if (outcome.failed()) return outcome;
+    if (state != State::Ended) return failure(MQRC_Q_MGR_ACTIVE);
+    if (rename(folder.c_str(), grave.c_str()) != 0) return outcomeOfSystem(errno);
+    process.stores.erase(folder.string());
+    return success();
 }
 
 Outcome Store::start(const std::filesystem::path &folder)
@@ -121,9 +155,10 @@ Outcome Store::start(const std::filesystem::path &folder)
     Process &process = thisProcess();
     const std::scoped_lock lock(process.mutex);
     const auto [locks, error] = LockFile::open(folder / "locks");
-    if (locks == nullptr) return outcomeOfSystem(error);
+    if (locks == nullptr) return withoutLocks(folder, error);
     const HeldLock start(*locks, lockBytes::start);
     if (!start.held()) return failure(MQRC_RESOURCE_PROBLEM);
+    if (const Outcome there = exists(folder); there.failed()) return there; // it may have been deleted while we waited
     int fault = 0;
     const auto control = ControlMapping::open(folder / "live", fault);
     if (fault != 0) return outcomeOfSystem(fault);

@@ -56,6 +56,9 @@ public:
     static Outcome start(const std::filesystem::path &folder);
     // The state, without opening the life or beginning one.
     static StateOfQueueManager look(const std::filesystem::path &folder);
+    // Renames the folder of an ended queue manager, so that it is none any more; MQRC_Q_MGR_ACTIVE for another. Nobody
+    // begins a life of it meanwhile.
+    static Outcome bury(const std::filesystem::path &folder, const std::filesystem::path &grave);
     // Lets go of a life that has ended, so that it goes when its last connection does.
     static void forgetEnded(const std::shared_ptr<Store> &store);
     // Verifies the live state of the present life, if there is one, and changes nothing (live_check.cpp).
@@ -159,6 +162,7 @@ private:
     friend class LogLock;
     Store(std::filesystem::path folder, LockFile &locks) : folder_(std::move(folder)), locks_(locks) {}
 
+    static StateOfQueueManager stateInLog(const std::filesystem::path &folder);
     static Opened openUnderLock(const std::filesystem::path &folder, LockFile &locks);
     enum class Damage : std::uint8_t { EndsLife, IsLookedAt };
     static Opened openLife(const std::filesystem::path &folder, LockFile &locks,

@@ -157,6 +157,29 @@ TEST_F(States, NumbersGoOnAfterARestart)
     EXPECT_GT(connect()->uniqueNumber(), before);
 }
 
+// Who deletes and who starts at the same moment: one of the two, never both.
+TEST_F(States, WhatIsStartedIsNotDeletedAtTheSameTime)
+{
+    for (int round = 0; round < 25; ++round) {
+        if (listQueueManagers(folder_).empty()) {
+            ASSERT_EQ(createQueueManager(folder_, "QM1", {}, DefaultQueueManager::No), success());
+        }
+        ASSERT_FALSE(endQueueManager(folder_, "QM1", End::Immediate).failed()) << round;
+        const pid_t starter = startProcess([&] {
+            const Outcome started = startQueueManager(folder_, "QM1");
+            return started.failed() ? (started.Reason == MQRC_Q_MGR_NAME_ERROR ? 1 : 2) : 0;
+        });
+        const pid_t deleter = startProcess([&] {
+            const Outcome deleted = deleteQueueManager(folder_, "QM1");
+            return deleted.failed() ? (deleted.Reason == MQRC_Q_MGR_ACTIVE ? 1 : 2) : 0;
+        });
+        const int started = endOfProcess(starter);
+        const int deleted = endOfProcess(deleter);
+        EXPECT_EQ(started + deleted, 1) << "start " << started << ", delete " << deleted;
+        ASSERT_EQ(listQueueManagers(folder_).size(), started == 0 ? 1U : 0U);
+    }
+}
+
 TEST_F(States, OnlyAnEndedQueueManagerIsDeleted)
 {
     auto a = connect();
