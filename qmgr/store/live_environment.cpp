@@ -20,9 +20,6 @@ namespace {
 
 constexpr unsigned readerSlots = 8192;
 constexpr std::uint64_t pageSize = 4096;
-// Space at the end of the map that only gets, locks and flips may enter, so that a full queue manager can be emptied:
-// a deletion needs a few dozen pages before it frees its own.
-constexpr std::uint64_t margin = std::uint64_t{8} << 20;
 constexpr std::uint64_t largestStep = std::uint64_t{512} << 20;
 constexpr long xfsMagic = 0x58465342;
 
@@ -96,7 +93,7 @@ LiveEnvironment::Opened LiveEnvironment::open(const std::filesystem::path &live,
 
     int code = mdb_env_create(&made->env_);
     if (code == 0) code = mdb_env_set_maxreaders(made->env_, readerSlots);
-    const std::uint64_t size = control.mapSize == 0 ? initialSize : control.mapSize.load();
+    const std::uint64_t size = control.mapSize == 0 ? made->firstSize_ : control.mapSize.load();
     if (code == 0) code = mdb_env_set_mapsize(made->env_, size);
     const unsigned flags = MDB_NOTLS | MDB_NOSYNC | MDB_NORDAHEAD | (made->writeMapped_ ? MDB_WRITEMAP : 0U);
     if (code == 0) code = mdb_env_open(made->env_, live.c_str(), flags, 0600);
@@ -280,7 +277,7 @@ bool LiveEnvironment::hasRoom(std::size_t room) const
 {
     MDB_envinfo info{};
     mdb_env_info(env_, &info);
-    return (info.me_last_pgno + 1) * pageSize + room + margin <= mapped_.load(std::memory_order_relaxed);
+    return (info.me_last_pgno + 1) * pageSize + room + margin_ <= mapped_.load(std::memory_order_relaxed);
 }
 
 // The last page ever used does not come back when messages go, so a map that was once full always looks full: then
@@ -306,7 +303,7 @@ bool LiveEnvironment::hasFreePages(std::size_t room) const
     }
     mdb_cursor_close(cursor);
     mdb_txn_abort(txn);
-    return free >= 2 * room + margin;
+    return free >= 2 * room + margin_;
 }
 
 // Takes over the size that another process has published.
@@ -319,10 +316,10 @@ Outcome LiveEnvironment::grow(std::size_t room)
 {
     clearDeadReaders();
     const std::uint64_t before = mapped_.load(std::memory_order_relaxed);
-    const Outcome grown = remap([before, room](std::uint64_t published) {
+    const Outcome grown = remap([before, room, this](std::uint64_t published) {
         if (published != before) return published; // somebody else has just done it
-        const std::uint64_t step = std::max(std::min(before, largestStep), std::uint64_t{room} + 2 * margin);
-        return (before + step + initialSize - 1) / initialSize * initialSize;
+        const std::uint64_t step = std::max(std::min(before, largestStep), std::uint64_t{room} + 2 * margin_);
+        return (before + step + firstSize_ - 1) / firstSize_ * firstSize_;
     });
     if (grown.failed()) cannotGrow_ = before;
     return grown;

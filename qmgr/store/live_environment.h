@@ -23,6 +23,7 @@
 #include "qmgr/store/live_pages.h"
 #include "qmgr/store/lock_file.h"
 #include "qmgr/store/outcome.h"
+#include "qmgr/store/seams.h"
 
 namespace mqrig::qmgr::store {
 
@@ -41,8 +42,6 @@ private:
 
 class LiveEnvironment {
 public:
-    static constexpr std::uint64_t initialSize = std::uint64_t{64} << 20;
-
     struct Opened {
         Outcome outcome;
         std::unique_ptr<LiveEnvironment> environment;
@@ -94,6 +93,10 @@ private:
 
     ControlBlock &control_;
     LockFile &locks_;
+    const std::uint64_t firstSize_ = seams.firstMap;
+    // Space at the end of the map that only gets, locks and flips may enter, so that a full queue manager can be
+    // emptied: a deletion needs a few dozen pages before it frees its own.
+    const std::uint64_t margin_ = firstSize_ / 8;
     MDB_env *env_ = nullptr;
     MDB_dbi records_ = 0;
     bool writeMapped_ = false;

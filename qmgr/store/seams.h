@@ -61,6 +61,9 @@ struct Seams {
     int (*storageError)(StorageCall) = nullptr;
     // Whether the process that holds this slot is alive; null asks the kernel's record lock.
     bool (*slotAlive)(std::uint32_t slot) = nullptr;
+    // Bytes of a new live state, the unit in which it grows: small, it grows often. An eighth of it is kept for getting
+    // messages out. Read when a life is opened, the same in all processes of a queue manager.
+    std::uint64_t firstMap = std::uint64_t{64} << 20;
 };
 
 extern Seams seams;

@@ -142,7 +142,7 @@ void Harness::killAtStep(Step step)
             return killSuccessorOfLogHolder();
         case Step::MapReserved:
         case Step::MapPublished:
-            return killGrower(step);
+            return killGrowers(step);
         default:
             return restartKilledAt(step);
         }
@@ -389,20 +389,23 @@ void Harness::restartKilledAt(Step step)
     if (sound()) inspectAll();
 }
 
-// The live state grows once in a while; in a fresh life soon.
-void Harness::killGrower(Step step)
+// A fresh life grows soon, and grows again: the next to make it grow dies too. Some of them find no space for it.
+void Harness::killGrowers(Step step)
 {
     restart(byBoot);
     doing_ = std::string("at ") + stepNames.at(static_cast<std::size_t>(step));
-    if (!sound()) return;
     fillCrew();
-    Member &victim = start({.role = Role::Filler, .death = Death{step, 1 + below(2)}});
-    const bool byItself = awaitDeath(victim, 5 * limitOfDeath);
-    if (!byItself) kill(victim.pid, SIGKILL);
-    countKill(byItself ? std::optional(step) : std::nullopt);
-    bury(victim);
-    seeSurvivorsGoOn();
+    for (int growths = 0; growths < 3 && sound(); ++growths) {
+        Member &victim =
+            start({.role = Role::Filler, .death = Death{step, 1 + below(2)}, .diskFullAtTimes = below(3) == 0});
+        const bool byItself = awaitDeath(victim, 3 * limitOfDeath);
+        if (!byItself) kill(victim.pid, SIGKILL);
+        countKill(byItself ? std::optional(step) : std::nullopt);
+        bury(victim);
+        seeSurvivorsGoOn();
+    }
     if (sound()) inspectAll();
+    board_->diskFull = 0;
 }
 
 } // namespace mqrig::crash

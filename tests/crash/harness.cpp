@@ -234,6 +234,8 @@ void Harness::inspectAll()
     } while (look.waiterSleeps && model_.misses(Queue::Wait, found) && Clock::now() < until && usleep(50) == 0);
     for (const std::string &text : model_.compare(found))
         fault(text);
+    figures_.growths += found.mapSize > mapSize_ && mapSize_ != 0 ? 1 : 0;
+    mapSize_ = found.mapSize;
     for (std::size_t n = 0; n < queues; ++n) {
         int input = 0;
         int output = 0;

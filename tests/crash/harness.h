@@ -29,6 +29,7 @@ struct Figures {
     int massKills = 0; // all programs at once
     int programs = 0;  // that died
     int restarts = 0;
+    int growths = 0; // of the live state, as far as an inspection met them
     std::array<int, static_cast<std::size_t>(Step::steps)> atStep{};
 };
 
@@ -85,7 +86,7 @@ private:
     void killCreator();
     void restart(int how);
     void restartKilledAt(Step step);
-    void killGrower(Step step);
+    void killGrowers(Step step);
     void started(int kindOfStart, std::optional<Step> step);
     void countKill(std::optional<Step> step);
 
@@ -103,6 +104,7 @@ private:
     Figures figures_;
     std::vector<std::string> faults_;
     std::string doing_;
+    std::uint64_t mapSize_ = 0; // at the last inspection
 };
 
 } // namespace mqrig::crash

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -14,6 +15,7 @@
 #include "processes.h"
 #include "qmgr/command/pcf_reader.h"
 #include "qmgr/store/attachment.h"
+#include "qmgr/store/control_block.h"
 
 namespace mqrig::crash {
 namespace {
@@ -50,12 +52,29 @@ public:
         for (std::size_t n = 0; n < queues; ++n)
             list(static_cast<Queue>(n));
         listObjects();
+        measureMap();
         MQDISC(&hconn_, &compCode_, &reason_);
         if (compCode_ != MQCC_OK) fault("MQDISC answered " + std::to_string(reason_));
     }
 
 private:
     void fault(const std::string &text) { out_ << "F " << text << '\n'; }
+
+    // What is mapped of the live state has space on the disk: without it a full disk were a signal.
+    void measureMap()
+    {
+        const std::filesystem::path live = look_.storeFolder / queueManager / "live";
+        int error = 0;
+        const auto control = qmgr::store::ControlMapping::open(live, error);
+        struct stat data {};
+        if (!control || stat((live / "data.mdb").c_str(), &data) != 0) return fault("the files of the life are gone");
+        const std::uint64_t mapped = (*control)->mapSize;
+        const std::uint64_t reserved = static_cast<std::uint64_t>(data.st_blocks) * 512;
+        if (reserved < mapped)
+            fault("of the live state " + std::to_string(mapped) + " bytes are mapped, but only " +
+                  std::to_string(reserved) + " are reserved");
+        out_ << "L " << mapped << '\n';
+    }
 
     QueueStatus statusOf(std::size_t n)
     {
@@ -215,6 +234,8 @@ Inspection parse(const std::string &text)
             fields >> queue >> counters.depth >> counters.held >> counters.uncommitted >> counters.input >>
                 counters.output >> counters.browse;
             found.counters.at(queue) = counters;
+        } else if (line[0] == 'L') {
+            fields >> found.mapSize;
         } else if (line[0] == 'R') {
             MessageName name;
             fields >> name.producer >> name.serial;

@@ -29,6 +29,7 @@ struct Inspection {
     std::array<Counters, queues> counters{};
     std::vector<MessageName> replies; // these were taken off their queue
     std::vector<std::string> objects; // queues with one of the prefixes; what was defined is removed
+    std::uint64_t mapSize = 0;        // of the live state
     std::vector<std::string> faults;
 };
 

@@ -81,6 +81,7 @@ set(crash_mutations
   puts_not_hidden=UnitPrepared
   rebuild_forgets_the_last=LiveRebuilt
   requests_not_noted=RequestAnswered
+  size_published_before_reserved=MapReserved
   slot_freed_before_cleaning=SlotCleaned
   temporary_queue_forgotten_first=TemporaryRemoving
   ticket_not_stored=UnitLogged

@@ -620,6 +620,7 @@ void work(const Assignment &assignment, const std::filesystem::path &storeFolder
         qmgr::store::seams.storageError = [](qmgr::store::StorageCall call) {
             static std::mt19937 random(static_cast<unsigned>(getpid()));
             // Once the log has refused a batch it refuses its units one by one too, for a while.
+            if (call == qmgr::store::StorageCall::Reserve) return random() % 2 == 0 ? ENOSPC : 0;
             if (call != qmgr::store::StorageCall::LogCommit) return 0;
             if (random() % 6 == 0) logTakesNothing = !logTakesNothing;
             return logTakesNothing ? ENOSPC : 0;
