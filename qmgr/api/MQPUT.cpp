@@ -80,9 +80,10 @@ Outcome put(MQHCONN Hconn, MQHOBJ Hobj, PMQVOID pMsgDesc, PMQVOID pPutMsgOpts, M
 
     const objects::QueueDefinition &queue = *object->hold.queue;
     std::optional<api::PutHandles> handles;
-    if (api::usesHandles(call)) [[unlikely]]
+    if (api::usesHandles(call)) [[unlikely]] {
         if (const Outcome applied = handles.emplace().apply(Hconn, *use, core::reachOf(queue), call); applied.failed())
             return applied;
+    }
     const core::AsyncKind kind = core::asyncKind(call.pmo.Options, queue, call.message.header.md);
     const Outcome outcome = core::putMessage(
         *use, queue, {call.pmo.Options, object->options, call.pmo.Context, &object->logicalOrder}, call.message);

@@ -98,9 +98,10 @@ Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgO
     if (od.RecsPresent > 0) return put1ToList(Hconn, *use, od, pObjDesc, pMsgDesc, pPutMsgOpts, call);
     if (call.pmo.RecsPresent != 0) return failure(MQRC_RECS_PRESENT_ERROR);
     const objects::FoundQueue found = core::resolveForPut(*use, name);
-    if (found.outcome.Reason == MQRC_ALIAS_BASE_Q_TYPE_ERROR) [[unlikely]]
+    if (found.outcome.Reason == MQRC_ALIAS_BASE_Q_TYPE_ERROR) [[unlikely]] {
         if (const std::string topic = core::topicOfAlias(*use, name); !topic.empty())
             return publish1(Hconn, *use, {MQOT_TOPIC, topic, {}}, name, pObjDesc, pMsgDesc, pPutMsgOpts, call);
+    }
     if (api::asksForTopic(call.pmo)) return failure(MQRC_OPTIONS_ERROR);
     if (found.outcome.failed()) {
         core::callEvent(*use, found.outcome, name);
@@ -108,9 +109,10 @@ Outcome put1(MQHCONN Hconn, PMQVOID pObjDesc, PMQVOID pMsgDesc, PMQVOID pPutMsgO
     }
     const objects::QueueDefinition &queue = *found.hold.queue;
     std::optional<api::PutHandles> handles;
-    if (api::usesHandles(call)) [[unlikely]]
+    if (api::usesHandles(call)) [[unlikely]] {
         if (const Outcome applied = handles.emplace().apply(Hconn, *use, core::reachOf(queue), call); applied.failed())
             return applied;
+    }
     // The queue's own response type is one of handles: without MQOPEN there is no time at which it would be looked up.
     const MQLONG persistence = call.message.header.md.Persistence == MQPER_PERSISTENCE_AS_Q_DEF
                                    ? queue.defPersistence

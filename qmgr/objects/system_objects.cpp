@@ -1,5 +1,6 @@
 #include "qmgr/objects/system_objects.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -168,9 +169,10 @@ std::vector<store::Definition> systemObjects(std::string_view queueManagerName)
 
 std::optional<store::Definition> systemObject(MQLONG type, std::string_view name)
 {
-    for (store::Definition &object : systemObjects("QM"))
-        if (object.type == type && object.name == name) return std::move(object);
-    return std::nullopt;
+    const std::vector<store::Definition> objects = systemObjects("QM");
+    const auto found = std::ranges::find_if(
+        objects, [&](const store::Definition &object) { return object.type == type && object.name == name; });
+    return found == objects.end() ? std::nullopt : std::optional(*found);
 }
 
 } // namespace mqrig::qmgr::objects
