@@ -112,14 +112,19 @@ cppcheck_run() {
   echo "no findings"
 }
 
+# Tests in which no file can be written, or another user's program runs, would spoil the counts that every process adds
+# to: they are left out. Threads count atomically.
 coverage() {
   step "coverage"
-  cmake --preset debug -B build-coverage -DMQRIG_BENCH=OFF -DCMAKE_CXX_FLAGS=--coverage -DCMAKE_C_FLAGS=--coverage >/dev/null
+  local flags="--coverage -fprofile-update=atomic"
+  cmake --preset debug -B build-coverage -DMQRIG_BENCH=OFF -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_C_FLAGS="$flags" >/dev/null
   cmake --build build-coverage | tail -n 1
-  scripts/run_ctest.sh build-coverage -LE 'long|release_only'
+  scripts/run_ctest.sh build-coverage -LE 'long|release_only' \
+    -E '[Ss]weep|FullDisk|ShortWrite|random_arguments|RefusedFiles|Mutation|CrashRun|crash_run|power_loss'
   gcovr --root . --filter 'src/' --filter 'tables/' --filter 'qmgr/' --filter 'rigqm/' --exclude-throw-branches \
-    --object-directory build-coverage --txt build-coverage/coverage.txt --print-summary | grep -E '^(lines|functions)'
-  echo "by file: build-coverage/coverage.txt"
+    --gcov-ignore-parse-errors --object-directory build-coverage --txt build-coverage/coverage.txt --print-summary |
+    grep -E '^(lines|functions)'
+  echo "by file: build-coverage/coverage.txt; what is not covered, and why: docs/coverage.md"
 }
 
 for name in "${steps[@]}"; do

@@ -372,6 +372,25 @@ TEST_F(DistributionListTest, MQPUT1TakesAListToo)
     EXPECT_EQ(take("L1").body, "x");
 }
 
+TEST_F(DistributionListTest, MQPUT1ToAListMayBeAsynchronous)
+{
+    destinations({"L1", "L2"});
+    MQMD md = {MQMD_DEFAULT};
+    MQPMO pmo = pmoWith(MQPMO_SYNCPOINT | MQPMO_ASYNC_RESPONSE);
+    char body[] = "x";
+    Codes codes;
+    MQPUT1(hconn, &od, &md, &pmo, 1, body, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, ok);
+    EXPECT_EQ(responses, (std::vector<Response>{untouched, untouched})); // nobody knows yet
+    ASSERT_EQ(commit(hconn), ok);
+    EXPECT_EQ(take("L1").body, "x");
+    EXPECT_EQ(take("L2").body, "x");
+    MQSTS sts = {MQSTS_DEFAULT};
+    MQSTAT(hconn, MQSTAT_TYPE_ASYNC_ERROR, &sts, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, ok);
+    EXPECT_EQ(sts.PutSuccessCount + sts.PutFailureCount, 1); // one call
+}
+
 // ---- Elsewhere ----
 
 TEST_F(DistributionListTest, DestinationsElsewhereGetAMessageEach)

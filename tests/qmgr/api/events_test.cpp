@@ -230,6 +230,60 @@ TEST_F(Events, OtherQueueManagersAreReportedWithTheirNames)
     EXPECT_EQ(event.texts.at(MQCACF_OBJECT_Q_MGR_NAME), "QM9");
 }
 
+TEST_F(Events, AnAliasIsReportedWithWhatItStandsFor)
+{
+    defineAlias("A1", "NOWHERE");
+    EXPECT_EQ(openCodes(hconn, "A1", MQOO_OUTPUT), failed(MQRC_UNKNOWN_ALIAS_BASE_Q));
+    const Event unknown = next(ofQueueManager);
+    EXPECT_EQ(unknown.header.Reason, MQRC_UNKNOWN_ALIAS_BASE_Q);
+    EXPECT_EQ(unknown.texts.at(MQCA_Q_NAME), "A1");
+    EXPECT_EQ(unknown.texts.at(MQCA_BASE_OBJECT_NAME), "NOWHERE");
+    EXPECT_FALSE(unknown.numbers.contains(MQIA_Q_TYPE));
+
+    defineAlias("A2", "A1");
+    EXPECT_EQ(openCodes(hconn, "A2", MQOO_OUTPUT), failed(MQRC_ALIAS_BASE_Q_TYPE_ERROR));
+    const Event wrong = next(ofQueueManager);
+    EXPECT_EQ(wrong.header.Reason, MQRC_ALIAS_BASE_Q_TYPE_ERROR);
+    EXPECT_EQ(wrong.texts.at(MQCA_BASE_OBJECT_NAME), "A1");
+    EXPECT_EQ(wrong.numbers.at(MQIA_Q_TYPE), MQQT_ALIAS);
+}
+
+TEST_F(Events, TransmissionQueuesThatCannotBeAreReportedByName)
+{
+    const auto expectQueue = [&](const char *name, MQLONG reason, const char *transmissionQueue) {
+        EXPECT_EQ(openCodes(hconn, name, MQOO_OUTPUT), failed(reason)) << name;
+        const Event event = next(ofQueueManager);
+        EXPECT_EQ(event.header.Reason, reason) << name;
+        EXPECT_EQ(event.texts.at(MQCA_Q_NAME), name);
+        EXPECT_EQ(event.texts.at(MQCA_XMIT_Q_NAME), transmissionQueue) << name;
+    };
+    defineAlias("A1", "Q1");
+    defineRemote("R1", "THERE", "QM2", "NOSUCH");
+    expectQueue("R1", MQRC_UNKNOWN_XMIT_Q, "NOSUCH");
+    defineRemote("R2", "THERE", "QM2", "A1");
+    expectQueue("R2", MQRC_XMIT_Q_TYPE_ERROR, "A1");
+    defineRemote("R3", "THERE", "Q1", "");
+    expectQueue("R3", MQRC_XMIT_Q_USAGE_ERROR, "Q1");
+
+    defineRemote("R4", "THERE", "QM2", "");
+    alterQueueManager({}, {{MQCA_DEF_XMIT_Q_NAME, "NOSUCH"}});
+    expectQueue("R4", MQRC_UNKNOWN_DEF_XMIT_Q, "NOSUCH");
+    alterQueueManager({}, {{MQCA_DEF_XMIT_Q_NAME, "A1"}});
+    expectQueue("R4", MQRC_DEF_XMIT_Q_TYPE_ERROR, "A1");
+    alterQueueManager({}, {{MQCA_DEF_XMIT_Q_NAME, "Q1"}});
+    expectQueue("R4", MQRC_DEF_XMIT_Q_USAGE_ERROR, "Q1");
+}
+
+TEST_F(Events, UnknownNamelistsAreReported)
+{
+    MQOD od = {MQOD_DEFAULT};
+    od.ObjectType = MQOT_NAMELIST;
+    std::strcpy(od.ObjectName, "NO.LIST");
+    MQHOBJ hobj = MQHO_NONE;
+    EXPECT_EQ(tryOpen(hconn, od, MQOO_INQUIRE, hobj), failed(MQRC_UNKNOWN_OBJECT_NAME));
+    EXPECT_EQ(next(ofQueueManager).texts.at(MQCA_NAMELIST_NAME), "NO.LIST");
+}
+
 TEST_F(Events, StartIsReportedOncePerLife)
 {
     disconnect(hconn);

@@ -1,6 +1,7 @@
 // Connections that follow their queue manager through `rigqm end -r` and `rigqm start`.
 #include "callback_fixture.h"
 
+#include <array>
 #include <atomic>
 #include <cstring>
 #include <future>
@@ -332,6 +333,47 @@ TEST_F(Reconnect, HandlesKeepTheirNumbersAndOptions)
     EXPECT_EQ(value, 9);
     MQHOBJ closing = output;
     EXPECT_EQ(close(hconn, closing), ok);
+}
+
+TEST_F(Reconnect, ADistributionListIsOpenedAgain)
+{
+    defineQueue("Q2");
+    std::array<MQOR, 3> records{};
+    std::memcpy(records[0].ObjectName, "Q1", 2);
+    std::memcpy(records[1].ObjectName, "NOSUCH", 6);
+    std::memcpy(records[2].ObjectName, "Q2", 2);
+    MQOD od = {MQOD_DEFAULT};
+    od.Version = MQOD_VERSION_2;
+    od.RecsPresent = static_cast<MQLONG>(records.size());
+    od.ObjectRecPtr = records.data();
+    MQHOBJ list = MQHO_NONE;
+    ASSERT_EQ(tryOpen(hconn, od, MQOO_OUTPUT, list), warned(MQRC_MULTIPLE_REASONS));
+    endToReconnect();
+    start();
+    MQPMO pmo = pmoWith(MQPMO_NO_SYNCPOINT);
+    pmo.Version = MQPMO_VERSION_2;
+    pmo.RecsPresent = od.RecsPresent;
+    EXPECT_EQ(put(hconn, list, "to both", MQMD{MQMD_DEFAULT}, pmo), warned(MQRC_MULTIPLE_REASONS));
+    EXPECT_EQ(get(hconn, q1).body, "to both");
+    EXPECT_EQ(depth("Q2"), 1);
+}
+
+TEST_F(Reconnect, ADistributionListOfADeletedQueueIs2548)
+{
+    defineQueue("Q2");
+    std::array<MQOR, 2> records{};
+    std::memcpy(records[0].ObjectName, "Q1", 2);
+    std::memcpy(records[1].ObjectName, "Q2", 2);
+    MQOD od = {MQOD_DEFAULT};
+    od.Version = MQOD_VERSION_2;
+    od.RecsPresent = static_cast<MQLONG>(records.size());
+    od.ObjectRecPtr = records.data();
+    MQHOBJ list = MQHO_NONE;
+    ASSERT_EQ(tryOpen(hconn, od, MQOO_OUTPUT, list), ok);
+    deleteQueue("Q2");
+    endToReconnect();
+    start();
+    EXPECT_EQ(put(hconn, q1, "x"), failed(MQRC_RECONNECT_FAILED));
 }
 
 TEST_F(Reconnect, ATemporaryDynamicQueueIsMadeAgain)

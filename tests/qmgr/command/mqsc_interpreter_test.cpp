@@ -2,6 +2,7 @@
 
 #include <random>
 
+#include "qmgr/command/mqsc_messages.h"
 #include "qmgr/objects/attribute.h"
 #include "qmgr/objects/attribute_value.h"
 #include "queue_manager_fixture.h"
@@ -135,6 +136,68 @@ TEST_F(Mqsc, FaultsNameTheirPlace)
               "   ^\n");
     EXPECT_EQ(answer("CLEAR QMGR").substr(0, 85),
               "AMQ8405E: Syntax error at line 1, column 7: CLEAR is followed by QLOCAL or TOPICSTR.\n");
+}
+
+TEST_F(Mqsc, EachFaultSaysWhatWouldBeRight)
+{
+    std::string tooMany = "DEF NAMELIST(N1) NAMES(A";
+    for (int n = 0; n < 256; ++n)
+        tooMany += ",A";
+    const std::vector<std::pair<std::string, std::string>> faults{
+        {"DELETE QL(Q1) FROB", "DELETE QLOCAL takes only PURGE or NOPURGE, without a value"},
+        {"DELETE QL(Q1) PURGE(YES)", "DELETE QLOCAL takes only PURGE or NOPURGE, without a value"},
+        {"CLEAR QL(Q1) SHARE", "CLEAR QLOCAL takes only a name"},
+        {"DIS QMGR(QM1)", "QMGR takes no name"},
+        {"ALTER QMGR(QM1) DESCR(x)", "QMGR takes no name"},
+        {"PING QMGR(QM1)", "PING QMGR takes no name and no parameters"},
+        {"PING QMGR DESCR", "PING QMGR takes no name and no parameters"},
+        {tooMany + ')', "NAMES has at most 256 names"},
+        {"DEF QL(Q1) DESCR('a\x01z')", "DESCR takes no control characters"},
+        {"DEF QL(Q1) REPLACE(YES)", "REPLACE takes no value"},
+        {"DEF QL(Q1) LIKE", "LIKE takes a name in parentheses"},
+        {"DEF QL(Q1) LIKE(A,B)", "LIKE takes the name of an object"},
+        {"DEF QL(Q1) LIKE('A B')", "LIKE takes the name of an object"},
+        {"DEF QL(Q1) SHARE(YES)", "SHARE takes no value"},
+        {"DEF QL(Q1) MAXDEPTH", "MAXDEPTH takes a value in parentheses"},
+        {"DEF QL(Q1) DESCR(a,b)", "a value with blanks or commas in it stands between quotes"},
+        {"DEF QL(Q1,Q2)", "only one name may be given"},
+        {"DEF QL()", "the name is empty"},
+    };
+    for (const auto &[command, reason] : faults) {
+        EXPECT_EQ(run(command).result, CommandResult::SyntaxError) << command;
+        EXPECT_NE(answer(command).find(reason), std::string::npos) << command << '\n' << answer(command);
+    }
+    EXPECT_EQ(idOf("Q1"), 0U);
+    EXPECT_EQ(run("DEF QL(Q1) NOREPLACE").result, CommandResult::Done);
+    EXPECT_EQ(run("ALTER QL(Q1) NOSHARE FORCE").result, CommandResult::Done);
+}
+
+TEST_F(Mqsc, EachReasonOfTheStoreHasItsMessage)
+{
+    const std::vector<std::pair<MQLONG, std::string>> messages{
+        {MQRC_OBJECT_DAMAGED, "AMQ8149E: The definition of object Q1 is damaged."},
+        {MQRC_NOT_AUTHORIZED, "AMQ8135E: Not authorized: the files of the queue manager do not allow it."},
+        {MQRC_Q_MGR_STOPPING, "AMQ8146E: The queue manager is not available."},
+        {MQRC_CONNECTION_BROKEN, "AMQ8145E: The connection to the queue manager is broken."},
+        {MQRC_HCONN_ERROR, "AMQ8145E: The connection to the queue manager is broken."},
+        {MQRC_STORAGE_NOT_AVAILABLE, "AMQ8404E: The command failed: no storage is left."},
+        {MQRC_RESOURCE_PROBLEM, "AMQ8404E: The command failed: no storage is left."},
+    };
+    for (const auto &[reason, message] : messages)
+        EXPECT_EQ(formatFailure(failure(reason), "Q1"), message) << reason;
+    EXPECT_EQ(formatFailure(failure(MQRC_UNEXPECTED_ERROR), "Q1").substr(0, 9), "AMQ8101E:");
+}
+
+TEST_F(Mqsc, ADefinitionThatCannotBeReadIsSaidToBeDamaged)
+{
+    ASSERT_EQ(run("DEF QL(Q1)").result, CommandResult::Done);
+    auto stored = attachment_->findDefinition(MQOT_Q, "Q1");
+    ASSERT_TRUE(stored);
+    stored->bytes = "not what an object is stored as";
+    ASSERT_TRUE(attachment_->alter(*stored, std::nullopt).ok());
+    for (const char *command : {"ALTER QL(Q1) SHARE", "DIS QL(Q1)", "CLEAR QL(Q1)"})
+        EXPECT_EQ(answer(command).substr(0, 9), "AMQ8149E:") << command << '\n' << answer(command);
+    EXPECT_NE(answer("DIS QL(*) MAXDEPTH").find("MAXDEPTH("), std::string::npos); // the others are shown
 }
 
 TEST_F(Mqsc, NothingIsDoneByACommandWithAFault)

@@ -1,9 +1,13 @@
 // Damaged, foreign, copied and unreadable files: an outcome, never a signal, and nothing made worse.
 
+#include <cstdlib>
 #include <fstream>
+#include <optional>
 
+#include "qmgr/store/paths.h"
 #include "store_test.h"
 
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -238,6 +242,37 @@ TEST_F(Files, OfAnotherUserAreNotAuthorized)
               }),
               0);
     chmod((folder_ / "QM1").c_str(), 0700);
+}
+
+// The environment as it is now, and again when this ends.
+class WithoutVariables {
+public:
+    explicit WithoutVariables(std::initializer_list<const char *> names)
+    {
+        for (const char *name : names) {
+            const char *value = std::getenv(name);
+            kept_.emplace_back(name, value == nullptr ? std::nullopt : std::optional<std::string>(value));
+            unsetenv(name);
+        }
+    }
+    ~WithoutVariables()
+    {
+        for (const auto &[name, value] : kept_)
+            if (value) setenv(name, value->c_str(), 1);
+    }
+    WithoutVariables(const WithoutVariables &) = delete;
+    WithoutVariables &operator=(const WithoutVariables &) = delete;
+
+private:
+    std::vector<std::pair<const char *, std::optional<std::string>>> kept_;
+};
+
+TEST(StorePaths, HomeOfThePasswordFileIsTakenWithoutHOME)
+{
+    const WithoutVariables without{"MQRIG_STORE", "XDG_DATA_HOME", "HOME"};
+    const passwd *const entry = getpwuid(getuid());
+    ASSERT_NE(entry, nullptr);
+    EXPECT_EQ(defaultStoreFolder(), std::filesystem::path(entry->pw_dir) / ".local/share/mqrig");
 }
 
 } // namespace

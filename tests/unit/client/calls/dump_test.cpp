@@ -89,6 +89,29 @@ TEST_F(Utf8DumpTest, OneCarriedColumnIsHalfAGroup)
                   "\n00000011:    62" + std::string(35, ' ') + fill(0) + " ' b              '\n");
 }
 
+TEST_F(Utf8DumpTest, CharactersWithinALineStandInTheirPlaces)
+{
+    ASSERT_TRUE(available);
+    EXPECT_EQ(dumped("a\xC3\xA9"
+                     "b\xE3\x81\x82"
+                     "cdefghijk"
+                     "l"),
+              "\n00000000:  61C3 A962 E381 8263 6465 6667 6869 6A6B" + fill(0) +
+                  " 'a\xC3\xA9"
+                  "b\xE3\x81\x82"
+                  "cdefghijk'\n00000010:  6C" +
+                  std::string(37, ' ') + fill(0) + " 'l               '\n");
+}
+
+TEST_F(Utf8DumpTest, BrokenCharactersWithinALineAreADotForEachByte)
+{
+    ASSERT_TRUE(available);
+    EXPECT_NE(dumped("a\xE3\x81"
+                     "bcdefghijklmno")
+                  .find(" 'a..bcdefghijklmn'"),
+              std::string::npos);
+}
+
 TEST_F(Utf8DumpTest, CharacterThatTheEndDividesIsShownByteByByte)
 {
     ASSERT_TRUE(available);
