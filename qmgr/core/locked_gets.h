@@ -5,6 +5,7 @@
 
 #include "qmgr/store/attachment.h"
 #include "qmgr/store/message.h"
+#include "qmgr/store/with_memory.h"
 
 namespace mqrig::qmgr::core {
 
@@ -18,10 +19,12 @@ public:
     ~LockedGets()
     {
         if (messages_.empty()) return;
-        (void)store_.update(0, [&](store::WriteTransaction &transaction) {
-            for (const store::TakenMessage &message : messages_)
-                transaction.unlock(message.key);
-            return success();
+        store::giveBack([&] {
+            return store_.update(0, [&](store::WriteTransaction &transaction) {
+                for (const store::TakenMessage &message : messages_)
+                    transaction.unlock(message.key);
+                return success();
+            });
         });
     }
     LockedGets(const LockedGets &) = delete;

@@ -1,6 +1,7 @@
 #include "qmgr/core/private_unit.h"
 
 #include "qmgr/core/trigger.h"
+#include "qmgr/store/with_memory.h"
 
 namespace mqrig::qmgr::core {
 
@@ -13,10 +14,10 @@ Outcome PrivateUnit::commit()
     return committed.Reason == MQRC_BACKED_OUT ? failure(MQRC_STORAGE_NOT_AVAILABLE) : committed;
 }
 
-void PrivateUnit::backOut()
+void PrivateUnit::backOut() noexcept
 {
     if (unit_.empty()) return;
-    (void)connection_.store->backOut(unit_.content());
+    store::giveBack([&] { return connection_.store->backOut(unit_.content()); });
     unit_.clear();
 }
 

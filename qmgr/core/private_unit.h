@@ -22,7 +22,7 @@ public:
     // All of it or nothing. A unit that could not be stored is no unit to its caller, who asked for none:
     // MQRC_STORAGE_NOT_AVAILABLE.
     Outcome commit();
-    void backOut();
+    void backOut() noexcept;
 
 private:
     Connection &connection_;

@@ -6,6 +6,7 @@
 #include "qmgr/core/connection.h"
 #include "qmgr/core/reconnect.h"
 #include "qmgr/core/trigger.h"
+#include "qmgr/store/with_memory.h"
 
 namespace mqrig::qmgr::core {
 namespace {
@@ -85,7 +86,9 @@ void UnitOfWork::keepPut(const store::NewMessage &message)
 void UnitOfWork::takeBackPuts(store::Attachment &store, std::size_t kept)
 {
     if (puts_.size() == kept) return;
-    (void)store.backOut({std::span<const store::NewMessage>(puts_).subspan(kept), {}});
+    mqrig::qmgr::store::giveBack([&] {
+        return store.backOut({std::span<const store::NewMessage>(puts_).subspan(kept), {}});
+    });
     while (puts_.size() > kept)
         dropLastPut();
     std::erase_if(triggers_, [kept](const UnitTrigger &trigger) { return trigger.put >= kept; });

@@ -116,8 +116,9 @@ std::size_t roomOf(const Unit &unit)
 LogLock::LogLock(Store &store, Busy busy) : store_(store)
 {
     ControlBlock &control = store.control();
-    const int code =
-        busy == Busy::Wait ? pthread_mutex_lock(&control.logLock) : pthread_mutex_trylock(&control.logLock);
+    int code = EAGAIN;
+    for (int tries = 0; code == EAGAIN && tries < 3; ++tries)
+        code = busy == Busy::Wait ? pthread_mutex_lock(&control.logLock) : pthread_mutex_trylock(&control.logLock);
     busy_ = code == EBUSY;
     if (busy_) return;
     if (code == EOWNERDEAD) {

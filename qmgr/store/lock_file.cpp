@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <ctime>
 #include <fcntl.h>
+#include <memory>
+#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -43,14 +45,19 @@ LockFile::Opened LockFile::open(const std::filesystem::path &path)
     }
     const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     if (fd < 0) return {nullptr, errno};
-    if (fstat(fd, &file) != 0) {
-        const int error = errno;
-        close(fd); // new to this process, so no lock goes with it
-        return {nullptr, error};
+    int error = fstat(fd, &file) == 0 ? 0 : errno;
+    if (error == 0) {
+        try {
+            std::unique_ptr<LockFile> made(new LockFile(fd));
+            auto &entry = known[identity(file)];
+            if (!entry) entry = std::move(made);
+            return {entry.get(), 0};
+        } catch (const std::bad_alloc &) {
+            error = ENOMEM;
+        }
     }
-    auto &entry = known[identity(file)];
-    if (!entry) entry.reset(new LockFile(fd));
-    return {entry.get(), 0};
+    close(fd); // new to this process, so no lock goes with it
+    return {nullptr, error};
 }
 
 bool LockFile::tryLock(std::uint32_t byte)

@@ -22,7 +22,6 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <new>
 #include <optional>
 #include <span>
 #include <string>
@@ -36,6 +35,7 @@
 #include "qmgr/store/log_database.h"
 #include "qmgr/store/queue_managers.h"
 #include "qmgr/store/transaction.h"
+#include "qmgr/store/with_memory.h"
 
 namespace mqrig::qmgr::store {
 
@@ -226,16 +226,8 @@ private:
     std::mutex slotsMutex_;            // record locks do not tell the threads of a process apart
 };
 
-// Runs work that must not throw: what lacks memory answers like a log that is as it was.
-template <class Work>
-Outcome withMemory(Work &&work)
-{
-    try {
-        return work();
-    } catch (const std::bad_alloc &) {
-        return failure(MQRC_RESOURCE_PROBLEM);
-    }
-}
+// Nobody sleeps longer without a look: see waiting.cpp.
+constexpr std::chrono::seconds longestSleep{5};
 
 // Which bit of ConnectionSlot::watched stands for the queue's wait cell, and others.
 constexpr std::uint64_t watchBit(QueueId queue)

@@ -501,5 +501,13 @@ CALL(iconv_t, iconv_open, (const char *to, const char *from), (to, from), CallSy
 CALL(ssize_t, getrandom, (void *to, size_t size, unsigned flags), (to, size, flags), CallSystem, -1, EIO)
 CALL(int, gethostname, (char *name, size_t size), (name, size), CallSystem, -1, EIO)
 CALL(ssize_t, readlink, (const char *path, char *to, size_t size), (path, to, size), CallSystem, -1, EIO)
-CALL(int, getpwuid_r, (uid_t user, struct passwd *entry, char *buffer, size_t size, struct passwd **found),
-     (user, entry, buffer, size, found), CallSystem, EIO, EIO)
+/* What the C library does inside counts as one call: without memory there it ends the process. */
+EXPORT int getpwuid_r(uid_t user, struct passwd *entry, char *buffer, size_t size, struct passwd **found)
+{
+    int code;
+    if (fails(CallSystem, EIO)) return EIO;
+    ++suspended;
+    code = NEXT(getpwuid_r)(user, entry, buffer, size, found);
+    --suspended;
+    return code;
+}

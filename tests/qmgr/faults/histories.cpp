@@ -99,6 +99,7 @@ void properties(Trial &run)
     MQHMSG hmsg = MQHM_UNUSABLE_HMSG;
     const bool made =
         run.call("MQCRTMH", [&](PMQLONG cc, PMQLONG rc) { MQCRTMH(run.hconn, &cmho, &hmsg, cc, rc); }).ok();
+    bool set = false;
     MQCHARV name = {MQCHARV_DEFAULT};
     char colour[] = "colour";
     name.VSPtr = colour;
@@ -107,9 +108,11 @@ void properties(Trial &run)
         MQSMPO smpo = {MQSMPO_DEFAULT};
         MQPD pd = {MQPD_DEFAULT};
         char red[] = "red";
-        run.call("MQSETMP", [&](PMQLONG cc, PMQLONG rc) {
-            MQSETMP(run.hconn, hmsg, &smpo, &name, &pd, MQTYPE_STRING, 3, red, cc, rc);
-        });
+        set = run.call("MQSETMP",
+                       [&](PMQLONG cc, PMQLONG rc) {
+                           MQSETMP(run.hconn, hmsg, &smpo, &name, &pd, MQTYPE_STRING, 3, red, cc, rc);
+                       })
+                  .ok();
         MQPMO pmo = {MQPMO_DEFAULT};
         pmo.Version = MQPMO_VERSION_3;
         pmo.OriginalMsgHandle = hmsg;
@@ -122,7 +125,7 @@ void properties(Trial &run)
         gmo.MsgHandle = hmsg;
     }
     const std::string body = made ? run.get(q1, "Q1", Unit::No, gmo) : std::string();
-    if (!body.empty()) {
+    if (set && !body.empty()) {
         MQIMPO impo = {MQIMPO_DEFAULT};
         MQPD pd = {MQPD_DEFAULT};
         MQLONG type = 0;

@@ -254,7 +254,9 @@ protected:
         ++runs_;
         if (wrong.empty()) return true;
         std::cout << history().name << ", " << fault << ":\n" << wrong;
-        makeQueueManager(); // the next one is not to suffer from it
+        // The next one is not to suffer from it.
+        makeQueueManager();
+        const Child first([&] { return meet({}); });
         return false;
     }
 
