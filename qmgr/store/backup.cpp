@@ -222,7 +222,7 @@ BackupResult backUpQueueManager(const std::filesystem::path &storeFolder, std::s
             result = refusedBySystem(error);
         return result;
     }
-    syncFolder(place);
+    if (const int error = syncFolder(place); error != 0) return refusedBySystem(error);
     return result;
 }
 

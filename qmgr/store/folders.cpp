@@ -32,20 +32,23 @@ std::string randomName(const char *prefix)
     return prefix + std::to_string(number);
 }
 
-void syncFolder(const std::filesystem::path &folder)
+int syncFolder(const std::filesystem::path &folder)
 {
     const int fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return;
-    fsync(fd);
+    if (fd < 0) return errno;
+    const int error = fsync(fd) == 0 || errno == EINVAL || errno == ENOTSUP ? 0 : errno;
     close(fd);
+    return error;
 }
 
 Outcome makeFolders(const std::filesystem::path &folder)
 {
     const auto make = [&] {
         if (mkdir(folder.c_str(), 0700) != 0) return errno == EEXIST;
-        syncFolder(folder.has_parent_path() ? folder.parent_path() : ".");
-        return true;
+        const int error = syncFolder(folder.has_parent_path() ? folder.parent_path() : ".");
+        if (error != 0) rmdir(folder.c_str()); // the next one to make it is to sync it
+        errno = error;
+        return error == 0;
     };
     if (make()) return success();
     if (errno != ENOENT || !folder.has_parent_path() || folder.parent_path() == folder) return outcomeOfErrno();

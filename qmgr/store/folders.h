@@ -24,8 +24,9 @@ void forEachEntry(const std::filesystem::path &folder, Look &&look)
     for (std::filesystem::directory_iterator at(folder, error), end; !error && at != end; at.increment(error))
         look(*at);
 }
-// What was made or renamed in the folder is there after a power failure, too.
-void syncFolder(const std::filesystem::path &folder);
+// What was made or renamed in the folder is there after a power failure, too, unless the answer is an errno. (A file
+// system that has no such step answers 0.)
+[[nodiscard]] int syncFolder(const std::filesystem::path &folder);
 // A small file that is on disk, as a whole, when it is back.
 [[nodiscard]] Outcome writeFile(const std::filesystem::path &file, std::string_view text);
 

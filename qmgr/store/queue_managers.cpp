@@ -9,6 +9,7 @@
 #include "qmgr/store/paths.h"
 #include "qmgr/store/seams.h"
 #include "qmgr/store/store.h"
+#include "qmgr/store/system_error.h"
 
 namespace mqrig::qmgr::store {
 
@@ -57,18 +58,21 @@ Outcome makeQueueManager(const std::filesystem::path &storeFolder, std::string_v
     const std::filesystem::path building = storeFolder / randomName(unfinishedPrefix);
     if (mkdir(building.c_str(), 0700) != 0) return outcomeOfErrno();
     Outcome outcome = write(building);
+    if (!outcome.failed()) outcome = outcomeOfSystem(syncFolder(building));
     if (!outcome.failed()) {
-        syncFolder(building);
         reached(Step::CreateWritten);
         // The one step that makes it a queue manager. A folder with anything in it is never replaced.
         if (rename(building.c_str(), folder.c_str()) != 0) outcome = outcomeOfErrno();
+    }
+    if (!outcome.failed()) {
+        outcome = outcomeOfSystem(syncFolder(storeFolder));
+        if (outcome.failed()) rename(folder.c_str(), building.c_str());
     }
     if (outcome.failed()) {
         std::error_code ignored;
         std::filesystem::remove_all(building, ignored);
         return outcome;
     }
-    syncFolder(storeFolder);
     return success();
 }
 
@@ -90,7 +94,10 @@ Outcome deleteQueueManager(const std::filesystem::path &storeFolder, std::string
     if (state != State::Ended) return failure(MQRC_Q_MGR_ACTIVE);
     const std::filesystem::path grave = storeFolder / randomName(discarded);
     if (const Outcome buried = Store::bury(folder, grave); buried.failed()) return buried;
-    syncFolder(storeFolder);
+    if (const int unsynced = syncFolder(storeFolder); unsynced != 0) {
+        rename(grave.c_str(), folder.c_str());
+        return outcomeOfSystem(unsynced);
+    }
     std::error_code error;
     std::filesystem::remove_all(grave, error);
     if (defaultQueueManager(storeFolder) == name) std::filesystem::remove(storeFolder / defaultFile, error);
@@ -131,8 +138,7 @@ Outcome setDefaultQueueManager(const std::filesystem::path &storeFolder, std::st
         unlink(written.c_str());
         return outcome;
     }
-    syncFolder(storeFolder);
-    return outcome;
+    return outcomeOfSystem(syncFolder(storeFolder));
 }
 
 Outcome startQueueManager(const std::filesystem::path &storeFolder, std::string_view name)
