@@ -9,9 +9,9 @@
 // A process that is killed raises nothing. What it had locked or prepared was there, held, when a sleeper last looked
 // or else raises the number later; so a sleeper whose queue has held messages wakes every 500 ms to see whether
 // somebody died. To make that true for units prepared while it slept, the prepare wakes one sleeper, which from then
-// on keeps the watch, and hands it on when it leaves. A sleeper whose queue has nothing held sleeps without a pause;
-// what a killed process made visible without waking it, it finds when somebody cleans up behind that process and wakes
-// everybody (slots.cpp).
+// on keeps the watch, and hands it on when it leaves. What a killed process made visible without waking anybody is
+// found when somebody cleans up behind that process and wakes everybody (slots.cpp); for a sleeper all alone that is
+// the sleeper itself, which does so every five seconds.
 //
 // A sleeper may wait for what a request to the queue manager brings, and a request is served by whoever has put it,
 // unless that one is killed. So while requests wait no sleep lasts longer than those 500 ms, and the first one that
@@ -113,7 +113,7 @@ bool Store::waitForMessage(std::uint32_t slot, QueueId queue, std::uint32_t obse
             return success();
         });
         if (looked.failed()) return true; // the caller's next look says what is wrong
-        Deadline until = deadline;
+        Deadline until = std::min(deadline, std::chrono::steady_clock::now() + longestSleep);
         if (watching) until = std::min(until, std::chrono::steady_clock::now() + watchInterval);
 
         // In this order, so that whoever counts a killed sleeper out never takes off more than it had put on: a count
@@ -126,11 +126,13 @@ bool Store::waitForMessage(std::uint32_t slot, QueueId queue, std::uint32_t obse
         own.waitsOn = 0;
         cell.waiters.fetch_sub(1);
 
-        if (!woken && requests && std::chrono::steady_clock::now() < deadline) return true;
-        if (woken || !watching) continue;
+        if (woken) continue;
         if (releaseDead()) return true;
+        const bool over = std::chrono::steady_clock::now() >= deadline;
+        if (requests && !over) return true;
+        if (!watching) continue;
         if (anyPrepared() && !finishPrepared().failed() && cell.word != observed) return true;
-        if (std::chrono::steady_clock::now() >= deadline && cell.waiters != 0) futexWake(&cell.word, 1);
+        if (over && cell.waiters != 0) futexWake(&cell.word, 1);
     }
     return true;
 }

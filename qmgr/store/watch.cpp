@@ -1,5 +1,6 @@
 #include "qmgr/store/watch.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "qmgr/store/futex.h"
@@ -26,7 +27,9 @@ std::uint32_t Watch::observe() const
 
 void Watch::sleep(std::uint32_t observed, Deadline deadline) const
 {
-    futexWait(&store_->control().slots[slot_].watch, observed, deadline);
+    // Not for ever: what a killed process made visible without waking anybody is found by the next look.
+    const Deadline longest = std::chrono::steady_clock::now() + longestSleep;
+    futexWait(&store_->control().slots[slot_].watch, observed, std::min(deadline, longest));
 }
 
 void Watch::wake() const

@@ -1,6 +1,8 @@
 #include <atomic>
 #include <thread>
 
+#include "qmgr/store/control_block.h"
+#include "qmgr/store/paths.h"
 #include "qmgr/store/seams.h"
 #include "store_test.h"
 
@@ -164,6 +166,35 @@ TEST_F(Waiting, GetsTheMessageThatAKilledProcessHadLocked)
     EXPECT_EQ(endOfProcess(process), -SIGKILL);
     getter.join();
     EXPECT_EQ(got, "orphan");
+}
+
+// A process dies between making its message visible and the call that wakes; here it makes no such call, because it
+// believes that nobody waits. Nobody else ever comes.
+TEST_F(Waiting, GetsTheMessageThatAKilledProcessHadShownToNobody)
+{
+    int error = 0;
+    const auto control = ControlMapping::open(folder_ / folderOfName("QM1") / "live", error);
+    ASSERT_NE(control, nullptr);
+    (*control)->requestsWaiting = 0; // who sleeps looks more often while there are some
+    WaitCell &cell = (*control)->cells[q1_ % waitCells];
+    std::string got;
+    std::thread getter([&] {
+        const auto b = connect();
+        got = waitAndGet(*b, q1_, soon());
+    });
+    while (cell.waiters == 0)
+        std::this_thread::yield();
+    EXPECT_EQ(runProcess([&] {
+                  const auto attached = attach(folder_, "QM1");
+                  cell.waiters = 0;
+                  static_cast<void>(put(*attached.attachment, q1_, "unannounced"));
+                  cell.waiters = 1;
+                  die();
+                  return 1;
+              }),
+              -SIGKILL);
+    getter.join();
+    EXPECT_EQ(got, "unannounced");
 }
 
 } // namespace
