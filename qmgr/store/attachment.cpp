@@ -76,8 +76,9 @@ Attached Attachment::another() const
 Outcome Attachment::check()
 {
     if (forked()) return failure(MQRC_HCONN_ERROR);
-    if (state() != State::Ended) return success();
-    return failure(std::exchange(toldOfEnd_, true) ? MQRC_CONNECTION_BROKEN : MQRC_Q_MGR_STOPPING);
+    if (state() != State::Ended && !lost_) [[likely]]
+        return success();
+    return failure(std::exchange(toldOfEnd_, true) || lost_ ? MQRC_CONNECTION_BROKEN : MQRC_Q_MGR_STOPPING);
 }
 
 State Attachment::state() const
@@ -226,14 +227,21 @@ Outcome Attachment::grow(std::size_t bytesToStore)
     return store_->grow(bytesToStore);
 }
 
+// Once a call has answered that the connection is broken, it is.
+Outcome Attachment::noteLoss(const Outcome &outcome)
+{
+    if (outcome.Reason == MQRC_CONNECTION_BROKEN && state() != State::Ended) lost_ = true;
+    return outcome;
+}
+
 Outcome Attachment::harden(Ticket ticket)
 {
-    return store_->harden(slot_, ticket);
+    return noteLoss(store_->harden(slot_, ticket));
 }
 
 Outcome Attachment::commit(const Unit &unit)
 {
-    return store_->commit(slot_, unit);
+    return noteLoss(store_->commit(slot_, unit));
 }
 
 Outcome Attachment::backOut(const Unit &unit)

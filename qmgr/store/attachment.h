@@ -91,7 +91,8 @@ public:
 
     // First step of every MQI call; a few loads. MQRC_HCONN_ERROR in a forked child; after `end -i`
     // MQRC_Q_MGR_STOPPING once, then MQRC_CONNECTION_BROKEN; MQRC_CONNECTION_BROKEN also when the queue manager has
-    // been started again since. A quiescing queue manager is success here: see state().
+    // been started again since, or when it has been an answer before. A quiescing queue manager is success here: see
+    // state().
     Outcome check();
     // [any] Whether this process is a fork of the one that attached.
     [[nodiscard]] bool forked() const;
@@ -262,11 +263,13 @@ private:
     static Attached on(const std::shared_ptr<Store> &store);
     Outcome beginRead(ReadTransaction &transaction);
     Outcome beginUpdate(WriteTransaction &transaction, std::size_t bytesToStore);
+    Outcome noteLoss(const Outcome &outcome);
     Outcome endUpdate(WriteTransaction &transaction, const Outcome &answer);
     Outcome grow(std::size_t bytesToStore);
 
     std::shared_ptr<Store> store_;
     std::uint32_t slot_ = 0;
+    bool lost_ = false;       // a call could not tell what became of what it did, though the queue manager goes on
     std::uint32_t forks_ = 0; // the process's fork count when attached
     std::uint64_t connectionNumber_ = 0;
     bool toldOfEnd_ = false;
