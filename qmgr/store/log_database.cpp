@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
@@ -332,7 +333,20 @@ Outcome LogDatabase::commit()
     if (code == SQLITE_DONE) return success();
     const Outcome failed = logFormat::outcomeOf(code);
     rollback();
+    // Memory may have run out when the disk had all of it, and only SQLite's index of the write-ahead file did not.
+    // What is written next takes its place there. If nothing can be, it is not known what the log has.
+    if (failed.Reason == MQRC_RESOURCE_PROBLEM && !writeOver()) return failure(MQRC_UNEXPECTED_ERROR);
     return failed;
+}
+
+// A transaction that changes nothing, and is written all the same.
+bool LogDatabase::writeOver()
+{
+    std::array<char, 80> sql{};
+    std::snprintf(sql.data(), sql.size(), "BEGIN IMMEDIATE; PRAGMA user_version = %d; COMMIT", logFormat::number);
+    const bool written = execute(sql.data()) == SQLITE_OK;
+    rollback();
+    return written;
 }
 
 void LogDatabase::rollback()

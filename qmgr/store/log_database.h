@@ -168,6 +168,7 @@ private:
     [[nodiscard]] sqlite3_stmt *prepared(Statement which);
     void run(sqlite3_stmt *statement);
     void fail(int code);
+    bool writeOver();
 
     sqlite3 *database_ = nullptr;
     std::array<sqlite3_stmt *, statements> prepared_{};
