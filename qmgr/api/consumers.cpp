@@ -57,18 +57,35 @@ MQGMO nextGet(const ConsumerRequest &request, bool browsed)
 
 // ---- The registrations ----
 
-Consumers::List Consumers::list() const
+std::shared_ptr<const Consumers::List> Consumers::list() const
 {
     const std::lock_guard lock(mutex_);
     return consumers_;
 }
 
-std::shared_ptr<Consumers::Consumer> Consumers::find(MQHOBJ hobj) const
+std::shared_ptr<const Consumers::List> Consumers::listWith(const std::shared_ptr<Consumer> &added) const
+{
+    auto next = std::make_shared<List>();
+    for (const auto &consumer : *list())
+        if (!consumer->gone && (added == nullptr || consumer->request.hobj != added->request.hobj))
+            next->push_back(consumer);
+    if (added != nullptr) next->push_back(added);
+    return next;
+}
+
+void Consumers::replaceList(std::shared_ptr<const List> next)
 {
     const std::lock_guard lock(mutex_);
-    const auto found = std::find_if(consumers_.begin(), consumers_.end(),
-                                    [&](const auto &consumer) { return consumer->request.hobj == hobj; });
-    return found == consumers_.end() ? nullptr : *found;
+    consumers_.swap(next);
+}
+
+std::shared_ptr<Consumers::Consumer> Consumers::find(MQHOBJ hobj) const
+{
+    const auto consumers = list();
+    const auto found = std::find_if(consumers->begin(), consumers->end(), [&](const auto &consumer) {
+        return !consumer->gone && consumer->request.hobj == hobj;
+    });
+    return found == consumers->end() ? nullptr : *found;
 }
 
 Outcome Consumers::add(const ConsumerRequest &request)
@@ -81,14 +98,14 @@ Outcome Consumers::add(const ConsumerRequest &request)
         consumer->request.callback.area = former->request.callback.area;
         // In place of another: no first call, and no last one of the other.
         consumer->started = former->started;
-        former->gone = true;
-    } else if (consumer->wants(MQCBDO_REGISTER_CALL)) {
+    }
+    std::shared_ptr<const List> next = listWith(consumer);
+    if (former == nullptr && consumer->wants(MQCBDO_REGISTER_CALL)) {
         const Outcome posted = callbacks_.post(consumer->request.callback, request.hobj, MQCBCT_REGISTER_CALL);
         if (posted.failed()) return posted;
     }
-    const std::lock_guard lock(mutex_);
-    std::erase(consumers_, former);
-    consumers_.push_back(std::move(consumer));
+    if (former != nullptr) former->gone = true;
+    replaceList(std::move(next));
     return success();
 }
 
@@ -97,9 +114,9 @@ Outcome Consumers::remove(MQHOBJ hobj)
     const std::shared_ptr<Consumer> consumer = find(hobj);
     if (consumer == nullptr) return failure(MQRC_CALLBACK_NOT_REGISTERED);
     consumer->gone = true;
-    {
-        const std::lock_guard lock(mutex_);
-        std::erase(consumers_, consumer);
+    try {
+        replaceList(listWith(nullptr));
+    } catch (const std::bad_alloc &) { // NOLINT(bugprone-empty-catch): it is passed over until the next change
     }
     if (std::exchange(consumer->started, false) && consumer->wants(MQCBDO_STOP_CALL))
         static_cast<void>(callbacks_.post(consumer->request.callback, hobj, MQCBCT_STOP_CALL));
@@ -118,8 +135,9 @@ Outcome Consumers::suspend(MQHOBJ hobj, bool suspended)
 
 bool Consumers::anyActive() const
 {
-    const std::lock_guard lock(mutex_);
-    return std::any_of(consumers_.begin(), consumers_.end(), [](const auto &consumer) { return !consumer->suspended; });
+    const auto consumers = list();
+    return std::any_of(consumers->begin(), consumers->end(),
+                       [](const auto &consumer) { return !consumer->gone && !consumer->suspended; });
 }
 
 // ---- The calls, on the connection's thread ----
@@ -156,7 +174,8 @@ void Consumers::begin(MQPTR connectionArea)
 {
     connectionArea_ = connectionArea;
     queues_.clear();
-    for (const auto &consumer : list()) {
+    const auto consumers = list();
+    for (const auto &consumer : *consumers) {
         if (consumer->gone) continue;
         consumer->started = true;
         consumer->hearsOfNone = true;
@@ -169,7 +188,8 @@ void Consumers::begin(MQPTR connectionArea)
 void Consumers::end(MQLONG reason)
 {
     const Outcome why = reason == MQRC_NONE ? success() : failure(reason);
-    for (const auto &consumer : list()) {
+    const auto consumers = list();
+    for (const auto &consumer : *consumers) {
         if (consumer->gone || !std::exchange(consumer->started, false)) continue;
         if (consumer->wants(MQCBDO_STOP_CALL)) call(*consumer, MQCBCT_STOP_CALL, why, MQCS_STOPPED);
     }
@@ -177,7 +197,8 @@ void Consumers::end(MQLONG reason)
 
 Consumers::Done Consumers::once(const store::Watch &watch)
 {
-    const List consumers = list();
+    const std::shared_ptr<const List> known = list();
+    const List &consumers = *known;
     for (const auto &consumer : consumers) {
         if (consumer->started || consumer->gone) continue;
         consumer->started = true;

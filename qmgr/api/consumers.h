@@ -70,7 +70,11 @@ private:
     };
     using List = std::vector<std::shared_ptr<Consumer>>;
 
-    List list() const;
+    // Never changed once it is there: who goes through it needs neither a lock nor memory.
+    std::shared_ptr<const List> list() const;
+    // Without those that are gone, and with this one in place of that of its handle.
+    std::shared_ptr<const List> listWith(const std::shared_ptr<Consumer> &added) const;
+    void replaceList(std::shared_ptr<const List> next);
     std::shared_ptr<Consumer> find(MQHOBJ hobj) const;
     void call(const Consumer &consumer, MQLONG type, const Outcome &what, MQLONG state) const noexcept;
     // A turn of one consumer.
@@ -90,8 +94,8 @@ private:
 
     const MQHCONN hconn_;
     core::Callbacks &callbacks_;
-    mutable std::mutex mutex_; // guards the list itself
-    List consumers_;
+    mutable std::mutex mutex_; // guards the pointer
+    std::shared_ptr<const List> consumers_ = std::make_shared<const List>();
 
     // Of the thread.
     MQPTR connectionArea_ = nullptr;
