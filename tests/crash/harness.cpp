@@ -117,6 +117,8 @@ void Harness::bury(Member &member, bool mayHaveEnded)
     waitpid(member.pid, &status, 0);
     model_.read(member.assignment.number, member.journal.news());
     model_.died(member.assignment.number);
+    for (const std::string &text : model_.takeFaults())
+        fault(text);
     const std::string who = roleNames.at(static_cast<std::size_t>(member.assignment.role));
     if (WIFSIGNALED(status) && WTERMSIG(status) != SIGKILL)
         fault("a " + who + " died of signal " + std::to_string(WTERMSIG(status)));

@@ -460,6 +460,11 @@ std::vector<std::string> Model::compare(const Inspection &found)
     compareCounters(found);
     compareRequests();
     compareObjects(found);
+    return takeFaults();
+}
+
+std::vector<std::string> Model::takeFaults()
+{
     return std::exchange(faults_, {});
 }
 

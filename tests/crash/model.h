@@ -31,6 +31,8 @@ public:
 
     // Compares, with all workers standing still; empty: all is as it must be.
     std::vector<std::string> compare(const Inspection &found);
+    // What the journals said was wrong since the last look.
+    std::vector<std::string> takeFaults();
     // What the books say is on the queue and the inspector did not find, and nobody can have taken.
     [[nodiscard]] bool misses(Queue queue, const Inspection &found) const;
 

@@ -502,7 +502,8 @@ private:
             if (compCode_ == MQCC_OK) {
                 const auto pcf =
                     qmgr::command::readPcf(std::span(buffer_).first(static_cast<std::size_t>(length)), MQENC_NATIVE);
-                if (pcf.header.CompCode != MQCC_OK) fault("reply says " + std::to_string(pcf.header.Reason));
+                const bool refused = pcf.header.CompCode != MQCC_OK && pcf.header.Reason != refusalOfDisk();
+                if (refused) fault("reply says " + std::to_string(pcf.header.Reason));
                 return;
             }
         }
