@@ -61,8 +61,9 @@ Chosen choose(const Connection &connection, const OpenTopic &topic, const PutReq
     return chosen;
 }
 
-// The queue that was made for a subscription goes with it: nobody waits for the publication any more.
-bool hasGone(const Subscriber &subscriber, const Outcome &put)
+// The queue that is made for a subscription comes after it and goes with it: nobody waits for the publication yet, or
+// any more.
+bool isWithoutQueue(const Subscriber &subscriber, const Outcome &put)
 {
     return subscriber.subscription.managed && (put.Reason == MQRC_UNKNOWN_OBJECT_NAME || put.Reason == MQRC_Q_DELETED);
 }
@@ -74,12 +75,14 @@ bool mustBeDelivered(const objects::TopicAttributes &attributes, const Subscribe
     return rule == MQDLV_ALL || (rule == MQDLV_ALL_DUR && subscriber.subscription.durable);
 }
 
+// `reached` counts those who are there to get it.
 Outcome deliver(Connection &connection, UnitOfWork &unit, const OpenTopic &topic, const Publication &publication,
-                Subscriber &subscriber)
+                Subscriber &subscriber, std::size_t &reached)
 {
     const Outcome put = publication.putFor(connection, unit, subscriber);
+    if (isWithoutQueue(subscriber, put)) return success();
+    ++reached;
     if (!put.failed() || isOfStore(put)) return put;
-    if (hasGone(subscriber, put)) return success();
     if (topic.attributes.useDeadLetterQueue != MQUSEDLQ_NO) {
         const Outcome saved = publication.putOnDeadLetterQueueFor(connection, unit, subscriber, put.Reason);
         if (!saved.failed() || isOfStore(saved)) return saved;
@@ -91,12 +94,13 @@ Outcome deliver(Connection &connection, UnitOfWork &unit, const OpenTopic &topic
 
 // All of it or nothing.
 Outcome deliverToAll(Connection &connection, UnitOfWork &unit, const OpenTopic &topic, const Chosen &chosen,
-                     const PutRequest &request, const store::NewMessage &message)
+                     const PutRequest &request, const store::NewMessage &message, std::size_t &reached)
 {
     AllOrNone all(*connection.store, unit);
     const Publication publication(message, topic.topic, Retained::No);
     for (const auto &subscriber : chosen)
-        if (const Outcome delivered = deliver(connection, unit, topic, publication, *subscriber); delivered.failed())
+        if (const Outcome delivered = deliver(connection, unit, topic, publication, *subscriber, reached);
+            delivered.failed())
             return delivered;
     if (request.has(MQPMO_RETAIN))
         if (const Outcome kept = retain(connection, unit, topic.topic, publication.common()); kept.failed())
@@ -150,18 +154,19 @@ Outcome publish(Connection &connection, OpenTopic &topic, const PutRequest &requ
     if (completed.failed()) return completed;
 
     const Chosen chosen = choose(connection, topic, request, level, message);
+    std::size_t reached = 0;
     if (request.has(MQPMO_SYNCPOINT)) {
         if (connection.unit.size() >= static_cast<std::size_t>(connection.queueManager().maxUncommittedMsgs))
             return failure(MQRC_SYNCPOINT_LIMIT_REACHED);
-        const Outcome delivered = deliverToAll(connection, connection.unit, topic, chosen, request, message);
+        const Outcome delivered = deliverToAll(connection, connection.unit, topic, chosen, request, message, reached);
         if (delivered.failed()) return delivered;
     } else {
         PrivateUnit unit(connection);
-        const Outcome delivered = deliverToAll(connection, *unit, topic, chosen, request, message);
+        const Outcome delivered = deliverToAll(connection, *unit, topic, chosen, request, message, reached);
         if (delivered.failed()) return delivered;
         if (const Outcome committed = unit.commit(); committed.failed()) return committed;
     }
-    if (chosen.empty() && request.has(MQPMO_WARN_IF_NO_SUBS_MATCHED)) return warning(MQRC_NO_SUBS_MATCHED);
+    if (reached == 0 && request.has(MQPMO_WARN_IF_NO_SUBS_MATCHED)) return warning(MQRC_NO_SUBS_MATCHED);
     return completed;
 }
 

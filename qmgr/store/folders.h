@@ -1,10 +1,12 @@
 // Making folders and files that are there as a whole or not at all.
 #pragma once
 
+#include <dirent.h>
+
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <system_error>
 
 #include "qmgr/store/outcome.h"
 
@@ -16,13 +18,20 @@ inline constexpr const char *unfinishedPrefix = ".new-";
 
 // Makes a folder that may be there already, and its parents, for nobody else's eyes.
 [[nodiscard]] Outcome makeFolders(const std::filesystem::path &folder);
-// Looks at each entry of a folder; what cannot be read is passed over, and a step that fails ends the walk.
+// Looks at the path of each entry of a folder; what cannot be read is passed over, and a step that fails ends the walk.
 template <class Look>
 void forEachEntry(const std::filesystem::path &folder, Look &&look)
 {
-    std::error_code error;
-    for (std::filesystem::directory_iterator at(folder, error), end; !error && at != end; at.increment(error))
-        look(*at);
+    // Not the standard library's iterator, which ends the program where memory fails.
+    struct Closer {
+        void operator()(DIR *opened) const { closedir(opened); }
+    };
+    const std::unique_ptr<DIR, Closer> opened(opendir(folder.c_str()));
+    if (opened == nullptr) return;
+    while (const dirent *entry = readdir(opened.get())) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") look(folder / name);
+    }
 }
 // What was made or renamed in the folder is there after a power failure, too, unless the answer is an errno. (A file
 // system that has no such step answers 0.)

@@ -24,12 +24,12 @@ void sweepLeftovers(const std::filesystem::path &storeFolder)
 {
     constexpr std::int64_t anHour = 3600;
     std::error_code error;
-    forEachEntry(storeFolder, [&](const std::filesystem::directory_entry &entry) {
-        const std::string name = entry.path().filename().string();
+    forEachEntry(storeFolder, [&](const std::filesystem::path &entry) {
+        const std::string name = entry.filename().string();
         struct stat status {};
         if (!name.starts_with(unfinishedPrefix) && !name.starts_with(discarded)) return;
-        if (stat(entry.path().c_str(), &status) != 0 || status.st_mtime > currentTime() / 1'000'000 - anHour) return;
-        std::filesystem::remove_all(entry.path(), error);
+        if (stat(entry.c_str(), &status) != 0 || status.st_mtime > currentTime() / 1'000'000 - anHour) return;
+        std::filesystem::remove_all(entry, error);
     });
 }
 
@@ -108,9 +108,9 @@ std::vector<QueueManagerEntry> listQueueManagers(const std::filesystem::path &st
 {
     std::vector<QueueManagerEntry> entries;
     const std::string byDefault = defaultQueueManager(storeFolder);
-    forEachEntry(storeFolder, [&](const std::filesystem::directory_entry &entry) {
-        const auto name = nameOfFolder(entry.path().filename().string());
-        if (!name || Store::exists(entry.path()).failed()) return;
+    forEachEntry(storeFolder, [&](const std::filesystem::path &entry) {
+        const auto name = nameOfFolder(entry.filename().string());
+        if (!name || Store::exists(entry).failed()) return;
         const auto [outcome, state] = stateOf(storeFolder, *name);
         entries.push_back({.name = *name, .isDefault = *name == byDefault, .outcome = outcome, .state = state});
     });

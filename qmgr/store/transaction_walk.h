@@ -1,6 +1,8 @@
 // Walks over the records of the live state inside a transaction, for the store's own code.
 #pragma once
 
+#include <memory>
+
 #include "qmgr/store/live_records.h"
 #include "qmgr/store/transaction.h"
 
@@ -13,6 +15,7 @@ void Transaction::walk(const LiveKey &prefix, Visit &&visit)
     if (outcome_.failed()) return;
     MDB_cursor *cursor = nullptr;
     if (!sticks(mdb_cursor_open(txn_, records_, &cursor))) return;
+    const std::unique_ptr<MDB_cursor, void (*)(MDB_cursor *)> closer(cursor, mdb_cursor_close); // a visitor may throw
     MDB_val key = valueOf(prefix);
     MDB_val value{};
     int code = mdb_cursor_get(cursor, &key, &value, MDB_SET_RANGE);
@@ -20,7 +23,6 @@ void Transaction::walk(const LiveKey &prefix, Visit &&visit)
         code = mdb_cursor_get(cursor, &key, &value, MDB_NEXT);
     }
     sticks(code);
-    mdb_cursor_close(cursor);
 }
 
 // Visits all records that begin with `prefix`. The visitor changes nothing in the live state.

@@ -350,6 +350,20 @@ TEST_F(Subscribe, TopicNamesTheModelOfItsQueues)
     EXPECT_EQ(countDefined(store::subscriptions), 1U);
 }
 
+TEST_F(Subscribe, ManagedSubscriptionWithoutItsQueueGetsNothingAndIsNobodyToThePublisher)
+{
+    Subscribed sub = trySubscribe(hconn, sdFor("t", makeDurable, "S"));
+    ASSERT_EQ(sub.codes, ok);
+    EXPECT_EQ(publish(hconn, "t", "x", MQPMO_WARN_IF_NO_SUBS_MATCHED), ok);
+    EXPECT_EQ(drain(hconn, sub.queue), Bodies{"x"});
+    ASSERT_EQ(close(hconn, sub.queue), ok);
+    ASSERT_EQ(close(hconn, sub.hsub), ok);
+    const std::vector<std::string> queues = namesDefined(MQOT_Q, "SYSTEM.MANAGED.DURABLE.");
+    ASSERT_EQ(queues.size(), 1U);
+    deleteQueue(queues.front());
+    EXPECT_EQ(publish(hconn, "t", "x", MQPMO_WARN_IF_NO_SUBS_MATCHED), warned(MQRC_NO_SUBS_MATCHED));
+}
+
 TEST_F(Subscribe, ExpiredSubscriptionIsNoMore)
 {
     MQSD sd = sdFor("t", makeDurable, "S");

@@ -120,13 +120,17 @@ public:
         return all;
     }
     // How many definitions of the type have a name that begins so.
-    std::size_t countDefined(MQLONG type, std::string_view prefix = {}) const
+    std::vector<std::string> namesDefined(MQLONG type, std::string_view prefix = {}) const
     {
         const store::Attached attached = store::attach(storeFolder(), "QM1");
-        std::size_t number = 0;
+        std::vector<std::string> names;
         for (const store::Definition &definition : attached.attachment->definitions(type))
-            if (definition.name.starts_with(prefix)) ++number;
-        return number;
+            if (definition.name.starts_with(prefix)) names.push_back(definition.name);
+        return names;
+    }
+    std::size_t countDefined(MQLONG type, std::string_view prefix = {}) const
+    {
+        return namesDefined(type, prefix).size();
     }
 
     using Bodies = std::vector<std::string>;
