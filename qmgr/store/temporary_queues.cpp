@@ -98,7 +98,7 @@ Outcome Store::removeTemporariesOf(std::uint32_t slot)
     });
     Outcome outcome = found;
     // Subscriptions first: nobody puts on a queue any more that goes next.
-    std::ranges::stable_partition(made, [](const Definition &one) { return one.type == subscriptions; });
+    std::stable_partition(made.begin(), made.end(), [](const Definition &one) { return one.type == subscriptions; });
     for (const Definition &one : made)
         if (!outcome.failed()) outcome = removeTemporary(slot, one);
     return outcome;
