@@ -4,6 +4,7 @@
 // read all definitions from the log again (reloadDefinitions). So does one that cannot bring its change to the live
 // state; it has happened all the same, so who looks for a definition sees to it first.
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <new>
@@ -209,27 +210,54 @@ Outcome Store::remove(MQLONG type, std::string_view name, const std::function<Ou
     return swept;
 }
 
-// Removes a definition that the log no longer has, with everything that hangs on its queue, some thousand records to
-// a transaction.
+// Removes a definition that the log no longer has, with everything that hangs on its queue.
 Outcome Store::sweep(const Definition &definition)
 {
-    Outcome outcome = update(0, 0, [&](WriteTransaction &transaction) {
+    const Outcome outcome = update(0, 0, [&](WriteTransaction &transaction) {
         transaction.erase(LiveKey::definition(definition.type, definition.name));
+        if (definition.queue != 0) transaction.counters(definition.queue).deleted = 1;
         return success();
     });
-    const QueueId queue = definition.queue;
-    if (queue == 0) return outcome;
-    for (const LiveKey &records : LiveKey::everythingOf(queue)) {
-        bool more = true;
-        while (more && !outcome.failed()) {
-            outcome = update(0, 0, [&](WriteTransaction &transaction) {
+    return outcome.failed() || definition.queue == 0 ? outcome : sweepQueue(definition.queue);
+}
+
+// Some thousand records to a transaction. The counters go last: until then they say that there is more to sweep.
+Outcome Store::sweepQueue(QueueId queue)
+{
+    for (const LiveKey &records : LiveKey::hangingOn(queue)) {
+        for (bool more = true; more;) {
+            const Outcome outcome = update(0, 0, [&](WriteTransaction &transaction) {
                 more = transaction.eraseSome(records, 2000);
                 return success();
             });
             reached(Step::QueueSweeping);
+            if (outcome.failed()) return outcome;
         }
     }
-    return outcome;
+    return update(0, 0, [&](WriteTransaction &transaction) {
+        transaction.erase(LiveKey::queue(queue));
+        return success();
+    });
+}
+
+// The queues marked as going, whether their definitions are still there or not.
+Outcome Store::queuesGoing(std::vector<QueueId> &going)
+{
+    return read([&](ReadTransaction &transaction) {
+        QueueId next = 0;
+        for (bool more = true; more;) {
+            more = false;
+            transaction.walk(LiveKey::messages(), LiveKey::queue(next), [&](const MDB_val &key, const MDB_val &value) {
+                const QueueId queue = queueIn(key);
+                const auto status = recordIn<QueueStatus>(value);
+                if (key.mv_size == LiveKey::queue(queue).size() && status && status->deleted != 0) going.push_back(queue);
+                next = queue + 1;
+                more = next != 0;
+                return false;
+            });
+        }
+        return success();
+    });
 }
 
 // Log lock held. Makes the live definitions equal to the log's.
@@ -244,6 +272,13 @@ Outcome Store::reloadDefinitions()
     for (const Definition &live : lookUpAll(MQOT_ALL)) {
         if (isTemporary(live.queue) || logged.contains({live.type, live.name})) continue;
         if (const Outcome swept = sweep(live); swept.failed()) return swept;
+    }
+    std::vector<QueueId> going;
+    if (const Outcome found = queuesGoing(going); found.failed()) return found;
+    for (const QueueId queue : going) {
+        const auto isLogged = [&](const auto &entry) { return entry.second.queue == queue; };
+        if (std::any_of(logged.begin(), logged.end(), isLogged)) continue; // its delete never came to the log
+        if (const Outcome swept = sweepQueue(queue); swept.failed()) return swept;
     }
     const Outcome stored = update(0, 0, [&](WriteTransaction &transaction) {
         for (const auto &[key, definition] : logged) {

@@ -38,13 +38,6 @@ struct Tally {
 
 using Tallies = std::map<QueueId, Tally>;
 
-QueueId queueIn(const MDB_val &key)
-{
-    QueueId queue = 0;
-    if (key.mv_size >= 1 + sizeof queue) std::memcpy(&queue, static_cast<const char *>(key.mv_data) + 1, sizeof queue);
-    return __builtin_bswap32(queue);
-}
-
 // Of the key of a definition.
 MQLONG typeIn(const MDB_val &key)
 {

@@ -86,8 +86,8 @@ public:
         return behind;
     }
 
-    // The prefixes of all records that hang on a queue, its counters included.
-    static std::array<LiveKey, 5> everythingOf(QueueId queue)
+    // The prefixes of all records that hang on a queue. (One of them is the key of its counters.)
+    static std::array<LiveKey, 5> hangingOn(QueueId queue)
     {
         return {bodiesOf(queue), marksOf(queue), indexesOf(queue), holdsOf(queue), messagesOf(queue)};
     }

@@ -118,6 +118,14 @@ template <class Number>
     }
 }
 
+// The queue that such a key speaks of; 0 if it is too short.
+[[nodiscard]] inline QueueId queueIn(const MDB_val &key)
+{
+    QueueId queue = 0;
+    if (key.mv_size >= 1 + sizeof queue) std::memcpy(&queue, static_cast<const char *>(key.mv_data) + 1, sizeof queue);
+    return __builtin_bswap32(queue);
+}
+
 // Reads a fixed record out of stored bytes; nothing if they are too few to be one.
 template <class Record>
 [[nodiscard]] std::optional<Record> recordIn(const void *data, std::size_t size)

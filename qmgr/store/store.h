@@ -210,6 +210,8 @@ private:
     Outcome logAndStore(const Definition &definition);
     Outcome storeLive(const Definition &definition);
     Outcome sweep(const Definition &definition);
+    Outcome sweepQueue(QueueId queue);
+    Outcome queuesGoing(std::vector<QueueId> &going);
     Outcome reloadDefinitions();
     Outcome logState(State state);
     bool cleanUp(std::uint32_t slot) noexcept;

@@ -72,7 +72,7 @@ Outcome Store::removeTemporary(std::uint32_t slot, const Definition &removed)
             if (recordIn<QueueId>(transaction.get(definition)) == queue) transaction.erase(definition);
             transaction.erase(LiveKey::queue(queue));
             more = false;
-            for (const LiveKey &records : LiveKey::everythingOf(queue))
+            for (const LiveKey &records : LiveKey::hangingOn(queue))
                 more |= transaction.eraseSome(records, recordsAtOnce);
             if (!more) {
                 transaction.erase(LiveKey::booking(slot, queue));

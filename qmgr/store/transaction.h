@@ -177,7 +177,7 @@ protected:
     };
     Value get(const LiveKey &key);
     template <class Visit>
-    void walk(const LiveKey &prefix, Visit &&visit);
+    void walk(const LiveKey &prefix, const LiveKey &from, Visit &&visit);
     template <class Visit>
     void forEach(const LiveKey &prefix, Visit &&visit);
     template <class Visit>
@@ -299,7 +299,7 @@ protected:
     void addToOpens(QueueId queue, const OpenCounts &change);
     void erase(const LiveKey &key);
     void store(const LiveKey &key, const void *data, std::size_t size);
-    // Erases up to `atMost` records that begin with `prefix`; whether there may be more.
+    // Erases up to `atMost` records whose keys begin with `prefix` and are longer; whether there may be more.
     bool eraseSome(const LiveKey &prefix, int atMost);
     void addStep(UnitKind unit, StepKind step, const MessageKey &key, bool persistent, std::uint64_t backoutCount);
     void returnToQueue(const MessageKey &key);

@@ -8,15 +8,16 @@
 
 namespace mqrig::qmgr::store {
 
-// Visits records in key order from the first that begins with `prefix` while the visitor answers true.
+// Visits the records that begin with `prefix` in key order, from `from` or what comes behind it, while the visitor
+// answers true.
 template <class Visit>
-void Transaction::walk(const LiveKey &prefix, Visit &&visit)
+void Transaction::walk(const LiveKey &prefix, const LiveKey &from, Visit &&visit)
 {
     if (outcome_.failed()) return;
     MDB_cursor *cursor = nullptr;
     if (!sticks(mdb_cursor_open(txn_, records_, &cursor))) return;
     const std::unique_ptr<MDB_cursor, void (*)(MDB_cursor *)> closer(cursor, mdb_cursor_close); // a visitor may throw
-    MDB_val key = valueOf(prefix);
+    MDB_val key = valueOf(from);
     MDB_val value{};
     int code = mdb_cursor_get(cursor, &key, &value, MDB_SET_RANGE);
     while (code == MDB_SUCCESS && prefix.isPrefixOf(key.mv_data, key.mv_size) && visit(key, value)) {
@@ -29,7 +30,7 @@ void Transaction::walk(const LiveKey &prefix, Visit &&visit)
 template <class Visit>
 void Transaction::forEach(const LiveKey &prefix, Visit &&visit)
 {
-    walk(prefix, [&](const MDB_val &key, const MDB_val &value) {
+    walk(prefix, prefix, [&](const MDB_val &key, const MDB_val &value) {
         visit(key, value);
         return true;
     });
@@ -39,7 +40,7 @@ void Transaction::forEach(const LiveKey &prefix, Visit &&visit)
 template <class Visit>
 void Transaction::forFirst(const LiveKey &prefix, Visit &&visit)
 {
-    walk(prefix, [&](const MDB_val &key, const MDB_val &value) {
+    walk(prefix, prefix, [&](const MDB_val &key, const MDB_val &value) {
         visit(key, value);
         return false;
     });

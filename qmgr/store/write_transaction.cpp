@@ -90,17 +90,23 @@ bool WriteTransaction::eraseSome(const LiveKey &prefix, int atMost)
     if (outcome_.failed()) return false;
     MDB_cursor *cursor = nullptr;
     if (!sticks(mdb_cursor_open(txn_, records_, &cursor))) return false;
-    MDB_val key = valueOf(prefix);
+    MDB_val key{};
     MDB_val value{};
-    int code = mdb_cursor_get(cursor, &key, &value, MDB_SET_RANGE);
+    const auto first = [&] {
+        key = valueOf(prefix);
+        const int found = mdb_cursor_get(cursor, &key, &value, MDB_SET_RANGE);
+        const bool itself = found == MDB_SUCCESS && key.mv_size == prefix.size();
+        return itself && prefix.isPrefixOf(key.mv_data, key.mv_size) ? mdb_cursor_get(cursor, &key, &value, MDB_NEXT)
+                                                                      : found;
+    };
+    int code = first();
     int erased = 0;
     for (; code == MDB_SUCCESS && prefix.isPrefixOf(key.mv_data, key.mv_size) && erased < atMost; ++erased) {
         code = mdb_cursor_del(cursor, 0);
+        if (code != MDB_SUCCESS) break;
         // The cursor stands on the record behind the erased one, if the page has one more.
-        if (code == MDB_SUCCESS) code = mdb_cursor_get(cursor, &key, &value, MDB_GET_CURRENT);
-        if (code == MDB_SUCCESS) continue;
-        key = valueOf(prefix);
-        code = mdb_cursor_get(cursor, &key, &value, MDB_SET_RANGE);
+        code = mdb_cursor_get(cursor, &key, &value, MDB_GET_CURRENT);
+        if (code != MDB_SUCCESS) code = first();
     }
     sticks(code);
     mdb_cursor_close(cursor);

@@ -5,6 +5,7 @@
 #include <string>
 #include <unistd.h>
 
+#include "../store/store_test.h"
 #include "nth_call.h"
 #include "qmgr/objects/system_objects.h"
 #include "qmgr/store/backup.h"
@@ -30,6 +31,11 @@ protected:
         std::filesystem::remove_all(folder_, ignored);
     }
     std::filesystem::path folder_;
+};
+
+class StoreCalls : public store::test::StoreTest {
+protected:
+    ~StoreCalls() override { nthCallDisarm(); }
 };
 
 // How many messages a log has after a power failure, when what is in memory alone has gone.
@@ -118,6 +124,41 @@ TEST_F(Calls, AQueueManagerWhoseFolderIsNotOnDiskIsNotMade)
     EXPECT_EQ(nthCallFailed(), 1);
     EXPECT_EQ(store::stateOf(folder_, "QM1").outcome.Reason, MQRC_Q_MGR_NAME_ERROR);
     EXPECT_TRUE(create(0).ok());
+}
+
+// Whoever cannot sweep the messages out leaves that to the next one, and everybody else's life goes on.
+TEST_F(StoreCalls, AQueueDeletedWithoutMemoryEndsNobodysLife)
+{
+    const auto connection = connect();
+    const std::string body(3000, 'b');
+    long failed = 1;
+    int gone = 0;
+    int kept = 0;
+    for (long nth = 1; failed > 0; ++nth) {
+        store::Definition queue{.type = MQOT_Q, .name = "NEW", .bytes = "new"};
+        ASSERT_TRUE(connection->define(queue).ok()) << nth;
+        for (int message = 0; message < 40; ++message)
+            ASSERT_TRUE(store::test::put(*connection, queue.queue, body).ok());
+        nthCallArm(CallMemory, nth, 1);
+        const Outcome removed = connection->remove(MQOT_Q, "NEW", nullptr);
+        nthCallDisarm();
+        failed = nthCallFailed();
+        ASSERT_NE(connection->state(), store::State::Ended) << nth;
+        if (removed.ok()) {
+            ++gone;
+        } else {
+            ++kept;
+            EXPECT_EQ(store::test::browse(*connection, queue.queue).size(), 40U) << nth;
+            ASSERT_TRUE(connection->remove(MQOT_Q, "NEW", nullptr).ok()) << nth;
+        }
+        store::Definition other{.type = MQOT_Q, .name = "OTHER", .bytes = "other"};
+        ASSERT_TRUE(connection->define(other).ok()) << nth;
+        EXPECT_FALSE(connection->findDefinition(MQOT_Q, "NEW").has_value()) << nth;
+        EXPECT_EQ(store::test::browse(*connection, queue.queue).size(), 0U) << nth;
+        ASSERT_TRUE(connection->remove(MQOT_Q, "OTHER", nullptr).ok()) << nth;
+    }
+    EXPECT_GT(gone, 1);
+    EXPECT_GT(kept, 0);
 }
 
 } // namespace

@@ -270,6 +270,26 @@ TEST_F(Processes, KilledWhileRemovingAQueueLeaveItRemoved)
     EXPECT_TRUE(browse(*a, q2_).empty());
 }
 
+TEST_F(Processes, KilledWhileSweepingAQueueLeaveTheRestToTheNext)
+{
+    const auto a = connect();
+    const std::string large(2000, 'l');
+    for (int message = 0; message < 4; ++message)
+        ASSERT_EQ(put(*a, q2_, message < 2 ? large : "goes"), success());
+    ASSERT_EQ(runProcess([&] {
+                  auto attached = attach(folder_, "QM1");
+                  dieAt(Step::QueueSweeping);
+                  static_cast<void>(attached.attachment->remove(MQOT_Q, "Q2", nullptr));
+                  return 1;
+              }),
+              -SIGKILL);
+    EXPECT_EQ(browse(*a, q2_).size(), 4U);
+    ASSERT_EQ(put(*a, q1_, "any", {.persistence = MQPER_PERSISTENT}), success());
+    EXPECT_TRUE(browse(*a, q2_).empty());
+    EXPECT_FALSE(a->findDefinition(MQOT_Q, "Q2").has_value());
+    EXPECT_EQ(browse(*a, q1_), (Texts{"any"}));
+}
+
 TEST_F(Processes, KilledWhileCreatingLeaveNoQueueManager)
 {
     ASSERT_EQ(runProcess([&] {
