@@ -250,7 +250,8 @@ Outcome Store::queuesGoing(std::vector<QueueId> &going)
             transaction.walk(LiveKey::messages(), LiveKey::queue(next), [&](const MDB_val &key, const MDB_val &value) {
                 const QueueId queue = queueIn(key);
                 const auto status = recordIn<QueueStatus>(value);
-                if (key.mv_size == LiveKey::queue(queue).size() && status && status->deleted != 0) going.push_back(queue);
+                if (key.mv_size == LiveKey::queue(queue).size() && status && status->deleted != 0)
+                    going.push_back(queue);
                 next = queue + 1;
                 more = next != 0;
                 return false;

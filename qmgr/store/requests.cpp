@@ -15,6 +15,7 @@
 #include <cerrno>
 
 #include "qmgr/store/futex.h"
+#include "qmgr/store/seams.h"
 #include "qmgr/store/store.h"
 
 namespace mqrig::qmgr::store {
@@ -57,6 +58,7 @@ bool Store::noRequestsLeft()
         return failure(MQRC_NONE); // nothing to commit
     });
     static_cast<void>(looked);
+    reached(Step::RequestsLookedFor);
     return none;
 }
 

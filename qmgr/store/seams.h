@@ -37,6 +37,7 @@ enum class Step : std::uint8_t {
     RequestTaken,      // a request to the queue manager is locked, nothing of it has been done
     RequestRun,        // it has had its effect, its replies are not yet on their queue
     RequestAnswered,   // request and replies are committed
+    RequestsLookedFor, // whether requests are left has been found out
     steps
 };
 

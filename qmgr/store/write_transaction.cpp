@@ -97,7 +97,7 @@ bool WriteTransaction::eraseSome(const LiveKey &prefix, int atMost)
         const int found = mdb_cursor_get(cursor, &key, &value, MDB_SET_RANGE);
         const bool itself = found == MDB_SUCCESS && key.mv_size == prefix.size();
         return itself && prefix.isPrefixOf(key.mv_data, key.mv_size) ? mdb_cursor_get(cursor, &key, &value, MDB_NEXT)
-                                                                      : found;
+                                                                     : found;
     };
     int code = first();
     int erased = 0;

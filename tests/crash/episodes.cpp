@@ -45,6 +45,7 @@ std::optional<Role> passerOf(Step step, std::uint32_t any)
     case Step::RequestTaken:
     case Step::RequestRun:
     case Step::RequestAnswered:
+    case Step::RequestsLookedFor:
         return Role::Requester;
     default:
         return std::nullopt;

@@ -5,11 +5,11 @@
 namespace mqrig::crash {
 
 const std::array<const char *, static_cast<std::size_t>(Step::steps)> stepNames{
-    "CreateWritten", "LifeBegun",     "LiveFilling",       "LiveRebuilt",   "SlotTaken",    "SlotCleaning",
-    "SlotCleaned",   "UnitPreparing", "UnitPrepared",      "LogTakenOver",  "UnitLogging",  "UnitLogged",
-    "UnitFlipping",  "UnitFlipped",   "UnitUndoing",       "UnitReturning", "UnitReturned", "DefinitionLogged",
-    "QueueMarked",   "QueueSweeping", "TemporaryRemoving", "EndLogged",     "MapReserved",  "MapPublished",
-    "RequestTaken",  "RequestRun",    "RequestAnswered",
+    "CreateWritten", "LifeBegun",     "LiveFilling",       "LiveRebuilt",       "SlotTaken",    "SlotCleaning",
+    "SlotCleaned",   "UnitPreparing", "UnitPrepared",      "LogTakenOver",      "UnitLogging",  "UnitLogged",
+    "UnitFlipping",  "UnitFlipped",   "UnitUndoing",       "UnitReturning",     "UnitReturned", "DefinitionLogged",
+    "QueueMarked",   "QueueSweeping", "TemporaryRemoving", "EndLogged",         "MapReserved",  "MapPublished",
+    "RequestTaken",  "RequestRun",    "RequestAnswered",   "RequestsLookedFor",
 };
 
 namespace {

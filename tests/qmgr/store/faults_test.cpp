@@ -93,6 +93,23 @@ TEST_F(Faults, ACommitThatCannotBeLoggedIsBackedOut)
               success());
 }
 
+TEST_F(Faults, ADefinitionThatCannotBeLoggedIsAsItWas)
+{
+    const auto a = connect();
+    for (const StorageCall call : {StorageCall::LogBegin, StorageCall::LogWrite, StorageCall::LogCommit}) {
+        fail(call, 0, true);
+        Definition queue{.type = MQOT_Q, .name = "NEW", .bytes = "x"};
+        EXPECT_EQ(a->define(queue), failure(MQRC_STORAGE_NOT_AVAILABLE));
+        EXPECT_EQ(a->alter({.type = MQOT_Q, .name = "Q1", .bytes = "other"}, "first"),
+                  failure(MQRC_STORAGE_NOT_AVAILABLE));
+        EXPECT_EQ(a->remove(MQOT_Q, "Q2", nullptr), failure(MQRC_STORAGE_NOT_AVAILABLE));
+        heal();
+        EXPECT_FALSE(a->findDefinition(MQOT_Q, "NEW").has_value());
+        EXPECT_EQ(a->findDefinition(MQOT_Q, "Q1").value_or(Definition{}).bytes, "first");
+        EXPECT_EQ(put(*a, q2_, "any"), success());
+    }
+}
+
 TEST_F(Faults, ASyncThatFailsEndsTheLife)
 {
     const auto a = connect();

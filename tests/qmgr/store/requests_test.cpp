@@ -49,6 +49,24 @@ TEST_F(Requests, AreNotAnnouncedByPutsToOtherQueues)
     EXPECT_FALSE(a_->requestsWaiting());
 }
 
+// Whoever has seen the queue empty does not take back the announcement of what is put a moment later.
+TEST_F(Requests, PutAfterALookStayAnnounced)
+{
+    static Attachment *putter = nullptr;
+    static QueueId queue = 0;
+    const auto other = connect();
+    putter = other.get();
+    queue = q1_;
+    seams.reached = [](Step step) {
+        if (step != Step::RequestsLookedFor) return;
+        EXPECT_EQ(put(*putter, queue, "1"), success());
+    };
+    EXPECT_TRUE(a_->noRequestsLeft());
+    seams.reached = nullptr;
+    EXPECT_TRUE(a_->requestsWaiting());
+    EXPECT_EQ(get(*a_, q1_), "1");
+}
+
 TEST_F(Requests, ThatAreHeldMayComeBack)
 {
     ASSERT_EQ(put(*a_, q1_, "1"), success());
