@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "qmgr/command/process_facts.h"
+#include "qmgr/command/status_row.h"
 #include "qmgr/objects/connection_tag.h"
 #include "qmgr/objects/object_name.h"
 #include "qmgr/objects/queue_counters.h"
@@ -17,40 +18,10 @@ using objects::Access;
 using objects::Attribute;
 using objects::AttributeValue;
 using objects::ObjectKind;
-using objects::ValueKind;
 using objects::Word;
 
-constexpr objects::ObjectKinds ofQueue = objects::kinds(ObjectKind::LocalQueue);
-constexpr objects::ObjectKinds ofConnection = objects::kinds(ObjectKind::QueueManager);
-
-constexpr MQLONG noLimit = 2147483647;
-constexpr MQLONG hexDigits = 2 * MQ_CONNECTION_ID_LENGTH;
-
-constexpr Attribute number(std::string_view keyword, MQLONG selector, objects::ObjectKinds kinds,
-                           std::span<const Word> words = {}, Access access = Access::Dynamic)
-{
-    return {.keyword = keyword,
-            .selector = selector,
-            .kinds = kinds,
-            .value = ValueKind::Number,
-            .access = access,
-            .high = noLimit,
-            .words = words,
-            .defaultText = {}};
-}
-
-constexpr Attribute text(std::string_view keyword, MQLONG selector, objects::ObjectKinds kinds, MQLONG length,
-                         Access access = Access::Dynamic)
-{
-    return {.keyword = keyword,
-            .selector = selector,
-            .kinds = kinds,
-            .value = ValueKind::Text,
-            .access = access,
-            .words = {},
-            .textLength = length,
-            .defaultText = {}};
-}
+constexpr ObjectKind ofQueue = ObjectKind::LocalQueue;
+constexpr ObjectKind ofConnection = ObjectKind::QueueManager;
 
 constexpr Word noUncommitted[] = {{"NO", 0}};
 constexpr Word user[] = {{"USER", MQAT_USER}};
@@ -68,41 +39,41 @@ constexpr MQLONG externalNameField = 0;
 // In the order in which they are shown. What is always shown has the access of an identity. Times and ages are not
 // collected: they are blank, as where a queue is not monitored.
 constexpr Attribute queueRows[] = {
-    text("QUEUE", MQCA_Q_NAME, ofQueue, MQ_Q_NAME_LENGTH, Access::Identity),
-    number("TYPE", MQIACF_Q_STATUS_TYPE, ofQueue, queueStatus, Access::Identity),
-    number("CURDEPTH", MQIA_CURRENT_Q_DEPTH, ofQueue, {}, Access::Identity),
-    number("IPPROCS", MQIA_OPEN_INPUT_COUNT, ofQueue),
-    text("LGETDATE", MQCACF_LAST_GET_DATE, ofQueue, MQ_DATE_LENGTH),
-    text("LGETTIME", MQCACF_LAST_GET_TIME, ofQueue, MQ_TIME_LENGTH),
-    text("LPUTDATE", MQCACF_LAST_PUT_DATE, ofQueue, MQ_DATE_LENGTH),
-    text("LPUTTIME", MQCACF_LAST_PUT_TIME, ofQueue, MQ_TIME_LENGTH),
-    number("MONQ", MQIA_MONITORING_Q, ofQueue, monitoring),
-    number("MSGAGE", MQIACF_OLDEST_MSG_AGE, ofQueue, notMonitored),
-    number("OPPROCS", MQIA_OPEN_OUTPUT_COUNT, ofQueue),
-    number("UNCOM", MQIACF_UNCOMMITTED_MSGS, ofQueue, noUncommitted),
+    statusText("QUEUE", MQCA_Q_NAME, ofQueue, MQ_Q_NAME_LENGTH, Access::Identity),
+    statusNumber("TYPE", MQIACF_Q_STATUS_TYPE, ofQueue, queueStatus, Access::Identity),
+    statusNumber("CURDEPTH", MQIA_CURRENT_Q_DEPTH, ofQueue, {}, Access::Identity),
+    statusNumber("IPPROCS", MQIA_OPEN_INPUT_COUNT, ofQueue),
+    statusText("LGETDATE", MQCACF_LAST_GET_DATE, ofQueue, MQ_DATE_LENGTH),
+    statusText("LGETTIME", MQCACF_LAST_GET_TIME, ofQueue, MQ_TIME_LENGTH),
+    statusText("LPUTDATE", MQCACF_LAST_PUT_DATE, ofQueue, MQ_DATE_LENGTH),
+    statusText("LPUTTIME", MQCACF_LAST_PUT_TIME, ofQueue, MQ_TIME_LENGTH),
+    statusNumber("MONQ", MQIA_MONITORING_Q, ofQueue, monitoring),
+    statusNumber("MSGAGE", MQIACF_OLDEST_MSG_AGE, ofQueue, notMonitored),
+    statusNumber("OPPROCS", MQIA_OPEN_OUTPUT_COUNT, ofQueue),
+    statusNumber("UNCOM", MQIACF_UNCOMMITTED_MSGS, ofQueue, noUncommitted),
 };
 
 constexpr Attribute handleRows[] = {
-    text("QUEUE", MQCA_Q_NAME, ofQueue, MQ_Q_NAME_LENGTH, Access::Identity),
-    number("TYPE", MQIACF_Q_STATUS_TYPE, ofQueue, handleStatus, Access::Identity),
-    text("APPLTAG", MQCACF_APPL_TAG, ofQueue, MQ_APPL_TAG_LENGTH),
-    number("APPLTYPE", MQIA_APPL_TYPE, ofQueue, user),
-    number("BROWSE", MQIACF_OPEN_BROWSE, ofQueue, noYes),
-    number("INPUT", MQIACF_OPEN_INPUT_TYPE, ofQueue, inputs),
-    number("OUTPUT", MQIACF_OPEN_OUTPUT, ofQueue, noYes),
-    number("PID", MQIACF_PROCESS_ID, ofQueue),
-    text("USERID", MQCACF_USER_IDENTIFIER, ofQueue, MQ_USER_ID_LENGTH),
+    statusText("QUEUE", MQCA_Q_NAME, ofQueue, MQ_Q_NAME_LENGTH, Access::Identity),
+    statusNumber("TYPE", MQIACF_Q_STATUS_TYPE, ofQueue, handleStatus, Access::Identity),
+    statusText("APPLTAG", MQCACF_APPL_TAG, ofQueue, MQ_APPL_TAG_LENGTH),
+    statusNumber("APPLTYPE", MQIA_APPL_TYPE, ofQueue, user),
+    statusNumber("BROWSE", MQIACF_OPEN_BROWSE, ofQueue, noYes),
+    statusNumber("INPUT", MQIACF_OPEN_INPUT_TYPE, ofQueue, inputs),
+    statusNumber("OUTPUT", MQIACF_OPEN_OUTPUT, ofQueue, noYes),
+    statusNumber("PID", MQIACF_PROCESS_ID, ofQueue),
+    statusText("USERID", MQCACF_USER_IDENTIFIER, ofQueue, MQ_USER_ID_LENGTH),
 };
 
 constexpr Attribute connectionRows[] = {
-    text("CONN", MQBACF_CONNECTION_ID, ofConnection, hexDigits, Access::Identity),
-    text("EXTCONN", externalNameField, ofConnection, hexDigits, Access::Identity),
-    number("TYPE", MQIACF_CONN_INFO_TYPE, ofConnection, connectionInfo, Access::Identity),
-    text("APPLTAG", MQCACF_APPL_TAG, ofConnection, MQ_APPL_TAG_LENGTH),
-    number("APPLTYPE", MQIA_APPL_TYPE, ofConnection, user),
-    text("CONNTAG", MQBACF_CONN_TAG, ofConnection, MQ_CONN_TAG_LENGTH),
-    number("PID", MQIACF_PROCESS_ID, ofConnection),
-    text("USERID", MQCACF_USER_IDENTIFIER, ofConnection, MQ_USER_ID_LENGTH),
+    statusText("CONN", MQBACF_CONNECTION_ID, ofConnection, connectionIdDigits, Access::Identity),
+    statusText("EXTCONN", externalNameField, ofConnection, connectionIdDigits, Access::Identity),
+    statusNumber("TYPE", MQIACF_CONN_INFO_TYPE, ofConnection, connectionInfo, Access::Identity),
+    statusText("APPLTAG", MQCACF_APPL_TAG, ofConnection, MQ_APPL_TAG_LENGTH),
+    statusNumber("APPLTYPE", MQIA_APPL_TYPE, ofConnection, user),
+    statusText("CONNTAG", MQBACF_CONN_TAG, ofConnection, MQ_CONN_TAG_LENGTH),
+    statusNumber("PID", MQIACF_PROCESS_ID, ofConnection),
+    statusText("USERID", MQCACF_USER_IDENTIFIER, ofConnection, MQ_USER_ID_LENGTH),
 };
 
 std::string idOf(const std::string &queueManager)

@@ -9,6 +9,7 @@
 #include "cmqcfc.h"
 #include "qmgr/command/object_commands.h"
 #include "qmgr/command/status_attributes.h"
+#include "qmgr/command/status_row.h"
 #include "qmgr/command/subscription_attributes.h"
 #include "qmgr/command/subscription_commands.h"
 #include "qmgr/objects/object_name.h"
@@ -23,48 +24,18 @@ using objects::Attribute;
 using objects::AttributeValue;
 using objects::ObjectKind;
 using objects::StoredSubscription;
-using objects::ValueKind;
 using objects::Word;
-
-constexpr MQLONG noLimit = 2147483647;
-constexpr MQLONG idDigits = 2 * MQ_CONNECTION_ID_LENGTH;
-
-constexpr Attribute text(std::string_view keyword, MQLONG selector, ObjectKind kind, MQLONG length,
-                         Access access = Access::Dynamic)
-{
-    return {.keyword = keyword,
-            .selector = selector,
-            .kinds = objects::kinds(kind),
-            .value = ValueKind::Text,
-            .access = access,
-            .words = {},
-            .textLength = length,
-            .defaultText = {}};
-}
-
-constexpr Attribute number(std::string_view keyword, MQLONG selector, ObjectKind kind, std::span<const Word> words = {},
-                           Access access = Access::Dynamic)
-{
-    return {.keyword = keyword,
-            .selector = selector,
-            .kinds = objects::kinds(kind),
-            .value = ValueKind::Number,
-            .access = access,
-            .high = noLimit,
-            .words = words,
-            .defaultText = {}};
-}
 
 constexpr Word noYes[] = {{"NO", 0}, {"YES", 1}};
 constexpr Word local[] = {{"LOCAL", MQPSST_LOCAL}};
 constexpr Word states[] = {{"ACTIVE", MQPS_STATUS_ACTIVE}, {"INACTIVE", MQPS_STATUS_INACTIVE}};
 
 constexpr Attribute publishSubscribeRows[] = {
-    number("TYPE", MQIACF_PUBSUB_STATUS, ObjectKind::QueueManager, local, Access::Identity),
-    text("QMNAME", MQCA_Q_MGR_NAME, ObjectKind::QueueManager, MQ_Q_MGR_NAME_LENGTH, Access::Identity),
-    number("STATUS", MQIACF_PS_STATUS_TYPE, ObjectKind::QueueManager, states),
-    number("SUBCOUNT", MQIA_SUB_COUNT, ObjectKind::QueueManager),
-    number("TPCOUNT", MQIA_TOPIC_NODE_COUNT, ObjectKind::QueueManager),
+    statusNumber("TYPE", MQIACF_PUBSUB_STATUS, ObjectKind::QueueManager, local, Access::Identity),
+    statusText("QMNAME", MQCA_Q_MGR_NAME, ObjectKind::QueueManager, MQ_Q_MGR_NAME_LENGTH, Access::Identity),
+    statusNumber("STATUS", MQIACF_PS_STATUS_TYPE, ObjectKind::QueueManager, states),
+    statusNumber("SUBCOUNT", MQIA_SUB_COUNT, ObjectKind::QueueManager),
+    statusNumber("TPCOUNT", MQIA_TOPIC_NODE_COUNT, ObjectKind::QueueManager),
 };
 
 // The row of a subscription's attribute, as something that is only shown.
@@ -81,7 +52,7 @@ std::vector<Attribute> makeSubscriptionRows()
     return {
         shown(MQCACF_SUB_NAME, Access::Identity),
         shown(MQBACF_SUB_ID, Access::Identity),
-        text("ACTCONN", MQBACF_CONNECTION_ID, ObjectKind::Topic, idDigits),
+        statusText("ACTCONN", MQBACF_CONNECTION_ID, ObjectKind::Topic, connectionIdDigits),
         shown(MQIACF_DURABLE_SUBSCRIPTION, Access::Dynamic),
         shown(MQIACF_SUB_TYPE, Access::Dynamic),
         shown(MQCACF_SUB_USER_ID, Access::Dynamic),
@@ -93,10 +64,10 @@ std::vector<Attribute> makeSubscriptionRows()
 std::vector<Attribute> makeTopicRows()
 {
     std::vector<Attribute> rows{
-        text("TOPICSTR", MQCA_TOPIC_STRING, ObjectKind::Topic, MQ_TOPIC_STR_LENGTH, Access::Identity),
-        text("ADMIN", MQCA_ADMIN_TOPIC_NAME, ObjectKind::Topic, MQ_TOPIC_NAME_LENGTH),
-        number("RETAINED", MQIACF_RETAINED_PUBLICATION, ObjectKind::Topic, noYes),
-        number("SUBCOUNT", MQIA_SUB_COUNT, ObjectKind::Topic),
+        statusText("TOPICSTR", MQCA_TOPIC_STRING, ObjectKind::Topic, MQ_TOPIC_STR_LENGTH, Access::Identity),
+        statusText("ADMIN", MQCA_ADMIN_TOPIC_NAME, ObjectKind::Topic, MQ_TOPIC_NAME_LENGTH),
+        statusNumber("RETAINED", MQIACF_RETAINED_PUBLICATION, ObjectKind::Topic, noYes),
+        statusNumber("SUBCOUNT", MQIA_SUB_COUNT, ObjectKind::Topic),
     };
     for (const MQLONG selector :
          {MQIA_DEF_PUT_RESPONSE_TYPE, MQIA_DEF_PRIORITY, MQIA_TOPIC_DEF_PERSISTENCE, MQIA_DURABLE_SUB,
