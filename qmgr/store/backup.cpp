@@ -76,12 +76,7 @@ int copyLog(sqlite3 *from, sqlite3 *to)
 {
     sqlite3_backup *copy = sqlite3_backup_init(to, "main", from, "main");
     if (copy == nullptr) return sqlite3_extended_errcode(to);
-    int code = SQLITE_OK;
-    for (int tries = 0; tries < 3000; ++tries) {
-        code = sqlite3_backup_step(copy, -1);
-        if ((code & 0xff) != SQLITE_BUSY && (code & 0xff) != SQLITE_LOCKED) break;
-        sqlite3_sleep(1);
-    }
+    const int code = sqlite3_backup_step(copy, -1);
     const int finished = sqlite3_backup_finish(copy);
     return code == SQLITE_DONE ? finished : code;
 }
@@ -198,6 +193,7 @@ BackupResult backUpQueueManager(const std::filesystem::path &storeFolder, std::s
             // What is damaged is told in detail, if it can be.
             Findings findings;
             BackupResult result = refused(outcome);
+            if ((code & 0xff) == SQLITE_BUSY) return refusedBySystem(EBUSY);
             if (outcome.Reason == MQRC_STORAGE_NOT_AVAILABLE) return refusedBySystem(ENOSPC);
             result.contents = checkLog(log, canDecode, findings);
             result.findings = findings.lines();

@@ -9,7 +9,9 @@
 #include "qmgr/store/check.h"
 #include "store_test.h"
 
+#include <cerrno>
 #include <csignal>
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -135,6 +137,22 @@ TEST_F(Backups, AreRefusedWhereTheyCannotBe)
               failure(MQRC_Q_MGR_NAME_ERROR));
     EXPECT_FALSE(std::filesystem::exists(file_));
     EXPECT_EQ(browse(*connect(), q1_), Texts{});
+}
+
+// As other programs that open the file may: nobody waits for ever, and no disk is said to be full.
+TEST_F(Backups, OfALogThatSomebodyElseKeepsAreRefusedAsBusy)
+{
+    ASSERT_EQ(endQueueManager(folder_, "QM1", End::Immediate), success());
+    sqlite3 *keeper = nullptr;
+    ASSERT_EQ(sqlite3_open((folder_ / "QM1" / "log.db").c_str(), &keeper), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(keeper, "PRAGMA locking_mode = EXCLUSIVE; BEGIN IMMEDIATE", nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    const BackupResult refused = backUp();
+    sqlite3_close(keeper);
+    EXPECT_EQ(refused.fault, Fault::FileError);
+    EXPECT_EQ(refused.error, EBUSY);
+    EXPECT_FALSE(std::filesystem::exists(file_));
+    EXPECT_EQ(backUp().fault, Fault::None);
 }
 
 TEST_F(Backups, NeverHoldASplitUnit)
