@@ -384,7 +384,8 @@ bool administer(Trial &run, const char *name, Work &&work)
         if (outcome.ok()) return true;
         const Outside outside;
         // What follows from a step that has failed before.
-        constexpr MQLONG consequences[] = {MQRC_Q_MGR_NAME_ERROR, MQRC_Q_MGR_ACTIVE, MQRC_Q_MGR_NOT_ACTIVE};
+        constexpr MQLONG consequences[] = {MQRC_Q_MGR_NAME_ERROR, MQRC_Q_MGR_ACTIVE, MQRC_Q_MGR_NOT_ACTIVE,
+                                           MQRC_Q_MGR_QUIESCING};
         const bool follows = !run.faultless() && std::ranges::count(consequences, outcome.Reason) > 0;
         run.call(
             name,
