@@ -3,6 +3,9 @@
 // Changes are made under the log lock, in the log first. A holder that dies between the two leaves the next one to
 // read all definitions from the log again (reloadDefinitions). So does one that cannot bring its change to the live
 // state; it has happened all the same, so who looks for a definition sees to it first.
+//
+// What hangs on a deleted queue is swept out in several transactions. Its counters, marked as deleted, go last: whoever
+// reads the definitions again finds by them what somebody else has not swept out.
 
 #include <algorithm>
 #include <cstring>
