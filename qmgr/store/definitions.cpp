@@ -238,7 +238,7 @@ Outcome Store::sweepQueue(QueueId queue)
         }
     }
     return update(0, 0, [&](WriteTransaction &transaction) {
-        transaction.erase(LiveKey::queue(queue));
+        transaction.eraseCounters(queue);
         return success();
     });
 }

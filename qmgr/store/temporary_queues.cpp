@@ -6,8 +6,8 @@
 // of the connection says what is to be removed; it is the last one to go, so that whoever cleans up behind a killed
 // process goes on where that one was, also if it was killed removing them.
 //
-// Others may be using the queue. Its counters go with its definition: from then on nothing can be put on it, booked or
-// opened. What units of work of others had there is passed over when they commit (commit.cpp).
+// Others may be using the queue. Its counters are marked when its definition goes: from then on nothing can be put on it,
+// booked or opened. What units of work of others had there is passed over when they commit (commit.cpp).
 
 #include <algorithm>
 #include <cstring>
@@ -70,11 +70,12 @@ Outcome Store::removeTemporary(std::uint32_t slot, const Definition &removed)
         outcome = update(0, slot, [&](WriteTransaction &transaction) {
             // Another queue may have the name by now.
             if (recordIn<QueueId>(transaction.get(definition)) == queue) transaction.erase(definition);
-            transaction.erase(LiveKey::queue(queue));
+            transaction.counters(queue).deleted = 1;
             more = false;
             for (const LiveKey &records : LiveKey::hangingOn(queue))
                 more |= transaction.eraseSome(records, recordsAtOnce);
             if (!more) {
+                transaction.eraseCounters(queue);
                 transaction.erase(LiveKey::booking(slot, queue));
                 transaction.erase(LiveKey::temporary(slot, queue));
             }

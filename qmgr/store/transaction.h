@@ -283,6 +283,7 @@ protected:
     // what that does to the depth.
     QueueStatus &counters(QueueId queue);
     void createCounters(QueueId queue);
+    void eraseCounters(QueueId queue);
     // False, and the transaction fails, if the queue is gone.
     bool mustExist(QueueId queue);
     Booking &booking(QueueId queue);

@@ -77,6 +77,12 @@ void WriteTransaction::createCounters(QueueId queue)
     entry.status.resetStatistics(currentTime());
 }
 
+void WriteTransaction::eraseCounters(QueueId queue)
+{
+    scratch_->entryOf(*this, queue).present = false;
+    erase(LiveKey::queue(queue));
+}
+
 bool WriteTransaction::mustExist(QueueId queue)
 {
     if (outcome_.failed()) return false;

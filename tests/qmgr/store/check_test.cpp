@@ -6,6 +6,7 @@
 #include "qmgr/store/check.h"
 #include "qmgr/store/live_pages.h"
 #include "qmgr/store/log_database.h"
+#include "qmgr/store/seams.h"
 #include "store_test.h"
 
 #include <csignal>
@@ -66,6 +67,31 @@ std::string contentsOfFile(const std::filesystem::path &file)
 void writeFile(const std::filesystem::path &file, std::string_view bytes)
 {
     std::ofstream(file, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+TEST_F(Check, FindsNothingWhileATemporaryQueueGoes)
+{
+    static std::function<void()> look;
+    std::string found;
+    int looks = 0;
+    look = [&] {
+        ++looks;
+        found += allFindings();
+    };
+    const auto a = connect();
+    Definition queue{.type = MQOT_Q, .name = "TEMPORARY", .bytes = "x"};
+    ASSERT_EQ(a->defineTemporary(queue), success());
+    for (int message = 0; message < 2100; ++message)
+        ASSERT_EQ(put(*a, queue.queue, "goes"), success());
+    seams.reached = [](Step step) {
+        if (step == Step::TemporaryRemoving) look();
+    };
+    EXPECT_EQ(a->removeTemporary(queue), success());
+    seams.reached = nullptr;
+    EXPECT_GT(looks, 1);
+    EXPECT_EQ(found, "");
+    EXPECT_TRUE(browse(*a, queue.queue).empty());
+    EXPECT_EQ(put(*a, queue.queue, "late"), failure(MQRC_Q_DELETED));
 }
 
 TEST_F(Check, FindsNothingInASoundStore)
