@@ -124,7 +124,7 @@ bool readHex(std::string_view digits, objects::Identifier24 &bytes)
         const char upper = digits[i] >= 'a' && digits[i] <= 'f' ? static_cast<char>(digits[i] - 'a' + 'A') : digits[i];
         const std::size_t value = hex.find(upper);
         if (value == std::string_view::npos) return false;
-        bytes[i / 2] = static_cast<MQBYTE>(bytes[i / 2] << 4 | value);
+        bytes[i / 2] = static_cast<MQBYTE>(std::size_t{bytes[i / 2]} << 4 | value);
     }
     return true;
 }

@@ -6,8 +6,8 @@
 // of the connection says what is to be removed; it is the last one to go, so that whoever cleans up behind a killed
 // process goes on where that one was, also if it was killed removing them.
 //
-// Others may be using the queue. Its counters are marked when its definition goes: from then on nothing can be put on it,
-// booked or opened. What units of work of others had there is passed over when they commit (commit.cpp).
+// Others may be using the queue. Its counters are marked when its definition goes: from then on nothing can be put on
+// it, booked or opened. What units of work of others had there is passed over when they commit (commit.cpp).
 
 #include <algorithm>
 #include <cstring>
