@@ -243,7 +243,8 @@ Outcome Store::sweepQueue(QueueId queue)
     });
 }
 
-// The queues marked as going, whether their definitions are still there or not.
+// The queues marked as going, whether their definitions are still there or not. Not temporary ones: whoever ends their
+// connection is at them.
 Outcome Store::queuesGoing(std::vector<QueueId> &going)
 {
     return read([&](ReadTransaction &transaction) {
@@ -253,8 +254,8 @@ Outcome Store::queuesGoing(std::vector<QueueId> &going)
             transaction.walk(LiveKey::messages(), LiveKey::queue(next), [&](const MDB_val &key, const MDB_val &value) {
                 const QueueId queue = queueIn(key);
                 const auto status = recordIn<QueueStatus>(value);
-                if (key.mv_size == LiveKey::queue(queue).size() && status && status->deleted != 0)
-                    going.push_back(queue);
+                const bool isCounters = key.mv_size == LiveKey::queue(queue).size();
+                if (isCounters && status && status->deleted != 0 && !isTemporary(queue)) going.push_back(queue);
                 next = queue + 1;
                 more = next != 0;
                 return false;
