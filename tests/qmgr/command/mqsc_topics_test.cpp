@@ -63,6 +63,29 @@ TEST_F(MqscTopics, SubscriptionIsDefinedShownAlteredAndDeleted)
     EXPECT_EQ(answer("ALTER SUB(NONE) PUBPRTY(1)"), "AMQ8147E: There is no subscription NONE.\n");
 }
 
+TEST_F(MqscTopics, SubscriptionShowsEveryAttributeAsItWasGiven)
+{
+    ASSERT_EQ(run("DEF QL(Q1)").result, CommandResult::Done);
+    ASSERT_EQ(run("DEF TOPIC(T1) TOPICSTR(fruit)").result, CommandResult::Done);
+    ASSERT_EQ(answer("DEF SUB(S) TOPICOBJ(T1) TOPICSTR(apple) DEST(Q1) EXPIRY(1000) PSPROP(NONE) PUBAPPID('an id')"
+                     " PUBPRTY(7) REQONLY(YES) SELECTOR('a = 1') SUBLEVEL(3) SUBSCOPE(QMGR) VARUSER(FIXED)"
+                     " WSCHEMA(CHAR)"),
+              "AMQ8094I: Subscription S was created.\n");
+    EXPECT_EQ(answer("DIS SUB(S) EXPIRY PSPROP PUBAPPID PUBPRTY REQONLY SELECTOR SUBLEVEL SUBSCOPE TOPICOBJ TOPICSTR"
+                     " VARUSER WSCHEMA"),
+              "AMQ8096I: Subscription details:\n"
+              "   SUB(S)                                  EXPIRY(1000)\n"
+              "   PSPROP(NONE)                            PUBAPPID(an id)\n"
+              "   PUBPRTY(7)                              REQONLY(YES)\n"
+              "   SELECTOR(a = 1)                         SUBLEVEL(3)\n"
+              "   SUBSCOPE(QMGR)                          TOPICOBJ(T1)\n"
+              "   TOPICSTR(FRUIT/APPLE)                   VARUSER(FIXED)\n"
+              "   WSCHEMA(CHAR)\n");
+    const std::string all = answer("DIS SUB(S) ALL");
+    for (const char *keyword : {"CRDATE(20", "CRTIME(", "DESTQMGR(", "PUBACCT(", "SUBID(", "SUBUSER("})
+        EXPECT_NE(all.find(keyword), std::string::npos) << keyword << " in " << all;
+}
+
 TEST_F(MqscTopics, ManagedSubscriptionHasItsQueue)
 {
     ASSERT_EQ(run("DEF SUB(S) TOPICSTR(t) DESTCLAS(MANAGED)").result, CommandResult::Done);
