@@ -113,7 +113,7 @@ cppcheck_run() {
 }
 
 # Tests in which no file can be written, or another user's program runs, would spoil the counts that every process adds
-# to: they are left out, and so is one that takes too long when it is counted. Threads count atomically.
+# to: they are left out, and so are two that take too long when lines are counted. Threads count atomically.
 coverage() {
   step "coverage"
   local flags="--coverage -fprofile-update=atomic"
