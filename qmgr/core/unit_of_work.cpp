@@ -133,7 +133,7 @@ Outcome commit(Connection &connection)
     }
     if (connection.unit.doomed()) {
         const Outcome backedOut = backOut(connection);
-        return backedOut.failed() ? backedOut : failure(MQRC_BACKED_OUT);
+        return backedOut.failed() ? backedOut : warning(MQRC_BACKED_OUT);
     }
     if (connection.unit.empty()) return success();
     const Outcome outcome = connection.store->commit(connection.unit.content());
