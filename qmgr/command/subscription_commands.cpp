@@ -190,6 +190,15 @@ Outcome checkAlterable(const Assignment &change)
     }
 }
 
+// Why there is none of this name: a definition that stands in its place cannot be read.
+Outcome whyNotFound(Attachment &attachment, const std::string &name)
+{
+    const auto stored = attachment.findDefinition(store::subscriptions, objects::subscriptionKey(name));
+    if (!stored) return failure(MQRC_NO_SUBSCRIPTION);
+    const auto read = Subscription::decode(stored->bytes);
+    return failure(read && read->name == name ? MQRC_NO_SUBSCRIPTION : MQRC_OBJECT_DAMAGED);
+}
+
 } // namespace
 
 Outcome defineSubscription(Attachment &attachment, const SubscriptionDefinition &definition)
@@ -199,6 +208,9 @@ Outcome defineSubscription(Attachment &attachment, const SubscriptionDefinition 
     for (;;) {
         auto known = objects::findSubscription(attachment, definition.name); // which removes one that has expired
         if (known && definition.replace == Replace::No) return failure(MQRC_SUB_ALREADY_EXISTS);
+        if (!known)
+            if (const Outcome none = whyNotFound(attachment, definition.name); none.Reason == MQRC_OBJECT_DAMAGED)
+                return none;
         const Outcome defined = known ? replace(attachment, std::move(*known), made) : create(attachment, made);
         // Somebody was faster.
         const bool again = definition.replace == Replace::Yes &&
@@ -214,7 +226,7 @@ Outcome alterSubscription(Attachment &attachment, const std::string &name, const
         if (const Outcome may = checkAlterable(change); may.failed()) return may;
     for (;;) {
         auto known = objects::findSubscription(attachment, name);
-        if (!known) return failure(MQRC_NO_SUBSCRIPTION);
+        if (!known) return whyNotFound(attachment, name);
         const bool moves = std::ranges::any_of(attributes, [](const Assignment &change) {
             return change.attribute->selector == MQCACF_DESTINATION ||
                    change.attribute->selector == MQCACF_DESTINATION_Q_MGR;
@@ -230,7 +242,7 @@ Outcome alterSubscription(Attachment &attachment, const std::string &name, const
 Outcome deleteSubscription(Attachment &attachment, const std::string &name)
 {
     const auto known = objects::findSubscription(attachment, name);
-    if (!known) return failure(MQRC_NO_SUBSCRIPTION);
+    if (!known) return whyNotFound(attachment, name);
     return objects::removeSubscription(attachment, *known, objects::Handle::None);
 }
 

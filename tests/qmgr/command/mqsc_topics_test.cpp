@@ -92,6 +92,10 @@ TEST_F(MqscTopics, ManagedSubscriptionHasItsQueue)
     EXPECT_NE(answer("DIS Q(SYSTEM.MANAGED.DURABLE.*) DEFTYPE").find("DEFTYPE(PERMDYN)"), std::string::npos);
     EXPECT_EQ(answer("ALTER SUB(S) DEST(Q1)"),
               "AMQ8404E: The command failed: the queue of a managed subscription cannot be altered.\n");
+    const std::string queue = answer("DIS SUB(S) DEST");
+    ASSERT_EQ(answer("DEF SUB(S) TOPICSTR(t) DESTCLAS(MANAGED) USERDATA('new') REPLACE"),
+              "AMQ8094I: Subscription S was created.\n");
+    EXPECT_EQ(answer("DIS SUB(S) DEST"), queue);
     ASSERT_EQ(run("DELETE SUB(S)").result, CommandResult::Done);
     EXPECT_EQ(run("DIS Q(SYSTEM.MANAGED.*)").result, CommandResult::Failed);
 }
@@ -125,7 +129,34 @@ TEST_F(MqscTopics, SelectorIsJudgedWhenItIsDefined)
               "AMQ8404E: The command failed: SELECTOR is no selection string.\n");
     EXPECT_EQ(answer("DEF SUB(T) TOPICSTR(t) DEST(Q1) SELECTOR('1 = 2')"),
               "AMQ8404E: The command failed: SELECTOR is never true.\n");
-    EXPECT_EQ(answer("ALTER SUB(S) SELECTOR('a = 1')"), "AMQ8404E: The command failed: SELECTOR cannot be altered.\n");
+}
+
+TEST_F(MqscTopics, WhatMakesASubscriptionIsNotAltered)
+{
+    ASSERT_EQ(run("DEF SUB(S) TOPICSTR(t) DEST(Q1)").result, CommandResult::Done);
+    const std::string before = answer("DIS SUB(S) ALL");
+    const auto fails = [this](const std::string &attribute, const std::string &because) {
+        EXPECT_EQ(answer("ALTER SUB(S) PUBPRTY(4) " + attribute), "AMQ8404E: The command failed: " + because + ".\n");
+    };
+    fails("TOPICSTR(u)", "the topic cannot be altered");
+    fails("TOPICOBJ(T)", "the topic cannot be altered");
+    fails("WSCHEMA(CHAR)", "the topic cannot be altered");
+    fails("SUBSCOPE(QMGR)", "the topic cannot be altered");
+    fails("SELECTOR('a = 1')", "SELECTOR cannot be altered");
+    fails("SUBLEVEL(2)", "SUBLEVEL cannot be altered");
+    fails("DESTCLAS(MANAGED)", "the queue of a managed subscription cannot be altered");
+    EXPECT_EQ(answer("DIS SUB(S) ALL"), before);
+}
+
+TEST_F(MqscTopics, ASubscriptionThatCannotBeReadIsSaidToBeDamaged)
+{
+    ASSERT_EQ(run("DEF SUB(S) TOPICSTR(t) DEST(Q1)").result, CommandResult::Done);
+    auto stored = attachment_->definitions(store::subscriptions).front();
+    stored.bytes = "not what a subscription is stored as";
+    ASSERT_TRUE(attachment_->alter(stored, std::nullopt).ok());
+    for (const char *command : {"DEF SUB(S) TOPICSTR(t) DEST(Q1)", "DEF SUB(S) TOPICSTR(t) DEST(Q1) REPLACE",
+                                "ALTER SUB(S) PUBPRTY(1)", "DELETE SUB(S)"})
+        EXPECT_EQ(answer(command), "AMQ8149E: The definition of object S is damaged.\n") << command;
 }
 
 TEST_F(MqscTopics, SubscriptionIsReplacedAsFarAsItCanBeAltered)
@@ -193,6 +224,10 @@ TEST_F(MqscTopics, StatusOfATopicTellsWhatHoldsThere)
               "   TOPICSTR(a/b/c)                         ADMIN( )\n"
               "   DEFPRTY(5)                              RETAINED(NO)\n"
               "   SUB(ENABLED)                            SUBCOUNT(2)\n");
+    EXPECT_EQ(answer("DIS TPSTATUS('a/b/c') MDURMDL MNDURMDL PUBSCOPE"),
+              "AMQ8754I: Topic status details:\n"
+              "   TOPICSTR(a/b/c)                         MDURMDL(SYSTEM.DURABLE.MODEL.QUEUE)\n"
+              "   MNDURMDL(SYSTEM.NDURABLE.MODEL.QUEUE)   PUBSCOPE(ALL)\n");
     EXPECT_EQ(answer("DIS TPS('a/+') TYPE(TOPIC) SUBCOUNT"),
               "AMQ8754I: Topic status details:\n"
               "   TOPICSTR(a/b)                           SUBCOUNT(0)\n");
