@@ -1,4 +1,6 @@
 // MQOPEN of a topic, MQPUT and MQPUT1 to it, and what subscribers get.
+#include <set>
+
 #include "topics_fixture.h"
 
 namespace mqrig::qmgr::testing {
@@ -436,6 +438,92 @@ TEST_F(Publish, WildcardsDoNotPassATopicThatBlocksThem)
     EXPECT_EQ(drain(hconn, beside.queue), Bodies{"free"});
     EXPECT_EQ(drain(hconn, at.queue), Bodies{"blocked"});
     EXPECT_EQ(drain(hconn, exact.queue), Bodies{"blocked"});
+}
+
+TEST_F(Publish, OutcomeOfAnAsynchronousPublicationIsLeftToMQSTAT)
+{
+    defineTopic("T", "closed",
+                {{MQIA_INHIBIT_PUB, MQTA_PUB_INHIBITED}, {MQIA_DEF_PUT_RESPONSE_TYPE, MQPRT_ASYNC_RESPONSE}});
+    const Subscribed sub = subscribe(hconn, "free");
+    EXPECT_EQ(publish(hconn, "closed/a", "x"), failed(MQRC_PUT_INHIBITED)); // MQPUT1 does not ask the topic
+    EXPECT_EQ(put(hconn, openTopic(hconn, "closed/a"), "lost"), ok);
+    EXPECT_EQ(publish(hconn, "closed/b", "lost", MQPMO_NO_SYNCPOINT | MQPMO_ASYNC_RESPONSE), ok);
+    EXPECT_EQ(publish(hconn, "free", "there", MQPMO_NO_SYNCPOINT | MQPMO_ASYNC_RESPONSE), ok);
+    EXPECT_EQ(drain(hconn, sub.queue), Bodies{"there"});
+    MQSTS sts = {MQSTS_DEFAULT};
+    sts.Version = MQSTS_VERSION_2;
+    std::string topic(100, '\0');
+    sts.ObjectString.VSPtr = topic.data();
+    sts.ObjectString.VSBufSize = static_cast<MQLONG>(topic.size());
+    Codes codes;
+    MQSTAT(hconn, MQSTAT_TYPE_ASYNC_ERROR, &sts, &codes.CompCode, &codes.Reason);
+    ASSERT_EQ(codes, ok);
+    EXPECT_EQ((Codes{sts.CompCode, sts.Reason}), failed(MQRC_PUT_INHIBITED));
+    EXPECT_EQ(sts.PutSuccessCount, 1);
+    EXPECT_EQ(sts.PutFailureCount, 2);
+    EXPECT_EQ(sts.ObjectType, MQOT_TOPIC);
+    ASSERT_EQ(sts.ObjectString.VSLength, 8);
+    EXPECT_EQ(topic.substr(0, 8), "closed/a");
+}
+
+TEST_F(Publish, MessageHandleThatIsNoneIsRefused)
+{
+    const Subscribed sub = subscribe(hconn, "t");
+    MQPMO pmo = pmoWith(MQPMO_NO_SYNCPOINT);
+    pmo.Version = MQPMO_VERSION_3;
+    pmo.OriginalMsgHandle = 12345;
+    EXPECT_EQ(put(hconn, openTopic(hconn, "t"), "x", MQMD{MQMD_DEFAULT}, pmo), failed(MQRC_HMSG_ERROR));
+    EXPECT_EQ(drain(hconn, sub.queue), Bodies{});
+}
+
+TEST_F(Publish, GroupInLogicalOrderReachesEachSubscriberAsAGroup)
+{
+    const Subscribed subs[] = {subscribe(hconn, "t"), subscribe(hconn, "#")};
+    const MQHOBJ topic = openTopic(hconn, "t");
+    const auto putMember = [&](MQLONG flags, std::string_view body) {
+        MQMD md = version2Md();
+        md.MsgFlags = flags;
+        return put(hconn, topic, body, md, pmoWith(MQPMO_LOGICAL_ORDER | MQPMO_NO_SYNCPOINT));
+    };
+    EXPECT_EQ(putMember(MQMF_MSG_IN_GROUP, "one"), ok);
+    EXPECT_EQ(putMember(MQMF_MSG_IN_GROUP, "two"), ok);
+    EXPECT_EQ(putMember(MQMF_NONE, "outside"), failed(MQRC_INCOMPLETE_GROUP));
+    EXPECT_EQ(putMember(MQMF_LAST_MSG_IN_GROUP, "three"), ok);
+    EXPECT_EQ(putMember(MQMF_NONE, "alone"), ok);
+    for (const Subscribed &sub : subs) {
+        std::string group;
+        for (MQLONG number = 1; number <= 3; ++number) {
+            const Got got = get(hconn, sub.queue, version2Md(), gmoWith(MQGMO_NO_SYNCPOINT));
+            ASSERT_EQ(got.codes, ok);
+            EXPECT_EQ(got.md.MsgSeqNumber, number) << got.body;
+            if (number == 1) group = bytes(got.md.GroupId);
+            EXPECT_EQ(bytes(got.md.GroupId), group) << got.body;
+        }
+        EXPECT_NE(group, std::string(MQ_GROUP_ID_LENGTH, '\0'));
+        EXPECT_EQ(drain(hconn, sub.queue), Bodies{"alone"});
+    }
+}
+
+TEST_F(Publish, ArrivalIsReportedForEachSubscriber)
+{
+    const Subscribed subs[] = {subscribe(hconn, "t"), subscribe(hconn, "#")};
+    MQMD md = version2Md();
+    md.Report = MQRO_COA_WITH_DATA;
+    setText(md.ReplyToQ, "Q1");
+    EXPECT_EQ(publish(hconn, "t", "x", MQPMO_NO_SYNCPOINT, md), ok);
+    std::set<std::string> published;
+    std::set<std::string> reported;
+    for (const Subscribed &sub : subs) {
+        published.insert(bytes(get(hconn, sub.queue).md.MsgId));
+        const Got report = get(hconn, q1);
+        ASSERT_EQ(report.codes, ok);
+        EXPECT_EQ(report.md.Feedback, MQFB_COA);
+        EXPECT_EQ(report.body, "x");
+        reported.insert(bytes(report.md.CorrelId));
+    }
+    EXPECT_EQ(published.size(), 2U);
+    EXPECT_EQ(reported, published);
+    EXPECT_EQ(depth("Q1"), 0);
 }
 
 TEST_F(Publish, SyncpointLimitAndQuiesceHoldForPublications)

@@ -386,8 +386,71 @@ TEST_F(Subscribe, GroupGetsOneCopy)
     EXPECT_EQ(trySubscribe(hconn, sd, queue).codes, failed(MQRC_DUPLICATE_GROUP_SUB));
     sd.ObjectString = charv("a/b");
     ASSERT_EQ(trySubscribe(hconn, sd, queue).codes, ok);
+    EXPECT_EQ(trySubscribe(hconn, sd, queue).codes, failed(MQRC_DUPLICATE_GROUP_SUB));
     EXPECT_EQ(publish(hconn, "a/b", "x"), ok);
     EXPECT_EQ(drain(hconn, queue), Bodies{"x"});
+}
+
+TEST_F(Subscribe, MemberOfAGroupKeepsItsQueueAndCorrelationIdentifier)
+{
+    defineQueue("Q2");
+    const MQHOBJ queue = ownQueue();
+    MQSD sd = sdFor("t", MQSO_CREATE | MQSO_DURABLE | MQSO_GROUP_SUB | MQSO_SET_CORREL_ID, "S");
+    setBytes(sd.SubCorrelId, "group");
+    ASSERT_EQ(trySubscribe(hconn, sd, queue).codes, ok);
+    sd.Options = MQSO_ALTER | MQSO_DURABLE | MQSO_GROUP_SUB | MQSO_SET_CORREL_ID;
+    EXPECT_EQ(trySubscribe(hconn, sd, open(hconn, "Q2", MQOO_INPUT_SHARED)).codes, failed(MQRC_GROUPING_NOT_ALTERABLE));
+    setBytes(sd.SubCorrelId, "other");
+    EXPECT_EQ(trySubscribe(hconn, sd, queue).codes, failed(MQRC_GROUPING_NOT_ALTERABLE));
+    setBytes(sd.SubCorrelId, "group");
+    sd.PubPriority = 3;
+    EXPECT_EQ(trySubscribe(hconn, sd, queue).codes, ok);
+    EXPECT_EQ(publish(hconn, "t", "x"), ok);
+    const Got got = get(hconn, queue);
+    EXPECT_EQ(got.md.Priority, 3);
+    EXPECT_EQ(bytes(got.md.CorrelId).substr(0, 5), "group");
+}
+
+TEST_F(Subscribe, PublicationsMayGoToAnotherQueueManager)
+{
+    defineTransmissionQueue("QM2");
+    MQOD od = {MQOD_DEFAULT};
+    setText(od.ObjectName, "THERE");
+    setText(od.ObjectQMgrName, "QM2");
+    MQHOBJ there = MQHO_NONE;
+    ASSERT_EQ(tryOpen(hconn, od, MQOO_OUTPUT, there), ok);
+    Subscribed sub = trySubscribe(hconn, sdFor("t", MQSO_CREATE | MQSO_DURABLE, "S"), there);
+    ASSERT_EQ(sub.codes, ok);
+    EXPECT_EQ(publish(hconn, "t", "x"), ok);
+    const Got got = get(hconn, open(hconn, "QM2", MQOO_INPUT_SHARED));
+    ASSERT_EQ(got.codes, ok);
+    MQXQH header;
+    ASSERT_EQ(got.body.size(), sizeof header + 1);
+    std::memcpy(&header, got.body.data(), sizeof header);
+    EXPECT_EQ(text(header.RemoteQName), "THERE");
+    EXPECT_EQ(text(header.RemoteQMgrName), "QM2");
+    EXPECT_EQ(got.body.back(), 'x');
+    // It is resumed with a handle of the same queue; without one there is nothing to get from.
+    ASSERT_EQ(close(hconn, sub.hsub), ok);
+    EXPECT_EQ(trySubscribe(hconn, sdFor("", MQSO_RESUME, "S")).codes, failed(MQRC_INVALID_DESTINATION));
+    EXPECT_EQ(trySubscribe(hconn, sdFor("", MQSO_RESUME, "S"), ownQueue()).codes, failed(MQRC_HOBJ_ERROR));
+    EXPECT_EQ(trySubscribe(hconn, sdFor("", MQSO_RESUME, "S"), there).codes, ok);
+}
+
+TEST_F(Subscribe, NameOfASubscriptionThatCannotBeReadIsTaken)
+{
+    Subscribed sub = subscribe(hconn, "t", makeDurable, "S");
+    ASSERT_EQ(close(hconn, sub.hsub), ok);
+    {
+        const store::Attached attached = store::attach(storeFolder(), "QM1");
+        store::Definition stored = attached.attachment->definitions(store::subscriptions).front();
+        stored.bytes = "not what a subscription is stored as";
+        ASSERT_TRUE(attached.attachment->alter(stored, std::nullopt).ok());
+    }
+    EXPECT_EQ(codesOf("t", makeDurable, "S"), failed(MQRC_SUB_ALREADY_EXISTS));
+    EXPECT_EQ(codesOf("t", MQSO_RESUME, "S"), failed(MQRC_NO_SUBSCRIPTION));
+    EXPECT_EQ(publish(hconn, "t", "x"), ok);
+    EXPECT_EQ(codesOf("t", makeDurable, "T"), ok);
 }
 
 TEST_F(Subscribe, CharacterWildcardsCrossLevels)
@@ -506,6 +569,16 @@ TEST_F(Subscribe, ExpiredRetainedPublicationIsNotSent)
     EXPECT_EQ(publish(hconn, "t", "x", MQPMO_RETAIN, withExpiry(1)), ok);
     usleep(150000);
     EXPECT_EQ(drain(hconn, subscribe(hconn, "t").queue), Bodies{});
+}
+
+TEST_F(Subscribe, RetainedPublicationGoesOnToExpire)
+{
+    EXPECT_EQ(publish(hconn, "t", "x", MQPMO_RETAIN, withExpiry(6000)), ok);
+    usleep(150000);
+    const Got got = get(hconn, subscribe(hconn, "t").queue);
+    ASSERT_EQ(got.codes, ok);
+    EXPECT_GT(got.md.Expiry, 0);
+    EXPECT_LT(got.md.Expiry, 6000);
 }
 
 TEST_F(Subscribe, PublicationsOnRequestComeOnRequest)
