@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <functional>
 #include <future>
 
 #include "qmgr/store/attachment.h"
@@ -250,19 +251,17 @@ TEST_F(DynamicQueue, ManyMessagesGoWithTheQueue)
     EXPECT_EQ(get(hconn, made.hobj).codes, failed(MQRC_NO_MSG_AVAILABLE));
 }
 
-// A process that makes a temporary queue, puts a message on it and waits to be killed.
+// A process that connects, works and is killed.
 class KilledProgram {
 public:
-    explicit KilledProgram(std::string name)
+    explicit KilledProgram(const std::function<bool(MQHCONN)> &work)
     {
         int ready[2];
         if (pipe(ready) != 0) throw std::runtime_error("pipe");
         pid_ = fork();
         if (pid_ == 0) {
             const MQHCONN mine = QueueManagerTest::connect();
-            const auto made = DynamicQueue::openModel(mine, "TEMP", name);
-            const bool put = made.codes == ok && QueueManagerTest::put(mine, made.hobj, "orphan") == ok;
-            if (!put || write(ready[1], "x", 1) != 1) _exit(1);
+            if (!work(mine) || write(ready[1], "x", 1) != 1) _exit(1);
             for (;;)
                 pause();
         }
@@ -278,21 +277,28 @@ private:
     pid_t pid_;
 };
 
+// One that makes the temporary queue ORPHAN and puts a message on it.
+bool leaveOrphan(MQHCONN hconn)
+{
+    const auto made = DynamicQueue::openModel(hconn, "TEMP", "ORPHAN");
+    return made.codes == ok && QueueManagerTest::put(hconn, made.hobj, "orphan") == ok;
+}
+
 TEST_F(DynamicQueue, KilledProgramsQueueIsGoneForWhoOpensIt)
 {
-    const KilledProgram killed("ORPHAN");
+    const KilledProgram killed(leaveOrphan);
     EXPECT_EQ(openCodes(hconn, "ORPHAN", MQOO_OUTPUT), failed(MQRC_UNKNOWN_OBJECT_NAME));
 }
 
 TEST_F(DynamicQueue, KilledProgramsQueueIsGoneForWhoListsQueues)
 {
-    const KilledProgram killed("ORPHAN");
+    const KilledProgram killed(leaveOrphan);
     EXPECT_EQ(queuesBeginningWith("ORPHAN"), std::vector<std::string>{});
 }
 
 TEST_F(DynamicQueue, KilledProgramsNameIsFree)
 {
-    const KilledProgram killed("ORPHAN");
+    const KilledProgram killed(leaveOrphan);
     const Opened made = openModel(hconn, "TEMP", "ORPHAN");
     ASSERT_EQ(made.codes, ok);
     EXPECT_EQ(get(hconn, made.hobj).codes, failed(MQRC_NO_MSG_AVAILABLE));
@@ -300,7 +306,7 @@ TEST_F(DynamicQueue, KilledProgramsNameIsFree)
 
 TEST_F(DynamicQueue, KilledProgramsQueueGoesWithTheNextThatConnects)
 {
-    const KilledProgram killed("ORPHAN");
+    const KilledProgram killed(leaveOrphan);
     MQHCONN next = connect();
     MQMD md = {MQMD_DEFAULT};
     MQPMO pmo = pmoWith(MQPMO_NO_SYNCPOINT);
@@ -352,6 +358,21 @@ TEST_F(DynamicQueue, UncommittedMessagesKeepAPermanentQueue)
     EXPECT_EQ(close(hconn, made.hobj, MQCO_DELETE_PURGE), failed(MQRC_Q_NOT_EMPTY));
     ASSERT_EQ(commit(hconn), ok);
     EXPECT_EQ(close(hconn, made.hobj, MQCO_DELETE), ok);
+}
+
+TEST_F(DynamicQueue, UnitOfWorkOfAKilledProgramDoesNotKeepAPermanentQueue)
+{
+    Opened made = openModel(hconn, "PERM", "KEPT");
+    ASSERT_EQ(put(hconn, made.hobj, "x"), ok);
+    ASSERT_EQ(close(hconn, made.hobj), ok);
+    const KilledProgram killed([](MQHCONN mine) {
+        const MQHOBJ kept = open(mine, "KEPT", MQOO_INPUT_SHARED);
+        return get(mine, kept, MQGMO_SYNCPOINT).codes == ok;
+    });
+    MQHOBJ kept = open(hconn, "KEPT", MQOO_OUTPUT);
+    EXPECT_EQ(close(hconn, kept, MQCO_DELETE), failed(MQRC_Q_NOT_EMPTY)); // the message is back
+    EXPECT_EQ(close(hconn, kept, MQCO_DELETE_PURGE), ok);
+    EXPECT_EQ(openCodes(hconn, "KEPT", MQOO_OUTPUT), failed(MQRC_UNKNOWN_OBJECT_NAME));
 }
 
 TEST_F(DynamicQueue, PermanentQueueOpenElsewhereIs2052ThereOnceDeleted)

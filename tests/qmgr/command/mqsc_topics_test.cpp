@@ -67,22 +67,25 @@ TEST_F(MqscTopics, SubscriptionShowsEveryAttributeAsItWasGiven)
 {
     ASSERT_EQ(run("DEF QL(Q1)").result, CommandResult::Done);
     ASSERT_EQ(run("DEF TOPIC(T1) TOPICSTR(fruit)").result, CommandResult::Done);
-    ASSERT_EQ(answer("DEF SUB(S) TOPICOBJ(T1) TOPICSTR(apple) DEST(Q1) EXPIRY(1000) PSPROP(NONE) PUBAPPID('an id')"
-                     " PUBPRTY(7) REQONLY(YES) SELECTOR('a = 1') SUBLEVEL(3) SUBSCOPE(QMGR) VARUSER(FIXED)"
-                     " WSCHEMA(CHAR)"),
-              "AMQ8094I: Subscription S was created.\n");
-    EXPECT_EQ(answer("DIS SUB(S) EXPIRY PSPROP PUBAPPID PUBPRTY REQONLY SELECTOR SUBLEVEL SUBSCOPE TOPICOBJ TOPICSTR"
-                     " VARUSER WSCHEMA"),
-              "AMQ8096I: Subscription details:\n"
-              "   SUB(S)                                  EXPIRY(1000)\n"
-              "   PSPROP(NONE)                            PUBAPPID(an id)\n"
-              "   PUBPRTY(7)                              REQONLY(YES)\n"
-              "   SELECTOR(a = 1)                         SUBLEVEL(3)\n"
-              "   SUBSCOPE(QMGR)                          TOPICOBJ(T1)\n"
-              "   TOPICSTR(FRUIT/APPLE)                   VARUSER(FIXED)\n"
-              "   WSCHEMA(CHAR)\n");
+    ASSERT_EQ(
+        answer(
+            "DEF SUB(S) TOPICOBJ(T1) TOPICSTR(apple) DEST(Q1) DESTQMGR(QM2) EXPIRY(1000) PSPROP(NONE) PUBAPPID('an id')"
+            " PUBPRTY(7) REQONLY(YES) SELECTOR('a = 1') SUBLEVEL(3) SUBSCOPE(QMGR) VARUSER(FIXED)"
+            " WSCHEMA(CHAR)"),
+        "AMQ8094I: Subscription S was created.\n");
+    EXPECT_EQ(
+        answer("DIS SUB(S) DESTQMGR EXPIRY PSPROP PUBAPPID PUBPRTY REQONLY SELECTOR SUBLEVEL SUBSCOPE TOPICOBJ TOPICSTR"
+               " VARUSER WSCHEMA"),
+        "AMQ8096I: Subscription details:\n"
+        "   SUB(S)                                  DESTQMGR(QM2)\n"
+        "   EXPIRY(1000)                            PSPROP(NONE)\n"
+        "   PUBAPPID(an id)                         PUBPRTY(7)\n"
+        "   REQONLY(YES)                            SELECTOR(a = 1)\n"
+        "   SUBLEVEL(3)                             SUBSCOPE(QMGR)\n"
+        "   TOPICOBJ(T1)                            TOPICSTR(FRUIT/APPLE)\n"
+        "   VARUSER(FIXED)                          WSCHEMA(CHAR)\n");
     const std::string all = answer("DIS SUB(S) ALL");
-    for (const char *keyword : {"CRDATE(20", "CRTIME(", "DESTQMGR(", "PUBACCT(", "SUBID(", "SUBUSER("})
+    for (const char *keyword : {"CRDATE(20", "CRTIME(", "PUBACCT(", "SUBID(", "SUBUSER("})
         EXPECT_NE(all.find(keyword), std::string::npos) << keyword << " in " << all;
 }
 

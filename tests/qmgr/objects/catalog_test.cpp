@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "qmgr/objects/system_objects.h"
 #include "qmgr/store/queue_managers.h"
@@ -106,6 +107,24 @@ TEST_F(CatalogTest, DeletedQueueIsNoticedAlsoWhenItsNameLivesAgain)
     EXPECT_EQ(catalog.refresh(hold), failure(MQRC_Q_DELETED));
     EXPECT_NE(hold.queue, nullptr);
     EXPECT_TRUE(catalog.queue("Q1").outcome.ok());
+}
+
+TEST_F(CatalogTest, ManyQueuesAreFoundBeforeAndAfterAChange)
+{
+    constexpr int many = 300; // more than are remembered of former versions
+    Catalog catalog(*here_);
+    std::vector<store::QueueId> ids;
+    for (int i = 0; i < many; ++i) {
+        define("Q" + std::to_string(i));
+        ids.push_back(catalog.queue("Q" + std::to_string(i)).hold.queue->id);
+    }
+    setDepth("Q7", 9);
+    for (int i = 0; i < many; ++i) {
+        const FoundQueue found = catalog.queue("Q" + std::to_string(i));
+        ASSERT_TRUE(found.outcome.ok()) << i;
+        EXPECT_EQ(found.hold.queue->id, ids[static_cast<std::size_t>(i)]) << i;
+        EXPECT_EQ(found.hold.queue->maxDepth, i == 7 ? 9 : 5000) << i;
+    }
 }
 
 TEST_F(CatalogTest, DamagedDefinitionIsReportedAsSuch)
