@@ -37,9 +37,10 @@ Outcome putToList(MQHCONN Hconn, core::Connection &connection, core::OpenObject 
             return applied;
     const core::AsyncKind kind =
         core::asyncKind(call.pmo.Options, MQPRT_SYNC_RESPONSE, call.message.header.md.Persistence);
-    const Outcome outcome = core::putToList(connection, *object.list,
-                                            {call.pmo.Options, object.options, call.pmo.Context, &object.logicalOrder},
-                                            records, call.message);
+    const core::PutRequest request{call.pmo.Options, object.options, call.pmo.Context, &object.logicalOrder};
+    if (const MQLONG reason = core::checkPutToList(*object.list, request, records, call.message.header.md))
+        return failure(reason);
+    const Outcome outcome = core::putToList(connection, *object.list, request, records, call.message);
     if (kind.asynchronous) {
         if (handles && !outcome.failed()) handles->rememberPut(call);
         return api::finishAsyncPut(connection, kind, outcome, *object.list, object.options, call, pMsgDesc);

@@ -44,8 +44,10 @@ Outcome put1ToList(MQHCONN Hconn, core::Connection &connection, const MQOD &od, 
             return applied;
     const core::AsyncKind kind =
         core::asyncKind(call.pmo.Options, MQPRT_SYNC_RESPONSE, call.message.header.md.Persistence);
-    const Outcome outcome = core::putToList(
-        connection, list, {call.pmo.Options, openOptions, call.pmo.Context, nullptr}, records, call.message);
+    const core::PutRequest request{call.pmo.Options, openOptions, call.pmo.Context, nullptr};
+    if (const MQLONG reason = core::checkPutToList(list, request, records, call.message.header.md))
+        return failure(reason);
+    const Outcome outcome = core::putToList(connection, list, request, records, call.message);
     if (kind.asynchronous) {
         if (handles && !outcome.failed()) handles->rememberPut(call);
         return api::finishAsyncPut(connection, kind, outcome, list, openOptions, call, pMsgDesc);

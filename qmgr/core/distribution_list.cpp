@@ -163,15 +163,6 @@ private:
     bool kept_ = false;
 };
 
-// One group identifier for all destinations: the MQI does not want that.
-bool sharesGroup(const DistributionList &list, const PutRequest &request, const PutRecords &records, const MQMD &md)
-{
-    constexpr MQBYTE24 none = {MQGI_NONE_ARRAY};
-    const bool ownIdentifiers = records.has(MQPMRF_GROUP_ID) && records.count() >= list.destinations.size();
-    return (md.MsgFlags & groupingFlags) != 0 && !request.has(MQPMO_LOGICAL_ORDER) && !ownIdentifiers &&
-           std::memcmp(md.GroupId, none, sizeof none) != 0;
-}
-
 template <class Field>
 void copyField(Field &to, const Field &from)
 {
@@ -260,10 +251,19 @@ void resolveList(Connection &connection, DistributionList &list)
         find(connection, destination);
 }
 
+MQLONG checkPutToList(const DistributionList &list, const PutRequest &request, const PutRecords &records,
+                      const MQMD &md)
+{
+    constexpr MQBYTE24 none = {MQGI_NONE_ARRAY};
+    const bool ownIdentifiers = records.has(MQPMRF_GROUP_ID) && records.count() >= list.destinations.size();
+    const bool sharesGroup = (md.MsgFlags & groupingFlags) != 0 && !request.has(MQPMO_LOGICAL_ORDER) &&
+                             !ownIdentifiers && std::memcmp(md.GroupId, none, sizeof none) != 0;
+    return sharesGroup ? MQRC_GROUP_ID_ERROR : MQRC_NONE;
+}
+
 Outcome putToList(Connection &connection, DistributionList &list, const PutRequest &request, const PutRecords &records,
                   store::NewMessage &message)
 {
-    if (sharesGroup(list, request, records, message.header.md)) return failure(MQRC_GROUP_ID_ERROR);
     if (request.has(MQPMO_NEW_CORREL_ID)) connection.newIdentifier(message.header.md.CorrelId);
     ListPut put(connection, list, request, records, message);
     if (request.has(MQPMO_SYNCPOINT)) {

@@ -39,9 +39,13 @@ Outcome closeList(Connection &connection, const DistributionList &list);
 // Finds the queues of a list that is put to with MQPUT1.
 void resolveList(Connection &connection, DistributionList &list);
 
+// What is wrong with the put whatever the destinations are; to be asked first. MQRC_NONE, MQRC_GROUP_ID_ERROR: messages
+// in groups would have one group for all destinations.
+MQLONG checkPutToList(const DistributionList &list, const PutRequest &request, const PutRecords &records,
+                      const MQMD &md);
 // Puts the message on all destinations, with the fields that the records have for each; identifiers that are made are
 // left in the records. With MQPMO_NEW_CORREL_ID one CorrelId is made for all destinations. `message.header.md` becomes
-// what MQPUT returns: that of the first destination, but with the other identifiers that the program gave. MQRC_GROUP_ID_ERROR: messages in groups would have one group for all destinations.
+// what MQPUT returns: that of the first destination, but with the other identifiers that the program gave.
 Outcome putToList(Connection &connection, DistributionList &list, const PutRequest &request, const PutRecords &records,
                   store::NewMessage &message);
 

@@ -326,6 +326,27 @@ TEST_F(DistributionListTest, OneGroupForAllDestinationsIs2258)
     EXPECT_NE(bytes(take("L1").md.GroupId), bytes(take("L2").md.GroupId));
 }
 
+TEST_F(DistributionListTest, OneGroupForAllDestinationsIsAnsweredAtOnceToAnAsynchronousPutToo)
+{
+    destinations({"L1", "L2"});
+    ASSERT_EQ(openList(), ok);
+    MQMD md = version2Md();
+    md.MsgFlags = MQMF_MSG_IN_GROUP;
+    setBytes(md.GroupId, "group");
+    MQPMO pmo = listPmo(MQPMO_SYNCPOINT | MQPMO_ASYNC_RESPONSE);
+    EXPECT_EQ(put(hconn, list, "x", md, pmo), failed(MQRC_GROUP_ID_ERROR));
+    Codes codes;
+    MQPUT1(hconn, &od, &md, &pmo, 0, nullptr, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, failed(MQRC_GROUP_ID_ERROR));
+    MQSTS sts = {MQSTS_DEFAULT};
+    MQSTAT(hconn, MQSTAT_TYPE_ASYNC_ERROR, &sts, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, ok);
+    EXPECT_EQ(sts.PutSuccessCount, 0);
+    EXPECT_EQ(sts.PutFailureCount, 0);
+    EXPECT_EQ(commit(hconn), ok);
+    EXPECT_EQ(depth("L1") + depth("L2"), 0);
+}
+
 TEST_F(DistributionListTest, ListTakesOutputOnly)
 {
     destinations({"L1"});
