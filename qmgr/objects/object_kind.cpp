@@ -9,21 +9,22 @@ namespace {
 struct KindNames {
     ObjectKind kind;
     std::string_view commandWord;
-    std::string_view spokenName;
     MQLONG queueType;
     MQLONG openType;
 };
 
+// clang-format off
 constexpr KindNames kindNames[] = {
-    {ObjectKind::QueueManager, "QMGR", "Queue Manager", 0, MQOT_Q_MGR},
-    {ObjectKind::LocalQueue, "QLOCAL", "Queue", MQQT_LOCAL, MQOT_Q},
-    {ObjectKind::AliasQueue, "QALIAS", "Queue", MQQT_ALIAS, MQOT_Q},
-    {ObjectKind::RemoteQueue, "QREMOTE", "Queue", MQQT_REMOTE, MQOT_Q},
-    {ObjectKind::ModelQueue, "QMODEL", "Queue", MQQT_MODEL, MQOT_Q},
-    {ObjectKind::Namelist, "NAMELIST", "Namelist", 0, MQOT_NAMELIST},
-    {ObjectKind::Process, "PROCESS", "Process", 0, MQOT_PROCESS},
-    {ObjectKind::Topic, "TOPIC", "Topic", 0, MQOT_TOPIC},
+    {ObjectKind::QueueManager, "QMGR", 0, MQOT_Q_MGR},
+    {ObjectKind::LocalQueue, "QLOCAL", MQQT_LOCAL, MQOT_Q},
+    {ObjectKind::AliasQueue, "QALIAS", MQQT_ALIAS, MQOT_Q},
+    {ObjectKind::RemoteQueue, "QREMOTE", MQQT_REMOTE, MQOT_Q},
+    {ObjectKind::ModelQueue, "QMODEL", MQQT_MODEL, MQOT_Q},
+    {ObjectKind::Namelist, "NAMELIST", 0, MQOT_NAMELIST},
+    {ObjectKind::Process, "PROCESS", 0, MQOT_PROCESS},
+    {ObjectKind::Topic, "TOPIC", 0, MQOT_TOPIC},
 };
+// clang-format on
 
 constexpr bool inOrder()
 {
@@ -59,11 +60,6 @@ bool hasOpenType(ObjectKinds set, MQLONG type)
 std::string_view commandWord(ObjectKind kind)
 {
     return row(kind).commandWord;
-}
-
-std::string_view spokenName(ObjectKind kind)
-{
-    return row(kind).spokenName;
 }
 
 } // namespace mqrig::qmgr::objects

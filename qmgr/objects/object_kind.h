@@ -65,8 +65,7 @@ MQLONG openType(ObjectKind kind);
 // Whether any kind of the set is opened under that MQOT_ value.
 bool hasOpenType(ObjectKinds set, MQLONG type);
 
-// "QLOCAL", "QMGR": the word of the command language; "Queue", "Queue Manager": what answers call it.
+// "QLOCAL", "QMGR": the word of the command language.
 std::string_view commandWord(ObjectKind kind);
-std::string_view spokenName(ObjectKind kind);
 
 } // namespace mqrig::qmgr::objects
