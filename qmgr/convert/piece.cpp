@@ -134,9 +134,7 @@ bool Piece::bytes(std::size_t size)
 
 bool Piece::zeros(std::size_t count)
 {
-    constexpr std::array<std::byte, 4> none{};
-    for (; count > none.size(); count -= none.size())
-        if (!write(none)) return false;
+    constexpr std::array<std::byte, sizeof(MQLONG)> none{};
     return write(std::span(none).first(count));
 }
 

@@ -74,7 +74,7 @@ public:
     std::size_t written() const { return written_; }
     // Replaces a number written before, in the representation of that time; nothing if it has not been written.
     void patch(std::size_t at, MQLONG value, const Representation &representation);
-    bool zeros(std::size_t count);
+    bool zeros(std::size_t count); // fewer than a number has bytes
     // Takes back what was read and written since.
     struct Mark {
         std::size_t read;

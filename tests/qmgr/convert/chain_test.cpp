@@ -6,6 +6,19 @@ namespace {
 
 constexpr Representation sun{MQENC_NORMAL, 819};
 
+// The fixed part of a rules header; text stands behind it.
+std::string rfh(const Representation &own, MQLONG length, const Representation &next, std::string_view format)
+{
+    return Bytes(own)
+        .field("RFH ", 4)
+        .number(1)
+        .number(length)
+        .number(next.encoding)
+        .number(next.ccsid)
+        .field(format, 8)
+        .number(0);
+}
+
 std::string inEbcdic(std::string_view text)
 {
     return Bytes(mainframe).encoded(text);
@@ -135,20 +148,10 @@ TEST(Chain, PairsOfTwoByteUnicodeChangeTheirOrder)
 
 TEST(Chain, TextOfTheFirstRulesHeaderMayGrow)
 {
-    const auto rfh = [](const Representation &own, MQLONG length, const Representation &next) -> std::string {
-        return Bytes(own)
-            .field("RFH ", 4)
-            .number(1)
-            .number(length)
-            .number(next.encoding)
-            .number(next.ccsid)
-            .field(MQFMT_STRING, 8)
-            .number(0);
-    };
-    const std::string body = rfh(sun, 36, sun) + "n v\xFC" + "text";
+    const std::string body = rfh(sun, 36, sun, MQFMT_STRING) + "n v\xFC" + "text";
     const Converted converted = convertBody({.format = MQFMT_RF_HEADER, .source = sun}, body);
     EXPECT_EQ(converted.conversion.reason, MQRC_NONE);
-    EXPECT_EQ(converted.body, rfh(native, 37, native) + "n v\xC3\xBC" + "text");
+    EXPECT_EQ(converted.body, rfh(native, 37, native, MQFMT_STRING) + "n v\xC3\xBC" + "text");
 }
 
 TEST(Chain, DistributionHeaderWithItsRecords)
@@ -298,6 +301,21 @@ TEST(Truncation, OfTheTextBehindAHeader)
         body);
     EXPECT_EQ(converted.conversion.reason, MQRC_TRUNCATED_MSG_ACCEPTED);
     EXPECT_EQ(converted.body, dlh(native, native, MQFMT_STRING) + "He");
+}
+
+TEST(Truncation, OfBytesBehindATextThatHasGrown)
+{
+    const std::string body = rfh(sun, 36, native, MQFMT_NONE) + "n v\xFC" + "bytes";
+    Case test{.format = MQFMT_RF_HEADER, .source = sun, .buffer = body.size()};
+    const Converted kept = convertBody(test, body);
+    EXPECT_EQ(kept.conversion.reason, MQRC_CONVERTED_MSG_TOO_BIG);
+    EXPECT_EQ(kept.body, body);
+    EXPECT_EQ(kept.conversion.representation, sun);
+    test.acceptTruncated = true;
+    const Converted cut = convertBody(test, body);
+    EXPECT_EQ(cut.conversion.reason, MQRC_TRUNCATED_MSG_ACCEPTED);
+    EXPECT_EQ(cut.body, rfh(native, 37, native, MQFMT_NONE) + "n v\xC3\xBC" + "byte");
+    EXPECT_EQ(cut.conversion.length, body.size());
 }
 
 TEST(Truncation, AtEveryByteKeepsWithinTheBuffer)

@@ -170,6 +170,29 @@ TEST(StringMessage, BytesThatAreNoTextAreKept)
     }
 }
 
+TEST(StringMessage, ThatEndsWithinACharacterIsKept)
+{
+    const Converted converted = convertBody({.target = {0, 819}}, "gr\xC3\xBC\xC3");
+    EXPECT_EQ(converted.conversion.reason, MQRC_NOT_CONVERTED);
+    EXPECT_EQ(converted.body, "gr\xC3\xBC\xC3");
+    EXPECT_EQ(converted.conversion.representation, native);
+}
+
+// A letter waits for the accent that may follow it, and comes when the text is over.
+TEST(StringMessage, ItsLastLetterNeedsItsRoomToo)
+{
+    Case test{.source = {0, 1258}, .buffer = 3};
+    EXPECT_EQ(convertBody(test, "\xE2\x61").body, "\xC3\xA2\x61");
+    test.buffer = 2;
+    const Converted kept = convertBody(test, "\xE2\x61");
+    EXPECT_EQ(kept.conversion.reason, MQRC_CONVERTED_MSG_TOO_BIG);
+    EXPECT_EQ(kept.body, "\xE2\x61");
+    test.acceptTruncated = true;
+    const Converted cut = convertBody(test, "\xE2\x61");
+    EXPECT_EQ(cut.conversion.reason, MQRC_TRUNCATED_MSG_ACCEPTED);
+    EXPECT_EQ(cut.body, "\xC3\xA2");
+}
+
 TEST(StringMessage, OfSingleBytesIsKeptAsAWhole)
 {
     const Converted converted = convertBody({.source = {0, 923}, .target = {0, 819}}, "ab\xA4");
