@@ -120,6 +120,18 @@ TEST_F(Selecting, AllTypesOfProperties)
         EXPECT_EQ(nextBody(select(one), MQGMO_BROWSE_FIRST), nothing) << one;
 }
 
+TEST_F(Selecting, APropertyThatIsNullHasNoValue)
+{
+    MQHMSG hmsg = create(hconn);
+    ASSERT_EQ(set(hmsg, "gone", MQTYPE_NULL, ""), ok);
+    ASSERT_EQ(set(hmsg, "colour", "red"), ok);
+    ASSERT_EQ(putWith(hmsg, "x"), ok);
+    for (const char *one : {"gone IS NULL", "gone = 1 OR colour = 'red'"})
+        EXPECT_EQ(nextBody(select(one), MQGMO_BROWSE_FIRST), "x") << one;
+    for (const char *one : {"gone IS NOT NULL", "gone = ''", "gone <> ''", "NOT gone = 1"})
+        EXPECT_EQ(nextBody(select(one), MQGMO_BROWSE_FIRST), nothing) << one;
+}
+
 TEST_F(Selecting, FieldsOfTheDescriptorUnderBothNames)
 {
     MQMD md = version2Md();

@@ -7,6 +7,8 @@
 namespace mqrig::qmgr::properties {
 namespace {
 
+using namespace std::string_view_literals;
+
 struct Read {
     FolderKind kind;
     std::vector<Property> properties;
@@ -67,9 +69,19 @@ TEST(FolderReader, ElementsAreProperties)
     EXPECT_EQ(shown("<usr></usr>"), "");
     EXPECT_EQ(shown("<usr/>"), "");
     EXPECT_EQ(shown("<usr><a/></usr>"), "a=");
-    EXPECT_EQ(shown(" <usr>\n <a>1</a>\n</usr>  \0"), "a=1");
+    EXPECT_EQ(shown(" <usr>\n <a>1</a>\n</usr>  "), "a=1");
     EXPECT_EQ(shown("<usr ><a >1</a ></usr >"), "a=1");
     EXPECT_EQ(shown("<usr><a>1</a></usr><jms><Dst>q</Dst></jms>"), "a=1 jms.Dst=q");
+}
+
+TEST(FolderReader, ZeroBytesFillAFolderUpAtItsEndOnly)
+{
+    EXPECT_EQ(shown("<usr><a>1</a></usr>\0\0\0"sv), "a=1");
+    EXPECT_EQ(shown("<usr><a>1</a></usr>  \0"sv), "a=1");
+    EXPECT_EQ(read("\0\0"sv).kind, FolderKind::Other);
+    EXPECT_EQ(read("\0<usr><a>1</a></usr>"sv).kind, FolderKind::Malformed);
+    EXPECT_EQ(read("<usr><a>1</a></usr>\0 "sv).kind, FolderKind::Malformed);
+    EXPECT_EQ(read("<usr><a>1</a>\0</usr>"sv).kind, FolderKind::Malformed);
 }
 
 TEST(FolderReader, TypesAreThoseOfTheirAttribute)
@@ -247,6 +259,24 @@ TEST(FolderWriter, EscapesWhatElementsCannotHold)
     EXPECT_EQ(written("usr", {text("a", "\xFFz")}), "<usr><a>\uFFFDz</a></usr>") << "no text of its set";
 }
 
+TEST(FolderWriter, LettersOfAnyAlphabetMayBeginAName)
+{
+    EXPECT_EQ(written("gr\u00f6\u00dfe", {text("gr\u00f6\u00dfe.\u00dcberma\u00df", "1")}),
+              "<gr\u00f6\u00dfe content='properties'><\u00dcberma\u00df>1</\u00dcberma\u00df></gr\u00f6\u00dfe>");
+    for (const std::string name :
+         {"\u03a9\u03bc\u03ad\u03b3\u03b1", "\u0438\u043c\u044f", "\u65e5\u4ed8", "\U00010400", "e\u0301"})
+        EXPECT_EQ(written("usr", {text(name, "1")}), "<usr><" + name + ">1</" + name + "></usr>");
+}
+
+TEST(FolderWriter, WhatNoElementMayBeginWithIsEscapedThere)
+{
+    EXPECT_EQ(written("usr", {text("\u00d7", "1")}), "<usr><_x00D7_>1</_x00D7_></usr>");
+    EXPECT_EQ(written("usr", {text("a\u00d7", "1")}), "<usr><a_x00D7_>1</a_x00D7_></usr>") << "nor may it hold this";
+    EXPECT_EQ(written("usr", {text("\u00b7", "1")}), "<usr><_x00B7_>1</_x00B7_></usr>");
+    EXPECT_EQ(written("usr", {text("a\u00b7", "1")}), "<usr><a\u00b7>1</a\u00b7></usr>");
+    EXPECT_EQ(written("usr", {text("\u0301", "1")}), "<usr><_x0301_>1</_x0301_></usr>");
+}
+
 TEST(FolderWriter, WhatIsWrittenReadsBack)
 {
     Property reply = text("odd name:1", "a\0b");
@@ -257,7 +287,14 @@ TEST(FolderWriter, WhatIsWrittenReadsBack)
     bytes.type = MQTYPE_BYTE_STRING;
     Property strange = text("when", "now");
     strange.typeName = "date";
-    const std::vector<Property> all = {text("color", "<r&d>\u20ac "), reply, null, bytes, strange, text("empty", "")};
+    const std::vector<Property> all = {text("color", "<r&d>\u20ac "),
+                                       reply,
+                                       null,
+                                       bytes,
+                                       strange,
+                                       text("empty", ""),
+                                       text("gr\u00f6\u00dfe", "\u00d7"),
+                                       text("\u00d7", "2")};
     EXPECT_EQ(read(written("usr", all)).properties, all);
 }
 

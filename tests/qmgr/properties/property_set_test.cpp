@@ -106,6 +106,21 @@ TEST(PropertySet, SameNamesAroundTheCursorAreFoundInTheirOrder)
     EXPECT_EQ(shown(set), "b=2");
 }
 
+TEST(PropertySet, WhenTheLastOfANameGoesNewOnesStandBehindTheOneBeforeIt)
+{
+    PropertySet set = setOf({{"a", "1"}, {"a", "2"}, {"b", "3"}, {"c", "4"}});
+    set.inquire(pattern("b"), Move::First);
+    set.set(text("a", "5"), Place::AfterCursor);
+    EXPECT_EQ(shown(set), "a=1 a=2 b=3 a=5 c=4");
+    set.inquire(pattern("a"), Move::First);
+    set.inquire(pattern("a"), Move::Next);
+    EXPECT_EQ(set.inquire(pattern("a"), Move::Next)->value, "5");
+    EXPECT_TRUE(set.removeUnderCursor());
+    set.add(text("a", "6"));
+    EXPECT_EQ(shown(set), "a=1 a=2 a=6 b=3 c=4");
+    EXPECT_EQ(walked(set, "a"), "a=1 a=2 a=6");
+}
+
 TEST(PropertySet, WithoutCursorThereIsNoPlaceAtIt)
 {
     PropertySet set = setOf({{"a", "1"}});

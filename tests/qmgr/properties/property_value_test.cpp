@@ -179,9 +179,10 @@ TEST(PropertyValue, TextsOfEveryTypeReadBack)
          {numberOf(MQTYPE_BOOLEAN, MQLONG{1}), numberOf(MQTYPE_INT8, MQINT8{-128}), numberOf(MQTYPE_INT16, MQINT16{-1}),
           numberOf(MQTYPE_INT32, std::numeric_limits<MQLONG>::min()), numberOf(MQTYPE_INT64, MQINT64{9000000000}),
           numberOf(MQTYPE_FLOAT32, 3.4e38F), numberOf(MQTYPE_FLOAT64, 0.1), numberOf(MQTYPE_FLOAT64, -2.5e-300),
-          text(" a b ")}) {
-        Property read;
+          text(" a b "), Property{}}) {
+        Property read = text("former");
         EXPECT_TRUE(readValueText(valueText(property), property.type, read)) << valueText(property);
+        EXPECT_EQ(read.type, property.type);
         EXPECT_EQ(read.value, property.value);
     }
 }

@@ -43,6 +43,13 @@ TEST(Record, KeepsEverything)
     EXPECT_EQ(read, some());
 }
 
+TEST(Record, TextIsFoundByItsName)
+{
+    EXPECT_EQ(textIn(recorded(some()), "color"), std::string("r\0d", 3));
+    EXPECT_EQ(textIn(recorded(some()), "colour"), "");
+    EXPECT_EQ(textIn({}, "color"), "");
+}
+
 TEST(Record, CutAnywhereIsDamaged)
 {
     const std::vector<std::byte> record = recorded(some());

@@ -18,6 +18,7 @@ const std::map<std::string, SelectorValue> message = {
     {"empty", SelectorValue::ofText("")},
     {"size", SelectorValue::of(std::int64_t{42})},
     {"weight", SelectorValue::of(2.5)},
+    {"none", SelectorValue::of(std::numeric_limits<double>::quiet_NaN())},
     {"large", SelectorValue::of(std::numeric_limits<std::int64_t>::max())},
     {"fresh", SelectorValue::of(true)},
     {"stale", SelectorValue::of(false)},
@@ -106,6 +107,22 @@ TEST(Selector, UnlikeTypesAreNeverEqualNorInOrder)
            {"bytes = '0x0AFC23'", False},
            {"colour > 1", False},
            {"fresh = 1", False}});
+}
+
+TEST(Selector, WhatIsNoNumberIsUnequalToAllAndInNoOrder)
+{
+    check({{"none = none", False},
+           {"none <> none", True},
+           {"none = weight", False},
+           {"size <> none", True},
+           {"none < 1", False},
+           {"none > 1", False},
+           {"none <= none", False},
+           {"1 >= none", False},
+           {"none BETWEEN 0 AND 1", False},
+           {"none NOT BETWEEN 0 AND 1", True},
+           {"none + 1 = none + 1", False},
+           {"none IS NULL", False}});
 }
 
 TEST(Selector, WhatIsMissingIsUnknown)
