@@ -180,6 +180,24 @@ TEST_F(PcfInterpreter, ParameterGivenTwiceIsRefused)
                                  w.texts(MQCA_NAMES, std::vector<std::string>{"B"}, 4);
                              }),
               about(MQRCCF_CFSL_DUPLICATE_PARM, MQCA_NAMES));
+    const MQBYTE connection[] = {1, 2, 3};
+    EXPECT_EQ(faultOfCommand(MQCMD_INQUIRE_CONNECTION,
+                             [&](PcfWriter &w) {
+                                 w.bytes(MQBACF_GENERIC_CONNECTION_ID, connection);
+                                 w.bytes(MQBACF_GENERIC_CONNECTION_ID, connection);
+                             }),
+              about(MQRCCF_CFBS_DUPLICATE_PARM, MQBACF_GENERIC_CONNECTION_ID));
+}
+
+TEST_F(PcfInterpreter, GroupInThePlaceOfAParameterGivenBeforeIsRefusedAsAGroup)
+{
+    EXPECT_EQ(faultOfCommand(MQCMD_CHANGE_Q_MGR,
+                             [](PcfWriter &w) {
+                                 w.integer(MQIA_MAX_HANDLES, 7);
+                                 w.beginGroup(MQIA_MAX_HANDLES);
+                                 w.endGroup();
+                             }),
+              about(MQRCCF_CFGR_PARM_ID_ERROR, MQIA_MAX_HANDLES));
 }
 
 // ---- Create, Change, Copy, Delete ----
