@@ -144,6 +144,13 @@ TEST_F(AsyncPut, WhatIsWrongWithTheCallIsAnsweredAtOnce)
     EXPECT_EQ(stat(hconn).counts(), (Counts{0, 0, 0}));
 }
 
+TEST_F(AsyncPut, TheEndOfTheQueueManagerIsAnsweredAtOnce)
+{
+    endImmediate();
+    EXPECT_EQ(put(hconn, q1, "hello", {MQMD_DEFAULT}, pmoWith(outsideAsync)), failed(MQRC_Q_MGR_STOPPING));
+    EXPECT_EQ(put(hconn, q1, "hello", {MQMD_DEFAULT}, pmoWith(outsideAsync)), failed(MQRC_CONNECTION_BROKEN));
+}
+
 TEST_F(AsyncPut, PersistentMessageOutsideAUnitOfWorkIsPutSynchronously)
 {
     alterQueue("Q1", {{MQIA_INHIBIT_PUT, MQQA_PUT_INHIBITED}});

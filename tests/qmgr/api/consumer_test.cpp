@@ -107,6 +107,32 @@ TEST_F(Consumer, StoppingInTheStartCallIs2528)
     EXPECT_EQ(commit(hconn), ok);
 }
 
+TEST_F(Consumer, AStartTakesBackTheStopOfTheSameCallback)
+{
+    std::promise<std::vector<Codes>> answered;
+    diary.then = [&](MQHCONN its, MQCBC &) {
+        if (diary.size() == 1) answered.set_value({control(its, MQOP_STOP), control(its, MQOP_START)});
+    };
+    consume();
+    control(hconn, MQOP_START);
+    put(other, otherQ1, "first");
+    EXPECT_EQ(answered.get_future().get(), (std::vector<Codes>{ok, ok}));
+    put(other, otherQ1, "second");
+    EXPECT_EQ(bodies(2), (Bodies{"first", "second"}));
+    EXPECT_EQ(commit(hconn), failed(MQRC_HCONN_ASYNC_ACTIVE));
+    disconnect(hconn); // before what the callback uses goes
+}
+
+TEST_F(Consumer, AStartInACallbackOfAStoppedConnectionIs2534)
+{
+    std::promise<Codes> answered;
+    diary.then = [&](MQHCONN its, MQCBC &) { answered.set_value(control(its, MQOP_START)); };
+    EXPECT_EQ(consume(MQCBDO_REGISTER_CALL), ok);
+    EXPECT_EQ(answered.get_future().get(), failed(MQRC_OPERATION_NOT_ALLOWED));
+    EXPECT_EQ(commit(hconn), ok) << "nothing has been started";
+    disconnect(hconn); // before what the callback uses goes
+}
+
 TEST_F(Consumer, ItsCallsJoinTheUnitOfWorkThatItEnds)
 {
     const MQHOBJ output = open(hconn, "Q1", MQOO_OUTPUT);

@@ -567,6 +567,36 @@ TEST_F(PropertyDelivery, HandlesMakeTheDescriptor)
     EXPECT_EQ(bytes(got.md.CorrelId).substr(0, 8), "question");
 }
 
+TEST_F(PropertyDelivery, AnswersTakeDiscardAndExpiryOverWhereTheQuestionWantsIt)
+{
+    const auto answered = [&](MQLONG report, MQLONG action) {
+        MQMD md = withExpiry(5000);
+        md.Report = report;
+        EXPECT_EQ(put(hconn, q1, "question", md), ok);
+        EXPECT_EQ(getInto(hmsg).body, "question");
+        MQPMO pmo = pmoWith(MQPMO_NO_SYNCPOINT | MQPMO_MD_FOR_OUTPUT_ONLY);
+        pmo.Version = MQPMO_VERSION_3;
+        pmo.OriginalMsgHandle = hmsg;
+        pmo.Action = action;
+        MQMD out = {MQMD_DEFAULT};
+        EXPECT_EQ(putInOut(hconn, q1, "answer", out, pmo), ok);
+        return get(hconn, q1).md;
+    };
+    for (const MQLONG action : {MQACTP_REPLY, MQACTP_REPORT}) {
+        const MQMD asked = answered(MQRO_PASS_DISCARD_AND_EXPIRY | MQRO_DISCARD_MSG | MQRO_PASS_CORREL_ID, action);
+        EXPECT_EQ(asked.Report, MQRO_DISCARD_MSG);
+        EXPECT_GT(asked.Expiry, 0);
+        EXPECT_LE(asked.Expiry, 5000);
+        const MQMD expiryOnly = answered(MQRO_PASS_DISCARD_AND_EXPIRY, action);
+        EXPECT_EQ(expiryOnly.Report, MQRO_NONE);
+        EXPECT_LE(expiryOnly.Expiry, 5000);
+        EXPECT_NE(expiryOnly.Expiry, MQEI_UNLIMITED);
+        const MQMD notAsked = answered(MQRO_DISCARD_MSG, action);
+        EXPECT_EQ(notAsked.Report, MQRO_NONE);
+        EXPECT_EQ(notAsked.Expiry, MQEI_UNLIMITED);
+    }
+}
+
 TEST_F(PropertyDelivery, DescriptorOfTheHandlesIsJudgedLikeAnyOther)
 {
     // What receives may hold anything.

@@ -252,6 +252,44 @@ TEST_F(Reconnect, TheHandlerMayUseTheConnectionAgainWhenItIsToldSo)
     disconnect(hconn); // before what the callback uses goes
 }
 
+TEST_F(Reconnect, TheHandlerMayCallBeforeTheWaitingCallHasTheConnectionBack)
+{
+    std::promise<Codes> made;
+    diary.then = [&](MQHCONN its, MQCBC &context) {
+        if (context.Reason == MQRC_RECONNECTED) made.set_value(commit(its));
+    };
+    manage(hconn, MQOP_REGISTER, handlerInto(diary));
+    auto got = getter();
+    endToReconnect();
+    start();
+    MQHCONN other = connect();
+    put(other, open(other, "Q1", MQOO_OUTPUT), "there");
+    EXPECT_EQ(got.get().body, "there");
+    EXPECT_EQ(made.get_future().get(), ok);
+    disconnect(hconn); // before what the callback uses goes
+}
+
+TEST_F(Reconnect, ACallThatReconnectsDoesNotWaitForACallbackThatRuns)
+{
+    std::promise<void> goOn;
+    diary.then = [&](MQHCONN, MQCBC &context) {
+        if (context.CallType == MQCBCT_REGISTER_CALL) goOn.get_future().wait();
+    };
+    auto registered = std::async(
+        std::launch::async, [&] { return manage(hconn, MQOP_REGISTER, handlerInto(diary, MQCBDO_REGISTER_CALL)); });
+    diary.entries(1);
+    endToReconnect();
+    start();
+    EXPECT_EQ(put(hconn, q1, "x"), ok);
+    EXPECT_EQ(diary.size(), 1U);
+    goOn.set_value();
+    EXPECT_EQ(registered.get(), ok);
+    // The handler is told in the end, and in order.
+    EXPECT_EQ(diary.reasons(3), (Reasons{MQRC_NONE, MQRC_RECONNECTING, MQRC_RECONNECTED}));
+    EXPECT_EQ(get(hconn, q1).body, "x");
+    disconnect(hconn); // before what the callback uses goes
+}
+
 TEST_F(Reconnect, OthersAreEndedAtOnce)
 {
     MQHCONN other = connect();
@@ -288,6 +326,28 @@ TEST_F(Reconnect, AnOpenUnitOfWorkIsLost)
     EXPECT_EQ(commit(hconn), warned(MQRC_BACKED_OUT));
     EXPECT_EQ(commit(hconn), ok);
     EXPECT_EQ(drain(hconn, q1), (std::vector<std::string>{"was there", "outside"}));
+}
+
+TEST_F(Reconnect, AnAsynchronousPutOfALostUnitOfWorkIsRefusedByTheCallItself)
+{
+    const MQPMO pmo = pmoWith(MQPMO_SYNCPOINT | MQPMO_ASYNC_RESPONSE);
+    EXPECT_EQ(put(hconn, q1, "lost", persistentMd(), pmo), ok);
+    MQSTS sts = {MQSTS_DEFAULT};
+    Codes codes;
+    MQSTAT(hconn, MQSTAT_TYPE_ASYNC_ERROR, &sts, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(sts.PutSuccessCount, 1);
+    endToReconnect();
+    start();
+    EXPECT_EQ(put(hconn, q1, "x", persistentMd(), pmo), failed(MQRC_BACKED_OUT));
+    EXPECT_EQ(put(hconn, q1, "x", {MQMD_DEFAULT}, pmo), failed(MQRC_BACKED_OUT));
+    MQSTAT(hconn, MQSTAT_TYPE_ASYNC_ERROR, &sts, &codes.CompCode, &codes.Reason);
+    EXPECT_EQ(codes, ok);
+    EXPECT_EQ((Codes{sts.CompCode, sts.Reason}), ok);
+    EXPECT_EQ(sts.PutSuccessCount + sts.PutWarningCount + sts.PutFailureCount, 0);
+    EXPECT_EQ(commit(hconn), warned(MQRC_BACKED_OUT));
+    EXPECT_EQ(put(hconn, q1, "there", persistentMd(), pmo), ok);
+    EXPECT_EQ(commit(hconn), ok);
+    EXPECT_EQ(drain(hconn, q1), std::vector<std::string>{"there"});
 }
 
 TEST_F(Reconnect, ABackoutEndsALostUnitOfWork)

@@ -278,6 +278,25 @@ TEST_F(Reports, ExpirationIsReportedByWhoeverMeetsTheMessage)
     }
 }
 
+TEST_F(Reports, ExpirationIsReportedWhenTheMessageIsAskedForByItsToken)
+{
+    const Clock clock;
+    MQMD md = asking(MQRO_EXPIRATION);
+    md.Expiry = 10;
+    ASSERT_EQ(put(hconn, q1, "late", md), ok);
+    MQGMO gmo = gmoWith(MQGMO_BROWSE_FIRST, MQGMO_VERSION_3);
+    gmo.MatchOptions = MQMO_NONE;
+    const Got browsed = get(hconn, q1, version2Md(), gmo);
+    ASSERT_EQ(browsed.body, "late");
+    Clock::pass(2);
+    gmo = gmoWith(MQGMO_NO_SYNCPOINT, MQGMO_VERSION_3);
+    gmo.MatchOptions = MQMO_MATCH_MSG_TOKEN;
+    std::memcpy(gmo.MsgToken, browsed.gmo.MsgToken, sizeof gmo.MsgToken);
+    EXPECT_EQ(get(hconn, q1, version2Md(), gmo).codes, failed(MQRC_NO_MSG_AVAILABLE));
+    EXPECT_EQ(report().md.Feedback, MQFB_EXPIRATION);
+    EXPECT_EQ(depth("Q1"), 0);
+}
+
 TEST_F(Reports, ExpirationIsReportedWithSomeDataWhereThatIsAskedFor)
 {
     const Clock clock;
