@@ -189,12 +189,14 @@ BackupResult backUpQueueManager(const std::filesystem::path &storeFolder, std::s
         int code = from.code() != SQLITE_OK ? from.code() : to.code();
         if (code == SQLITE_OK) code = copyLog(from.get(), to.get());
         if (code == SQLITE_OK) code = makeBackup(to, name);
-        if (const Outcome outcome = logFormat::outcomeOf(code); outcome.failed()) {
+        if (const Outcome outcome = logFormat::outcomeOfStep(code); outcome.failed()) {
             // What is damaged is told in detail, if it can be.
             Findings findings;
             BackupResult result = refused(outcome);
             if ((code & 0xff) == SQLITE_BUSY) return refusedBySystem(EBUSY);
-            if (outcome.Reason == MQRC_STORAGE_NOT_AVAILABLE) return refusedBySystem(ENOSPC);
+            // A log that nobody has open needs a little space to be read, too.
+            const bool full = (code & 0xff) == SQLITE_IOERR && sqlite3_system_errno(to.get()) == ENOSPC;
+            if (full || outcome.Reason == MQRC_STORAGE_NOT_AVAILABLE) return refusedBySystem(ENOSPC);
             result.contents = checkLog(log, canDecode, findings);
             result.findings = findings.lines();
             if (!result.findings.empty()) result.fault = Fault::Damaged;

@@ -242,6 +242,11 @@ LogContents checkLog(const std::filesystem::path &file, const CanDecode &canDeco
         contents.outcome = failure(MQRC_NOT_AUTHORIZED);
         return contents;
     }
+    // No memory, or no space for what SQLite needs to read it: nothing is known of the log.
+    if (logFormat::outcomeOfStep(reading.code()).Reason == MQRC_RESOURCE_PROBLEM) {
+        contents.outcome = failure(MQRC_RESOURCE_PROBLEM);
+        return contents;
+    }
     if (reading.code() != SQLITE_ROW) {
         findings.add("log.db is no log: " + reading.message());
         return contents;

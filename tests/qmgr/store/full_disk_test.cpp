@@ -5,6 +5,8 @@
 #include <fstream>
 #include <iostream>
 
+#include "qmgr/store/backup.h"
+#include "qmgr/store/check.h"
 #include "qmgr/store/seams.h"
 #include "store_test.h"
 
@@ -113,6 +115,53 @@ TEST_F(FullDisk, IsNoPlaceForANewQueueManager)
         std::filesystem::remove(disk_ / "somebody else's");
         EXPECT_EQ(attach(disk_, "QM1").outcome, success());
     }
+}
+
+TEST_F(FullDisk, TakesNoBackupAndRestoresNone)
+{
+    if (!mounted_) GTEST_SKIP() << "needs a disk of its own";
+    const auto anyBytes = [](const Definition &) { return true; };
+    const auto store = disk_ / "store";
+    const auto backup = disk_ / "backup";
+    {
+        const auto attached = attach(disk_, "QM1");
+        const QueueId queue = attached.attachment->findDefinition(MQOT_Q, "Q1").value_or(Definition{}).queue;
+        ASSERT_EQ(put(*attached.attachment, queue, std::string(5'000'000, 't'), {.persistence = MQPER_PERSISTENT}),
+                  success());
+    }
+    const auto elsewhere = std::filesystem::path(folder_.string() + "-backup");
+    ASSERT_EQ(backUpQueueManager(disk_, "QM1", elsewhere, ExistingFile::Keep, anyBytes).fault,
+              BackupResult::Fault::None);
+    ASSERT_EQ(restoreQueueManager(store, "QM1", elsewhere, anyBytes).fault, BackupResult::Fault::None);
+    fill();
+    const BackupResult backedUp = backUpQueueManager(store, "QM1", backup, ExistingFile::Keep, anyBytes);
+    EXPECT_EQ(backedUp.fault, BackupResult::Fault::FileError);
+    EXPECT_EQ(backedUp.error, ENOSPC);
+    const StoreCheck checked = checkQueueManager(store, "QM1", anyBytes);
+    EXPECT_EQ(checked.outcome, failure(MQRC_RESOURCE_PROBLEM)) << "nothing is said against the files";
+    EXPECT_EQ(checked.count, 0U);
+    const BackupResult restored = restoreQueueManager(disk_ / "other", "QM1", elsewhere, anyBytes);
+    EXPECT_EQ(restored.fault, BackupResult::Fault::FileError);
+    EXPECT_EQ(restored.error, ENOSPC);
+    EXPECT_TRUE(std::filesystem::is_empty(disk_ / "other"));
+    std::filesystem::remove(disk_ / "somebody else's");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(disk_), {}), 3); // the two stores and the queue manager
+    EXPECT_EQ(backUpQueueManager(store, "QM1", backup, ExistingFile::Keep, anyBytes).fault, BackupResult::Fault::None);
+    EXPECT_EQ(checkQueueManager(store, "QM1", anyBytes).findings, std::vector<std::string>{});
+    std::filesystem::remove(elsewhere);
+}
+
+TEST_F(FullDisk, KeepsItsDefaultQueueManager)
+{
+    if (!mounted_) GTEST_SKIP() << "needs a disk of its own";
+    ASSERT_EQ(createQueueManager(disk_, "QM2", {}, DefaultQueueManager::Yes), success());
+    fill();
+    EXPECT_EQ(setDefaultQueueManager(disk_, "QM1"), failure(MQRC_STORAGE_NOT_AVAILABLE));
+    EXPECT_EQ(defaultQueueManager(disk_), "QM2");
+    std::filesystem::remove(disk_ / "somebody else's");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(disk_), {}), 3); // two queue managers, the default
+    EXPECT_EQ(setDefaultQueueManager(disk_, "QM1"), success());
+    EXPECT_EQ(defaultQueueManager(disk_), "QM1");
 }
 
 } // namespace
