@@ -61,16 +61,6 @@ void Transaction::noteSearch(const MessageKey &found)
     if (scratch_ != nullptr) scratch_->entryOf(*this, found.queue).status.setSearch(found);
 }
 
-bool Transaction::exists(QueueId queue)
-{
-    if (scratch_ != nullptr) {
-        const auto &entry = scratch_->entryOf(*this, queue);
-        return entry.present && entry.status.deleted == 0;
-    }
-    const auto status = recordIn<QueueStatus>(get(LiveKey::queue(queue)));
-    return status && status->deleted == 0;
-}
-
 std::optional<Hold> Transaction::holdOf(const MessageKey &key)
 {
     if (queue(key.queue).held == 0) return std::nullopt;

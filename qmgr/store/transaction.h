@@ -134,9 +134,6 @@ public:
     Transaction(const Transaction &) = delete;
     Transaction &operator=(const Transaction &) = delete;
 
-    // Whether the queue is defined. Storing, booking and opening on one that is not (any more) fails the transaction
-    // with MQRC_Q_DELETED, so what a caller knows from a cached definition cannot go astray.
-    [[nodiscard]] bool exists(QueueId queue);
     [[nodiscard]] QueueStatus queue(QueueId queue);
 
     // The header of a message if it is there and visible. (A copy: the stored bytes have no alignment.)
@@ -209,6 +206,10 @@ class WriteTransaction : public Transaction {
 public:
     WriteTransaction() = default;
     ~WriteTransaction();
+
+    // Whether the queue is defined. Storing, booking and opening on one that is not (any more) fails the transaction
+    // with MQRC_Q_DELETED, so what a caller knows from a cached definition cannot go astray.
+    [[nodiscard]] bool exists(QueueId queue);
 
     // ---- Single messages outside a unit of work ----
 

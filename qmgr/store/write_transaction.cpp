@@ -83,6 +83,12 @@ void WriteTransaction::eraseCounters(QueueId queue)
     erase(LiveKey::queue(queue));
 }
 
+bool WriteTransaction::exists(QueueId queue)
+{
+    const auto &entry = scratch_->entryOf(*this, queue);
+    return entry.present && entry.status.deleted == 0;
+}
+
 bool WriteTransaction::mustExist(QueueId queue)
 {
     if (outcome_.failed()) return false;
