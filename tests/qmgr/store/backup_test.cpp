@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <random>
 
@@ -153,6 +154,50 @@ TEST_F(Backups, OfALogThatSomebodyElseKeepsAreRefusedAsBusy)
     EXPECT_EQ(refused.error, EBUSY);
     EXPECT_FALSE(std::filesystem::exists(file_));
     EXPECT_EQ(backUp().fault, Fault::None);
+}
+
+TEST_F(Backups, OfADamagedLogAreRefusedWithItsFindings)
+{
+    ASSERT_EQ(put(*connect(), q1_, "the message in question", {.persistence = MQPER_PERSISTENT}), success());
+    ASSERT_EQ(endQueueManager(folder_, "QM1", End::Immediate), success());
+    const auto log = folder_ / "QM1" / "log.db";
+    sqlite3 *database = nullptr;
+    ASSERT_EQ(sqlite3_open(log.c_str(), &database), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(database, "UPDATE messages SET body = x'00'", nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(database);
+    std::ofstream(file_) << "precious";
+    // A row that is damaged can be copied, and is found in the copy.
+    BackupResult refused = backUp(ExistingFile::Replace);
+    EXPECT_EQ(refused.fault, Fault::Damaged);
+    ASSERT_EQ(refused.findings.size(), 1U);
+    EXPECT_NE(refused.findings[0].find("checksum is wrong"), std::string::npos) << refused.findings[0];
+    // What is no database cannot.
+    std::ofstream(log, std::ios::trunc) << std::string(20'000, 'x');
+    refused = backUp(ExistingFile::Replace);
+    EXPECT_EQ(refused.fault, Fault::Damaged);
+    EXPECT_EQ(refused.findings, Texts{"log.db is no log: file is not a database"});
+    EXPECT_EQ(std::filesystem::file_size(file_), 8U);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(elsewhere_), {}), 2); // and the other store
+}
+
+// Somebody makes it while the backup is being verified.
+TEST_F(Backups, DoNotReplaceWhatComesMeanwhile)
+{
+    const auto backUpWhile = [this](ExistingFile existing, const std::function<void()> &act) {
+        return backUpQueueManager(folder_, "QM1", file_, existing, [&](const Definition &) {
+            if (!std::filesystem::exists(file_)) act();
+            return true;
+        });
+    };
+    EXPECT_EQ(backUpWhile(ExistingFile::Keep, [this] { std::ofstream(file_) << "precious"; }).fault, Fault::FileExists);
+    EXPECT_EQ(std::filesystem::file_size(file_), 8U);
+    std::filesystem::remove(file_);
+    const BackupResult refused =
+        backUpWhile(ExistingFile::Replace, [this] { std::filesystem::create_directory(file_); });
+    EXPECT_EQ(refused.fault, Fault::FileError);
+    EXPECT_EQ(refused.error, EISDIR);
+    EXPECT_TRUE(std::filesystem::is_empty(file_));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(elsewhere_), {}), 2); // and the other store
 }
 
 TEST_F(Backups, NeverHoldASplitUnit)

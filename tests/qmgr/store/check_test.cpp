@@ -168,6 +168,7 @@ TEST_F(Check, FindsEachDisorderOfRows)
         {"UPDATE queue_manager SET ticket = -1", "impossible numbers"},
         {"UPDATE queue_manager SET generation = 'x'", "impossible numbers"},
         {"DELETE FROM queue_manager", "0 rows about the queue manager"},
+        {"UPDATE queue_manager SET state = 0", "impossible numbers"},
     };
     for (const auto &[damage, said] : disorders) {
         sql(damage);
@@ -176,6 +177,68 @@ TEST_F(Check, FindsEachDisorderOfRows)
         EXPECT_EQ(allFindings(), "") << damage;
     }
     EXPECT_NE(check([](const Definition &) { return false; }).count, 0U);
+}
+
+TEST_F(Check, FindsTwoQueuesWithOneNumber)
+{
+    end();
+    {
+        const auto [outcome, database] = LogDatabase::open(log());
+        ASSERT_EQ(outcome, success());
+        ASSERT_EQ(database->begin(), success());
+        database->storeDefinition({.type = MQOT_Q, .name = "Q2", .queue = q1_, .bytes = "second"});
+        ASSERT_EQ(database->commit(), success());
+    }
+    EXPECT_EQ(allFindings(), "log.db: the definition of Q2 (type 1) has the number " + std::to_string(q1_) +
+                                 ", which another one has\n");
+}
+
+TEST_F(Check, OfANameThatIsNoneIsRefused)
+{
+    for (const char *name : {"", "no good", "../QM1"}) {
+        const StoreCheck refused = checkQueueManager(folder_, name, anyBytes);
+        EXPECT_EQ(refused.outcome, failure(MQRC_Q_MGR_NAME_ERROR)) << name;
+        EXPECT_EQ(refused.count, 0U);
+    }
+}
+
+TEST_F(Check, FindsThatThereIsNoLog)
+{
+    std::filesystem::create_symlink("nowhere", folder_ / "link");
+    for (const auto &file : {folder_ / "nowhere", folder_ / "link"}) {
+        Findings findings;
+        EXPECT_EQ(checkLog(file, anyBytes, findings).outcome, success());
+        EXPECT_EQ(findings.lines(), std::vector<std::string>{"log.db is missing, or leads nowhere"});
+    }
+}
+
+TEST_F(Check, OfALogThatMayNotBeReadIsRefused)
+{
+    putSome();
+    end();
+    const Unprivileged user(folder_);
+    for (const auto &file : {log(), std::filesystem::path(log().string() + "-shm")}) {
+        ASSERT_EQ(chmod(file.c_str(), 0), 0) << file;
+        EXPECT_EQ(check().outcome, failure(MQRC_NOT_AUTHORIZED)) << file;
+        ASSERT_EQ(chmod(file.c_str(), 0600), 0);
+    }
+    ASSERT_EQ(chmod((folder_ / "QM1").c_str(), 0), 0);
+    EXPECT_EQ(check().outcome, failure(MQRC_NOT_AUTHORIZED));
+    Findings findings;
+    EXPECT_EQ(checkLog(log(), anyBytes, findings).outcome, failure(MQRC_NOT_AUTHORIZED));
+    EXPECT_EQ(findings.count(), 0U);
+    ASSERT_EQ(chmod((folder_ / "QM1").c_str(), 0700), 0);
+    EXPECT_EQ(allFindings(), "");
+}
+
+TEST_F(Check, FindsFilesOfAnotherUser)
+{
+    if (geteuid() != 0) GTEST_SKIP() << "only root can give files away";
+    ASSERT_EQ(chown(log().c_str(), 65534, 65534), 0);
+    EXPECT_EQ(allFindings(), "log.db belongs to user 65534, the folder to user 0\n");
+    ASSERT_EQ(chown((folder_ / "QM1").c_str(), 65534, 65534), 0);
+    EXPECT_NE(allFindings().find("live belongs to user 0, the folder to user 65534\n"), std::string::npos);
+    EXPECT_EQ(allFindings().find("log.db belongs"), std::string::npos);
 }
 
 TEST_F(Check, FindsWhatIsNoLog)

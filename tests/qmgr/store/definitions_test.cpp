@@ -1,3 +1,8 @@
+#include <functional>
+#include <utility>
+
+#include "qmgr/store/check.h"
+#include "qmgr/store/seams.h"
 #include "store_test.h"
 
 namespace mqrig::qmgr::store::test {
@@ -129,6 +134,40 @@ TEST_F(Definitions, OpenCountsAddUpOverConnections)
     ASSERT_EQ(open(*b, {.input = -2, .browse = -1}), success());
     EXPECT_EQ(statusOf(*a, q1_).opens.input, 1);
     EXPECT_EQ(statusOf(*a, q1_).opens.browse, 0);
+}
+
+TEST_F(Definitions, OfTemporaryQueuesHaveNamesOfOneTo48Characters)
+{
+    const auto a = connect();
+    for (const std::size_t length : {0, 49}) {
+        Definition queue{.type = MQOT_Q, .name = std::string(length, 'T'), .bytes = "x"};
+        EXPECT_EQ(a->defineTemporary(queue), failure(MQRC_OBJECT_NAME_ERROR)) << length;
+    }
+    EXPECT_EQ(a->definitions(MQOT_Q).size(), 2U);
+    Definition queue{.type = MQOT_Q, .name = std::string(48, 'T'), .bytes = "x"};
+    EXPECT_EQ(a->defineTemporary(queue), success());
+    EXPECT_EQ(a->definitions(MQOT_Q).size(), 3U);
+}
+
+TEST_F(Definitions, OfATemporaryQueueThatGoesMeanwhileIsNotBroughtBackByAChange)
+{
+    const auto a = connect();
+    const auto b = connect();
+    Definition queue{.type = MQOT_Q, .name = "TEMPORARY", .bytes = "x"};
+    ASSERT_EQ(a->defineTemporary(queue), success());
+    // The first step of the change that writes comes when the queue has been looked up.
+    static std::function<void()> meanwhile;
+    meanwhile = [&] { EXPECT_EQ(a->removeTemporary(queue), success()); };
+    seams.storageError = [](StorageCall call) {
+        if (call == StorageCall::LiveBegin && meanwhile) std::exchange(meanwhile, nullptr)();
+        return 0;
+    };
+    EXPECT_EQ(b->alter({.type = MQOT_Q, .name = "TEMPORARY", .bytes = "changed"}), failure(MQRC_UNKNOWN_OBJECT_NAME));
+    seams.storageError = nullptr;
+    EXPECT_FALSE(meanwhile);
+    EXPECT_FALSE(b->findDefinition(MQOT_Q, "TEMPORARY").has_value());
+    EXPECT_EQ(checkQueueManager(folder_, "QM1", [](const Definition &) { return true; }).findings,
+              std::vector<std::string>{});
 }
 
 } // namespace

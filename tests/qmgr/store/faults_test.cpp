@@ -1,9 +1,13 @@
 // Storage that fails: what the caller is told is what has happened.
 
 #include <cerrno>
+#include <chrono>
+#include <thread>
 
 #include "qmgr/store/seams.h"
 #include "store_test.h"
+
+#include <sqlite3.h>
 
 namespace mqrig::qmgr::store::test {
 namespace {
@@ -121,6 +125,61 @@ TEST_F(Faults, ASyncThatFailsEndsTheLife)
     EXPECT_EQ(attach(folder_, "QM1").outcome, failure(MQRC_Q_MGR_NOT_AVAILABLE));
     EXPECT_EQ(startQueueManager(folder_, "QM1"), success());
     EXPECT_EQ(browse(*connect(), q1_), (Texts{"who knows"})) << "what the disk has is believed";
+}
+
+TEST_F(Faults, AnEndThatCannotBeLoggedLeavesTheQueueManagerRunning)
+{
+    const auto a = connect();
+    fail(StorageCall::LogCommit, 0, true);
+    EXPECT_EQ(endQueueManager(folder_, "QM1", End::Reconnect), failure(MQRC_STORAGE_NOT_AVAILABLE));
+    EXPECT_EQ(endQueueManager(folder_, "QM1", End::Quiesce), failure(MQRC_STORAGE_NOT_AVAILABLE));
+    heal();
+    EXPECT_EQ(a->state(), State::Running);
+    EXPECT_EQ(put(*a, q1_, "goes on", persistent), success());
+    EXPECT_EQ(browse(*connect(), q1_), Texts{"goes on"});
+    EXPECT_EQ(endQueueManager(folder_, "QM1", End::Immediate), success());
+    EXPECT_FALSE(a->endedToReconnect()) << "as the end that failed had asked";
+}
+
+TEST_F(Faults, UnitsThatTheLogDoesNotTakeTogetherAreLoggedOneByOne)
+{
+    const auto a = connect();
+    const auto b = connect();
+    Ticket ticket = 0;
+    ASSERT_EQ(a->update(1,
+                        [&](WriteTransaction &transaction) {
+                            ticket = transaction.put(
+                                {.key = a->newKey(q1_, 9), .header = headerOf(persistent), .body = bytesOf("first")});
+                            return success();
+                        }),
+              success());
+    fail(StorageCall::LogCommit);
+    EXPECT_EQ(put(*b, q2_, "second", persistent), success());
+    EXPECT_EQ(a->harden(ticket), success());
+    EXPECT_EQ(browse(*b, q1_), Texts{"first"});
+    ASSERT_EQ(endQueueManager(folder_, "QM1", End::Immediate), success());
+    ASSERT_EQ(startQueueManager(folder_, "QM1"), success());
+    const auto c = connect();
+    EXPECT_EQ(browse(*c, q1_), Texts{"first"});
+    EXPECT_EQ(browse(*c, q2_), Texts{"second"});
+}
+
+// As other programs that open the file may.
+TEST_F(Faults, APutWaitsForWhoeverKeepsTheLogForAMoment)
+{
+    const auto a = connect();
+    ASSERT_EQ(put(*a, q1_, "before", persistent), success());
+    sqlite3 *keeper = nullptr;
+    ASSERT_EQ(sqlite3_open((folder_ / "QM1" / "log.db").c_str(), &keeper), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(keeper, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    std::thread moment([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        sqlite3_exec(keeper, "COMMIT", nullptr, nullptr, nullptr);
+    });
+    EXPECT_EQ(put(*a, q1_, "behind", persistent), success());
+    moment.join();
+    sqlite3_close(keeper);
+    EXPECT_EQ(browse(*a, q1_), (Texts{"before", "behind"}));
 }
 
 // Lets the first, second, third ... storage call of a script fail until it passes clean. Each time the world must be

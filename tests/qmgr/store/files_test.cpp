@@ -4,9 +4,13 @@
 #include <fstream>
 #include <optional>
 
+#include "qmgr/store/check.h"
+#include "qmgr/store/log_database.h"
 #include "qmgr/store/paths.h"
+#include "qmgr/store/seams.h"
 #include "store_test.h"
 
+#include <csignal>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -33,6 +37,14 @@ protected:
         char *message = nullptr;
         EXPECT_EQ(sqlite3_exec(database, statement, nullptr, nullptr, &message), SQLITE_OK) << message;
         sqlite3_close(database);
+    }
+    [[nodiscard]] std::string findings() const
+    {
+        std::string all;
+        for (const std::string &line :
+             checkQueueManager(folder_, "QM1", [](const Definition &) { return true; }).findings)
+            all += line + '\n';
+        return all;
     }
     [[nodiscard]] std::filesystem::path log() const { return folder_ / "QM1" / "log.db"; }
     [[nodiscard]] std::filesystem::path live() const { return folder_ / "QM1" / "live"; }
@@ -70,6 +82,59 @@ TEST_F(Files, ALogOfAnOlderFormatIsBroughtUpToDate)
         return success();
     });
     EXPECT_EQ(read, success());
+}
+
+TEST_F(Files, ALogOfAFormatThatThereNeverWasIsRefused)
+{
+    for (const char *format : {"0", "-5"}) {
+        sql((std::string("PRAGMA user_version = ") + format).c_str());
+        EXPECT_EQ(startQueueManager(folder_, "QM1"), failure(MQRC_UNEXPECTED_ERROR));
+        EXPECT_EQ(findings(), std::string("log.db has the format number ") + format + ", which there never was\n");
+    }
+    sql("PRAGMA user_version = 2");
+    EXPECT_EQ(startQueueManager(folder_, "QM1"), success());
+}
+
+TEST_F(Files, ALogThatDoesNotSayWhetherItsQueueManagerRunsIsRefused)
+{
+    sql("UPDATE queue_manager SET state = 7");
+    EXPECT_EQ(startQueueManager(folder_, "QM1"), failure(MQRC_UNEXPECTED_ERROR));
+    sql("UPDATE queue_manager SET state = 3");
+    EXPECT_EQ(startQueueManager(folder_, "QM1"), success());
+    ASSERT_EQ(endQueueManager(folder_, "QM1", End::Immediate), success());
+    sql("DELETE FROM queue_manager");
+    EXPECT_EQ(startQueueManager(folder_, "QM1"), failure(MQRC_UNEXPECTED_ERROR));
+}
+
+TEST_F(Files, ALogThatLeadsToItselfIsRefusedAndItsNameTaken)
+{
+    std::filesystem::remove(log());
+    std::filesystem::create_symlink("log.db", log());
+    EXPECT_EQ(attach(folder_, "QM1").outcome, failure(MQRC_UNEXPECTED_ERROR));
+    EXPECT_EQ(startQueueManager(folder_, "QM1"), failure(MQRC_UNEXPECTED_ERROR));
+    EXPECT_EQ(createQueueManager(folder_, "QM1", {}, DefaultQueueManager::No), failure(MQRC_OBJECT_ALREADY_EXISTS));
+    EXPECT_TRUE(std::filesystem::is_symlink(log()));
+}
+
+TEST_F(Files, LocksThatCannotBeOpenedKeepEverybodyOut)
+{
+    const auto locks = folder_ / "QM1" / "locks";
+    const auto expectRefused = [this] {
+        EXPECT_EQ(startQueueManager(folder_, "QM1"), failure(MQRC_UNEXPECTED_ERROR));
+        EXPECT_EQ(attach(folder_, "QM1").outcome, failure(MQRC_UNEXPECTED_ERROR));
+        EXPECT_EQ(deleteQueueManager(folder_, "QM1"), failure(MQRC_UNEXPECTED_ERROR));
+        EXPECT_EQ(findings(), "locks cannot be opened\n");
+    };
+    std::filesystem::rename(locks, folder_ / "aside");
+    std::filesystem::create_directory(locks, folder_ / "QM1");
+    expectRefused();
+    std::filesystem::remove(locks);
+    std::filesystem::create_symlink("locks", locks);
+    expectRefused();
+    std::filesystem::remove(locks);
+    std::filesystem::rename(folder_ / "aside", locks);
+    EXPECT_EQ(startQueueManager(folder_, "QM1"), success());
+    EXPECT_EQ(browse(*connect(), q1_), (Texts{"safe"}));
 }
 
 TEST_F(Files, AForeignDatabaseIsRefusedAndLeftAlone)
@@ -194,6 +259,38 @@ TEST_F(LiveFiles, OfACopiedStoreAreRebuilt)
     EXPECT_EQ(browse(*connect(), q1_), (Texts{"safe", "unsafe"}));
 }
 
+TEST_F(LiveFiles, ChangedFromOutsideAreFoundByACheckAndLeftAlone)
+{
+    live([this] { overwrite(Files::live() / "data.mdb", 0, std::string(16'384, 'x')); });
+    EXPECT_EQ(findings(),
+              "live: page 0 is not the head of such a file: the next connection makes it anew from log.db\n");
+    EXPECT_EQ(findings(),
+              "live: page 0 is not the head of such a file: the next connection makes it anew from log.db\n");
+    expectRebuilt();
+    EXPECT_EQ(findings(), "");
+}
+
+TEST_F(LiveFiles, TouchedFromOutsideAreFoundByACheck)
+{
+    live([this] {
+        const auto changed = std::filesystem::last_write_time(Files::live() / "data.mdb");
+        std::filesystem::last_write_time(Files::live() / "data.mdb", changed - std::chrono::seconds(1));
+    });
+    EXPECT_EQ(findings(), "live: its files were changed from outside: the next connection makes it anew from log.db\n");
+    expectRebuilt();
+}
+
+TEST_F(LiveFiles, ThatMayNotBeOpenedAreSaidToBeOutOfReach)
+{
+    live([] {});
+    const Unprivileged user(folder_);
+    std::filesystem::permissions(Files::live() / "slots", std::filesystem::perms::none);
+    EXPECT_EQ(findings(), "live: it cannot be looked at now\n");
+    EXPECT_EQ(attach(folder_, "QM1").outcome, failure(MQRC_NOT_AUTHORIZED));
+    std::filesystem::permissions(Files::live() / "slots", std::filesystem::perms(0600));
+    EXPECT_EQ(browse(*connect(), q1_), (Texts{"safe", "unsafe"}));
+}
+
 TEST_F(LiveFiles, RemovedUnderAConnectionEndItsPersistentWork)
 {
     ASSERT_EQ(startQueueManager(folder_, "QM1"), success());
@@ -204,6 +301,28 @@ TEST_F(LiveFiles, RemovedUnderAConnectionEndItsPersistentWork)
     EXPECT_EQ(put(*old, q1_, "2", {.persistence = MQPER_PERSISTENT}), failure(MQRC_CONNECTION_BROKEN));
     EXPECT_EQ(old->state(), State::Ended);
     EXPECT_EQ(browse(*fresh, q1_), (Texts{"safe", "1"}));
+}
+
+// A life whose last work stands in the log only, and is over before anybody has finished it.
+TEST_F(LiveFiles, RemovedUnderUnfinishedWorkAreNotWrittenToAgain)
+{
+    ASSERT_EQ(startQueueManager(folder_, "QM1"), success());
+    const auto old = connect();
+    EXPECT_EQ(runProcess([this]() -> int {
+                  const auto attached = attach(folder_, "QM1");
+                  seams.reached = [](Step step) {
+                      if (step == Step::UnitLogged) die();
+                  };
+                  static_cast<void>(put(*attached.attachment, q1_, "logged", {.persistence = MQPER_PERSISTENT}));
+                  return 1;
+              }),
+              -SIGKILL);
+    std::filesystem::remove_all(Files::live());
+    const auto fresh = connect();
+    EXPECT_EQ(put(*old, q1_, "late", {.persistence = MQPER_PERSISTENT}), failure(MQRC_CONNECTION_BROKEN));
+    EXPECT_EQ(old->state(), State::Ended);
+    EXPECT_EQ(put(*fresh, q1_, "1", {.persistence = MQPER_PERSISTENT}), success());
+    EXPECT_EQ(browse(*fresh, q1_), (Texts{"safe", "logged", "1"}));
 }
 
 TEST_F(Files, AreForTheirOwnerAlone)
@@ -244,6 +363,43 @@ TEST_F(Files, OfAnotherUserAreNotAuthorized)
     chmod((folder_ / "QM1").c_str(), 0700);
 }
 
+TEST_F(Files, ALogThatMayOnlyBeReadTakesNothingUntilItMayBeWritten)
+{
+    const Unprivileged user(folder_);
+    ASSERT_EQ(startQueueManager(folder_, "QM1"), success());
+    const auto a = connect();
+    const auto putSafe = [&] { return put(*a, q1_, "new", {.persistence = MQPER_PERSISTENT}); };
+    Definition queue{.type = MQOT_Q, .name = "NEW", .bytes = "x"};
+    ASSERT_EQ(chmod(log().c_str(), 0400), 0);
+    EXPECT_EQ(putSafe(), failure(MQRC_STORAGE_NOT_AVAILABLE));
+    EXPECT_EQ(a->define(queue), failure(MQRC_NOT_AUTHORIZED));
+    EXPECT_EQ(put(*a, q1_, "not logged"), success());
+    ASSERT_EQ(chmod(log().c_str(), 0600), 0);
+    EXPECT_EQ(putSafe(), success());
+    EXPECT_EQ(a->define(queue), success());
+    EXPECT_EQ(browse(*a, q1_), (Texts{"safe", "not logged", "new"}));
+}
+
+TEST_F(Files, ALogOpenedWhileItMightOnlyBeReadHasToBeOpenedAgain)
+{
+    const Unprivileged user(folder_);
+    const auto store = [](LogDatabase &database) {
+        if (const Outcome begun = database.begin(); begun.failed()) return begun;
+        database.storeDefinition({.type = MQOT_Q, .name = "Q1", .queue = 1, .bytes = "x"});
+        return database.commit();
+    };
+    ASSERT_EQ(chmod(log().c_str(), 0400), 0);
+    const auto opened = LogDatabase::open(log());
+    ASSERT_EQ(opened.outcome, success());
+    ASSERT_EQ(chmod(log().c_str(), 0600), 0);
+    EXPECT_EQ(store(*opened.log), failure(MQRC_RESOURCE_PROBLEM));
+    EXPECT_TRUE(opened.log->isStale());
+    const auto again = LogDatabase::open(log());
+    ASSERT_EQ(again.outcome, success());
+    EXPECT_EQ(store(*again.log), success());
+    EXPECT_FALSE(again.log->isStale());
+}
+
 // The environment as it is now, and again when this ends.
 class WithoutVariables {
 public:
@@ -273,6 +429,17 @@ TEST(StorePaths, HomeOfThePasswordFileIsTakenWithoutHOME)
     const passwd *const entry = getpwuid(getuid());
     ASSERT_NE(entry, nullptr);
     EXPECT_EQ(defaultStoreFolder(), std::filesystem::path(entry->pw_dir) / ".local/share/mqrig");
+}
+
+TEST(StorePaths, AUserWhomNobodyKnowsHasTheRootAsHome)
+{
+    constexpr uid_t nobodys = 2'000'000'123;
+    if (geteuid() != 0 || getpwuid(nobodys) != nullptr) GTEST_SKIP() << "only root can become such a user";
+    const WithoutVariables without{"MQRIG_STORE", "XDG_DATA_HOME", "HOME"};
+    ASSERT_EQ(setresuid(nobodys, 0, 0), 0);
+    const auto folder = defaultStoreFolder();
+    ASSERT_EQ(setresuid(0, 0, 0), 0);
+    EXPECT_EQ(folder, "/.local/share/mqrig");
 }
 
 } // namespace

@@ -267,5 +267,27 @@ TEST_F(LiveCheck, FindsDamagedPages)
     EXPECT_EQ(findings(), "");
 }
 
+TEST_F(LiveCheck, HoldsOfNothingHideNoMessage)
+{
+    for (const char *text : {"second", "third"})
+        ASSERT_EQ(put(*witness_, q1_, text), success());
+    tamperWith([this](const Records &records) {
+        MessageKey message = records.firstOf(q1_);
+        const Hold held{.kind = HoldKind::Got, .slot = 9, .ticket = 0};
+        const auto hold = [&] {
+            records.write(LiveKey::hold(message), std::string(reinterpret_cast<const char *>(&held), sizeof held));
+        };
+        hold();
+        message.sequence += 1; // the number of a message of no queue, or of one that is gone
+        while (records.read(LiveKey::message(message)))
+            message.sequence += 1;
+        hold();
+        records.change<QueueStatus>(LiveKey::queue(q1_), [](QueueStatus &status) { status.held = 2; });
+    });
+    EXPECT_EQ(browse(*witness_, q1_), (std::vector<std::string>{"second", "third"}));
+    EXPECT_EQ(get(*witness_, q1_), "second");
+    EXPECT_EQ(get(*witness_, q1_), "third");
+}
+
 } // namespace
 } // namespace mqrig::qmgr::store::test

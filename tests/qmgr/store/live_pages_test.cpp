@@ -111,6 +111,9 @@ protected:
         const std::size_t number = trees + 2 * treeSize + word;
         return at<std::size_t>(number) < at<std::size_t>(pageSize + number) ? pageSize : 0;
     }
+    // The number of the transaction that wrote one of the two heads, and of the last page in use then.
+    Stored<std::size_t> transaction(std::size_t head) { return at<std::size_t>(head + trees + 2 * treeSize + word); }
+    Stored<std::size_t> lastPage() { return at<std::size_t>(fileHead() + trees + 2 * treeSize); }
     std::size_t tree(bool records) { return fileHead() + trees + (records ? treeSize : 0); }
     std::size_t root(bool records) { return at<std::size_t>(tree(records) + 8 + 4 * word) * pageSize; }
     Stored<std::uint16_t> flags(std::size_t page) { return at<std::uint16_t>(page + word + 2); }
@@ -198,6 +201,34 @@ TEST_F(LivePages, OfAnotherKindAreFound)
     EXPECT_SAID(flags(firstPage(branch)) |= 0x20, "is not of its kind");
     EXPECT_SAID(flags(root(true)) = leaf, "is not of its kind");
     EXPECT_SAID(at<std::size_t>(firstPage(leaf)) += 1, "is not of its kind");
+}
+
+TEST_F(LivePages, WhoseHeadsDoNotBelongTogetherAreFound)
+{
+    const std::size_t other = pageSize - fileHead();
+    EXPECT_SAID(transaction(other) += ~std::size_t{0}, "its heads do not belong together");
+    EXPECT_SAID(transaction(fileHead()) += 2, "its heads do not belong together");
+    EXPECT_SAID(exchange(transaction(0), transaction(pageSize)), "its heads do not belong together");
+}
+
+TEST_F(LivePages, WhoseHeadHasImpossibleNumbersAreFound)
+{
+    EXPECT_SAID(at<std::uint32_t>(tree(false)) = 512, "its head has impossible numbers"); // the size of a page
+    EXPECT_SAID(lastPage() = 0, "its head has impossible numbers");
+    EXPECT_SAID(lastPage() += 1, "its head has impossible numbers");
+    EXPECT_SAID(lastPage() = ~std::size_t{0}, "its head has impossible numbers");
+}
+
+TEST_F(LivePages, CutOffBehindTheirHeadsAreFound)
+{
+    const auto heads = readPageHeads(file());
+    ASSERT_TRUE(heads.has_value());
+    std::filesystem::resize_file(file(), 2 * pageSize - 1);
+    const PagesVerdict verdict = verifyPages(file(), *heads, std::nullopt);
+    EXPECT_EQ(verdict.kind, PagesVerdict::Kind::Damaged);
+    EXPECT_EQ(verdict.damage, "the file is too short");
+    std::filesystem::resize_file(file(), 2 * pageSize);
+    EXPECT_EQ(verifyPages(file(), *heads, std::nullopt).kind, PagesVerdict::Kind::Damaged);
 }
 
 TEST_F(LivePages, WhoseTreesAreOfAnotherKindAreFound)

@@ -327,5 +327,83 @@ TEST_F(Messages, AreCountedFromTheStartOfTheQueueManager)
     EXPECT_GT(status.resetTime, 0);
 }
 
+TEST_F(Messages, UnlockedAreAsIfTheyHadNeverBeenGot)
+{
+    const auto a = connect();
+    const auto b = connect();
+    ASSERT_EQ(put(*a, q1_, "one", {.persistence = MQPER_PERSISTENT}), success());
+    ASSERT_EQ(put(*a, q1_, "two"), success());
+    const QueueStatus before = statusOf(*a, q1_);
+    std::vector<MessageKey> keys;
+    const auto forEachKey = [&](Attachment &attachment, void (WriteTransaction::*act)(const MessageKey &)) {
+        return attachment.update(0, [&](WriteTransaction &transaction) {
+            for (const MessageKey &key : keys)
+                (transaction.*act)(key);
+            return success();
+        });
+    };
+    ASSERT_EQ(a->read([&](ReadTransaction &transaction) {
+        MessageCursor cursor(transaction, q1_);
+        for (bool found = cursor.first(); found; found = cursor.next())
+            keys.push_back(cursor.key());
+        return success();
+    }),
+              success());
+    ASSERT_EQ(forEachKey(*a, &WriteTransaction::lock), success());
+    ASSERT_EQ(browse(*b, q1_), Texts{});
+    ASSERT_EQ(forEachKey(*b, &WriteTransaction::unlock), success());
+    EXPECT_EQ(browse(*b, q1_), Texts{}) << "they are another connection's";
+    ASSERT_EQ(forEachKey(*a, &WriteTransaction::unlock), success());
+    EXPECT_EQ(browse(*b, q1_), (Texts{"one", "two"}));
+    const QueueStatus after = statusOf(*a, q1_);
+    EXPECT_EQ(after.depth, before.depth);
+    EXPECT_EQ(after.held, 0U);
+    EXPECT_EQ(after.dequeued, before.dequeued);
+    EXPECT_EQ(get(*b, q1_), "one");
+    EXPECT_EQ(get(*b, q1_), "two");
+}
+
+TEST_F(Messages, AreAllUnmarkedWhenTheLastHandleThatBrowsesTogetherGoes)
+{
+    const auto a = connect();
+    const auto open = [&](const OpenCounts &counts) {
+        return a->update(0, [&](WriteTransaction &transaction) {
+            transaction.addOpens(q1_, counts);
+            return success();
+        });
+    };
+    const OpenCounts together{.browse = 1, .together = 1};
+    ASSERT_EQ(open(together), success());
+    ASSERT_EQ(open(together), success());
+    constexpr int many = 4500;
+    std::vector<MessageKey> keys;
+    ASSERT_EQ(a->update(many * 100,
+                        [&](WriteTransaction &transaction) {
+                            for (int n = 0; n < many; ++n) {
+                                keys.push_back(a->newKey(q1_, 9));
+                                transaction.put({.key = keys.back(), .header = headerOf({}), .body = {}});
+                                transaction.setMark(keys.back(), 1);
+                            }
+                            return success();
+                        }),
+              success());
+    const auto marked = [&] {
+        int count = 0;
+        EXPECT_EQ(a->read([&](ReadTransaction &transaction) {
+            for (const MessageKey &key : keys)
+                count += transaction.markOf(key) ? 1 : 0;
+            return success();
+        }),
+                  success());
+        return count;
+    };
+    ASSERT_EQ(open(-together), success());
+    EXPECT_EQ(marked(), many);
+    ASSERT_EQ(open(-together), success());
+    EXPECT_EQ(marked(), 0);
+    EXPECT_EQ(statusOf(*a, q1_).marked, 0U);
+    EXPECT_EQ(statusOf(*a, q1_).depth, static_cast<std::uint32_t>(many));
+}
+
 } // namespace
 } // namespace mqrig::qmgr::store::test

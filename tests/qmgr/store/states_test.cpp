@@ -1,9 +1,12 @@
+#include <algorithm>
 #include <fstream>
 #include <thread>
 
 #include "qmgr/store/paths.h"
 #include "store_test.h"
 
+#include <csignal>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace mqrig::qmgr::store::test {
@@ -193,6 +196,92 @@ TEST_F(States, OnlyAnEndedQueueManagerIsDeleted)
     EXPECT_EQ(attach(folder_, "QM1").outcome, failure(MQRC_Q_MGR_NAME_ERROR));
     ASSERT_EQ(createQueueManager(folder_, "QM1", {}, DefaultQueueManager::No), success());
     EXPECT_TRUE(connect()->definitions(MQOT_ALL).empty());
+}
+
+// What a create or delete that was killed has left begins with a dot.
+std::vector<std::string> leftovers(const std::filesystem::path &folder)
+{
+    std::vector<std::string> names;
+    for (const auto &entry : std::filesystem::directory_iterator(folder))
+        if (const std::string name = entry.path().filename(); name.front() == '.') names.push_back(name);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+TEST_F(States, ACreateSweepsOutWhatKilledOnesLeftMoreThanAnHourAgo)
+{
+    const auto age = [](const std::filesystem::path &path, std::chrono::minutes by) {
+        std::filesystem::last_write_time(path, std::filesystem::file_time_type::clock::now() - by);
+    };
+    for (const char *name : {".new-1", ".old-2", ".new-3", ".other-4"}) {
+        std::filesystem::create_directory(folder_ / name);
+        std::ofstream(folder_ / name / "log.db") << "half";
+    }
+    std::ofstream(folder_ / ".new-5") << "QM1";
+    std::ofstream(folder_ / ".new-6") << "QM1";
+    for (const char *name : {".new-1", ".old-2", ".other-4", ".new-5"})
+        age(folder_ / name, std::chrono::minutes(61));
+    for (const char *name : {".new-3", ".new-6"})
+        age(folder_ / name, std::chrono::minutes(59));
+    ASSERT_EQ(createQueueManager(folder_, "QM2", {}, DefaultQueueManager::No), success());
+    EXPECT_EQ(leftovers(folder_), (Texts{".new-3", ".new-6", ".other-4"}));
+    EXPECT_EQ(listQueueManagers(folder_).size(), 2U);
+}
+
+TEST_F(States, ADefaultThatCannotBeSetLeavesNothing)
+{
+    std::filesystem::create_directory(folder_ / ".default");
+    EXPECT_EQ(setDefaultQueueManager(folder_, "QM1"), failure(MQRC_UNEXPECTED_ERROR));
+    EXPECT_EQ(leftovers(folder_), Texts{".default"});
+    EXPECT_EQ(defaultQueueManager(folder_), "");
+    std::filesystem::remove(folder_ / ".default");
+    EXPECT_EQ(setDefaultQueueManager(folder_, "QM1"), success());
+    EXPECT_EQ(defaultQueueManager(folder_), "QM1");
+}
+
+TEST_F(States, AFolderThatIsNoQueueManagerIsNotReplacedByOne)
+{
+    std::filesystem::create_directory(folder_ / "QM2");
+    std::ofstream(folder_ / "QM2" / "somebody's") << "x";
+    EXPECT_EQ(createQueueManager(folder_, "QM2", {}, DefaultQueueManager::No), failure(MQRC_OBJECT_ALREADY_EXISTS));
+    EXPECT_TRUE(std::filesystem::exists(folder_ / "QM2" / "somebody's"));
+    EXPECT_EQ(leftovers(folder_), Texts{});
+}
+
+// Nobody can be sure of what was renamed in a folder that cannot be synced.
+TEST_F(States, InAFolderThatMayNotBeReadNothingIsMadeOrDeleted)
+{
+    ASSERT_EQ(endQueueManager(folder_, "QM1", End::Immediate), success());
+    const Unprivileged user(folder_);
+    ASSERT_EQ(chmod(folder_.c_str(), 0300), 0);
+    EXPECT_EQ(createQueueManager(folder_, "QM2", {}, DefaultQueueManager::No), failure(MQRC_NOT_AUTHORIZED));
+    EXPECT_EQ(deleteQueueManager(folder_, "QM1"), failure(MQRC_NOT_AUTHORIZED));
+    ASSERT_EQ(chmod(folder_.c_str(), 0700), 0);
+    EXPECT_EQ(leftovers(folder_), Texts{});
+    const auto all = listQueueManagers(folder_);
+    ASSERT_EQ(all.size(), 1U);
+    EXPECT_EQ(all[0].name, "QM1");
+    EXPECT_EQ(all[0].state, State::Ended);
+    EXPECT_EQ(deleteQueueManager(folder_, "QM1"), success());
+    EXPECT_TRUE(std::filesystem::is_empty(folder_));
+}
+
+TEST_F(States, AQuiesceEndsWithTheLifeThatWasDamagedMeanwhile)
+{
+    ASSERT_EQ(endQueueManager(folder_, "QM1", End::Immediate), success());
+    EXPECT_EQ(runProcess([this]() -> int {
+                  if (startQueueManager(folder_, "QM1").failed()) return 1;
+                  const auto attached = attach(folder_, "QM1");
+                  if (put(*attached.attachment, q1_, "safe", {.persistence = MQPER_PERSISTENT}).failed()) return 2;
+                  if (endQueueManager(folder_, "QM1", End::Quiesce).failed()) return 3;
+                  die();
+              }),
+              -SIGKILL);
+    std::fstream data(folder_ / "QM1" / "live" / "data.mdb", std::ios::in | std::ios::out | std::ios::binary);
+    data << std::string(16'384, 'x') << std::flush;
+    EXPECT_EQ(stateNow(folder_), State::Ended);
+    ASSERT_EQ(startQueueManager(folder_, "QM1"), success());
+    EXPECT_EQ(browse(*connect(), q1_), Texts{"safe"});
 }
 
 TEST_F(States, AreListedByName)

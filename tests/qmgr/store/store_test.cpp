@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <stdexcept>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -59,6 +60,23 @@ int StoreTest::endOfProcess(pid_t process)
     int status = 0;
     if (waitpid(process, &status, 0) != process) return -1000;
     return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+Unprivileged::Unprivileged(const std::filesystem::path &folder)
+{
+    if (geteuid() != 0) return;
+    constexpr uid_t user = 65534;
+    EXPECT_EQ(chown(folder.c_str(), user, user), 0);
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(folder))
+        EXPECT_EQ(lchown(entry.path().c_str(), user, user), 0);
+    if (setresuid(user, user, 0) != 0) throw std::runtime_error("root cannot become another user"); // ends the test
+}
+
+Unprivileged::~Unprivileged()
+{
+    if (setresuid(geteuid(), 0, 0) != 0) return;
+    EXPECT_EQ(setresuid(0, 0, 0), 0);
+    prctl(PR_SET_DUMPABLE, 1); // as before, for whoever traces the process
 }
 
 MessageHeader headerOf(const Wanted &wanted)

@@ -59,6 +59,16 @@ protected:
     QueueId q2_ = 0;
 };
 
+// Until it goes, the process is a user without privileges, to whom the folder and all in it belong. Root becomes
+// another user; anybody else is one already.
+class Unprivileged {
+public:
+    explicit Unprivileged(const std::filesystem::path &folder);
+    ~Unprivileged();
+    Unprivileged(const Unprivileged &) = delete;
+    Unprivileged &operator=(const Unprivileged &) = delete;
+};
+
 struct Wanted {
     MQLONG persistence = MQPER_NOT_PERSISTENT;
     MQLONG priority = 0;
