@@ -1,10 +1,13 @@
-// Files that the operating system refuses: no permission, no space. One clear line each, exit code 1, nothing half
-// done.
+// What the operating system or the store refuses: no permission, no space, no connection left. One clear line each,
+// exit code 1, nothing half done.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <iostream>
+#include <memory>
+#include <vector>
 
+#include "qmgr/store/attachment.h"
 #include "transcript.h"
 
 namespace {
@@ -75,6 +78,23 @@ TEST(RigqmRefusedFiles, FullDiskIsSaid)
         ASSERT_EQ(runShell("rigqm create QM1", "", store).exitCode, 0);
         expectOneLine(runShell("trap '' XFSZ; ulimit -f 1; " + command, "", store), "QM1");
     }
+}
+
+TEST(RigqmConnections, OneTooManyIsSaid)
+{
+    const TemporaryFolder folder;
+    const std::filesystem::path store = folder.path() / "store";
+    ASSERT_EQ(runShell("rigqm create QM1", "", store).exitCode, 0);
+    std::vector<std::unique_ptr<mqrig::qmgr::store::Attachment>> all;
+    for (;;) {
+        auto attached = mqrig::qmgr::store::attach(store, "QM1");
+        if (attached.outcome.failed()) break;
+        all.push_back(std::move(attached.attachment));
+    }
+    EXPECT_GT(all.size(), 1000U);
+    expectOneLine(runShell("rigqm mqsc QM1 -e 'PING QMGR'", "", store), "it has as many connections as it can keep");
+    all.pop_back();
+    EXPECT_EQ(runShell("rigqm mqsc QM1 -e 'PING QMGR'", "", store).exitCode, 0);
 }
 
 } // namespace
