@@ -18,8 +18,6 @@ Outcome outcomeOfErrno()
     case EEXIST:
     case ENOTEMPTY:
         return failure(MQRC_OBJECT_ALREADY_EXISTS);
-    case ENOENT:
-        return failure(MQRC_Q_MGR_NAME_ERROR);
     default:
         return outcomeOfSystem(errno);
     }

@@ -248,6 +248,14 @@ TEST_F(States, AFolderThatIsNoQueueManagerIsNotReplacedByOne)
     EXPECT_EQ(leftovers(folder_), Texts{});
 }
 
+TEST_F(States, AStoreFolderThatLeadsNowhereTakesNoQueueManager)
+{
+    std::filesystem::create_symlink("nowhere", folder_ / "link");
+    EXPECT_EQ(createQueueManager(folder_ / "link", "QM2", {}, DefaultQueueManager::Yes),
+              failure(MQRC_UNEXPECTED_ERROR));
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "nowhere"));
+}
+
 // Nobody can be sure of what was renamed in a folder that cannot be synced.
 TEST_F(States, InAFolderThatMayNotBeReadNothingIsMadeOrDeleted)
 {
