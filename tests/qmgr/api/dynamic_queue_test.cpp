@@ -1,13 +1,9 @@
 // Queues that MQOPEN makes of model queues.
 #include "fixture.h"
 
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <functional>
 #include <future>
 
+#include "../waiting_program.h"
 #include "qmgr/store/attachment.h"
 
 namespace mqrig::qmgr::testing {
@@ -251,54 +247,31 @@ TEST_F(DynamicQueue, ManyMessagesGoWithTheQueue)
     EXPECT_EQ(get(hconn, made.hobj).codes, failed(MQRC_NO_MSG_AVAILABLE));
 }
 
-// A process that connects, works and is killed.
-class KilledProgram {
-public:
-    explicit KilledProgram(const std::function<bool(MQHCONN)> &work)
-    {
-        int ready[2];
-        if (pipe(ready) != 0) throw std::runtime_error("pipe");
-        pid_ = fork();
-        if (pid_ == 0) {
-            const MQHCONN mine = QueueManagerTest::connect();
-            if (!work(mine) || write(ready[1], "x", 1) != 1) _exit(1);
-            for (;;)
-                pause();
-        }
-        char byte = 0;
-        EXPECT_EQ(read(ready[0], &byte, 1), 1);
-        ::close(ready[0]);
-        ::close(ready[1]);
-        ::kill(pid_, SIGKILL);
-        waitpid(pid_, nullptr, 0);
-    }
-
-private:
-    pid_t pid_;
-};
-
-// One that makes the temporary queue ORPHAN and puts a message on it.
-bool leaveOrphan(MQHCONN hconn)
+// A program that has made the temporary queue ORPHAN and put a message on it is killed.
+void leaveOrphan()
 {
-    const auto made = DynamicQueue::openModel(hconn, "TEMP", "ORPHAN");
-    return made.codes == ok && QueueManagerTest::put(hconn, made.hobj, "orphan") == ok;
+    test::WaitingProgram([] {
+        const MQHCONN mine = QueueManagerTest::connect();
+        const auto made = DynamicQueue::openModel(mine, "TEMP", "ORPHAN");
+        return made.codes == ok && QueueManagerTest::put(mine, made.hobj, "orphan") == ok;
+    }).kill();
 }
 
 TEST_F(DynamicQueue, KilledProgramsQueueIsGoneForWhoOpensIt)
 {
-    const KilledProgram killed(leaveOrphan);
+    leaveOrphan();
     EXPECT_EQ(openCodes(hconn, "ORPHAN", MQOO_OUTPUT), failed(MQRC_UNKNOWN_OBJECT_NAME));
 }
 
 TEST_F(DynamicQueue, KilledProgramsQueueIsGoneForWhoListsQueues)
 {
-    const KilledProgram killed(leaveOrphan);
+    leaveOrphan();
     EXPECT_EQ(queuesBeginningWith("ORPHAN"), std::vector<std::string>{});
 }
 
 TEST_F(DynamicQueue, KilledProgramsNameIsFree)
 {
-    const KilledProgram killed(leaveOrphan);
+    leaveOrphan();
     const Opened made = openModel(hconn, "TEMP", "ORPHAN");
     ASSERT_EQ(made.codes, ok);
     EXPECT_EQ(get(hconn, made.hobj).codes, failed(MQRC_NO_MSG_AVAILABLE));
@@ -306,7 +279,7 @@ TEST_F(DynamicQueue, KilledProgramsNameIsFree)
 
 TEST_F(DynamicQueue, KilledProgramsQueueGoesWithTheNextThatConnects)
 {
-    const KilledProgram killed(leaveOrphan);
+    leaveOrphan();
     MQHCONN next = connect();
     MQMD md = {MQMD_DEFAULT};
     MQPMO pmo = pmoWith(MQPMO_NO_SYNCPOINT);
@@ -365,10 +338,11 @@ TEST_F(DynamicQueue, UnitOfWorkOfAKilledProgramDoesNotKeepAPermanentQueue)
     Opened made = openModel(hconn, "PERM", "KEPT");
     ASSERT_EQ(put(hconn, made.hobj, "x"), ok);
     ASSERT_EQ(close(hconn, made.hobj), ok);
-    const KilledProgram killed([](MQHCONN mine) {
+    test::WaitingProgram([] {
+        const MQHCONN mine = connect();
         const MQHOBJ kept = open(mine, "KEPT", MQOO_INPUT_SHARED);
         return get(mine, kept, MQGMO_SYNCPOINT).codes == ok;
-    });
+    }).kill();
     MQHOBJ kept = open(hconn, "KEPT", MQOO_OUTPUT);
     EXPECT_EQ(close(hconn, kept, MQCO_DELETE), failed(MQRC_Q_NOT_EMPTY)); // the message is back
     EXPECT_EQ(close(hconn, kept, MQCO_DELETE_PURGE), ok);

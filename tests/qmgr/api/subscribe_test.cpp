@@ -1,8 +1,7 @@
 // MQSUB, MQSUBRQ and MQCLOSE of subscriptions.
-#include <csignal>
-#include <sys/wait.h>
 #include <unistd.h>
 
+#include "../waiting_program.h"
 #include "topics_fixture.h"
 
 namespace mqrig::qmgr::testing {
@@ -69,25 +68,10 @@ TEST_F(Subscribe, NonDurableSubscriptionGoesWithItsConnection)
 
 TEST_F(Subscribe, NonDurableSubscriptionOfAKilledProgramGoes)
 {
-    int ready[2];
-    ASSERT_EQ(pipe(ready), 0);
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        // What the parent has open is not this process's: it connects anew.
-        const MQHCONN mine = connect();
-        const Subscribed made = trySubscribe(mine, sdFor("t", makeManaged, "N"));
-        const char answer = made.codes == ok ? 'y' : 'n';
-        (void)!write(ready[1], &answer, 1);
-        pause();
-        _exit(0);
-    }
-    char answer = 0;
-    ASSERT_EQ(read(ready[0], &answer, 1), 1);
-    EXPECT_EQ(answer, 'y');
+    // What the parent has open is not this process's: it connects anew.
+    test::WaitingProgram program([] { return trySubscribe(connect(), sdFor("t", makeManaged, "N")).codes == ok; });
     EXPECT_EQ(codesOf("t", makeManaged, "N"), failed(MQRC_SUB_ALREADY_EXISTS));
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
+    program.kill();
     EXPECT_EQ(publish(hconn, "t", "x"), ok);
     const Subscribed again = trySubscribe(hconn, sdFor("t", makeManaged, "N"));
     EXPECT_EQ(again.codes, ok);

@@ -1,11 +1,8 @@
 #include "qmgr/command/mqsc_interpreter.h"
 
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <random>
 
+#include "../waiting_program.h"
 #include "qmgr/command/mqsc_messages.h"
 #include "qmgr/objects/attribute.h"
 #include "qmgr/objects/attribute_value.h"
@@ -230,24 +227,13 @@ TEST_F(Mqsc, ClearPassesByWhatAKilledProgramHadOpen)
 {
     ASSERT_EQ(run("DEF QL(Q1)").result, CommandResult::Done);
     put("Q1", MQPER_NOT_PERSISTENT);
-    int ready[2];
-    ASSERT_EQ(pipe(ready), 0);
-    const pid_t program = fork();
-    ASSERT_GE(program, 0);
-    if (program == 0) {
-        const auto mine = connect();
+    test::WaitingProgram program([this] {
+        store::Attachment *mine = connect().release(); // as it is when the program is killed
         open(*mine, mine->findDefinition(MQOT_Q, "Q1")->queue, {.input = 1, .exclusive = 0, .output = 1, .browse = 0});
-        if (write(ready[1], "x", 1) != 1) _exit(1);
-        for (;;)
-            pause();
-    }
-    char byte = 0;
-    EXPECT_EQ(read(ready[0], &byte, 1), 1);
+        return true;
+    });
     EXPECT_EQ(answer("CLEAR QL(Q1)"), "AMQ8148E: Object Q1 is in use: a program has it open.\n");
-    kill(program, SIGKILL);
-    waitpid(program, nullptr, 0);
-    ::close(ready[0]);
-    ::close(ready[1]);
+    program.kill();
     EXPECT_EQ(run("CLEAR QL(Q1)").result, CommandResult::Done);
     EXPECT_EQ(statusOf("Q1").depth, 0U);
 }

@@ -4,7 +4,6 @@
 #include <fstream>
 #include <optional>
 
-#include "qmgr/store/check.h"
 #include "qmgr/store/log_database.h"
 #include "qmgr/store/paths.h"
 #include "qmgr/store/seams.h"
@@ -37,14 +36,6 @@ protected:
         char *message = nullptr;
         EXPECT_EQ(sqlite3_exec(database, statement, nullptr, nullptr, &message), SQLITE_OK) << message;
         sqlite3_close(database);
-    }
-    [[nodiscard]] std::string findings() const
-    {
-        std::string all;
-        for (const std::string &line :
-             checkQueueManager(folder_, "QM1", [](const Definition &) { return true; }).findings)
-            all += line + '\n';
-        return all;
     }
     [[nodiscard]] std::filesystem::path log() const { return folder_ / "QM1" / "log.db"; }
     [[nodiscard]] std::filesystem::path live() const { return folder_ / "QM1" / "live"; }

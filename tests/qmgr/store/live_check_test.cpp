@@ -86,14 +86,6 @@ protected:
         EXPECT_EQ(put(*witness_, q1_, "small", {.msgId = "id"}), success());
         EXPECT_EQ(put(*witness_, q2_, std::string(5000, 'l')), success());
     }
-    [[nodiscard]] std::string findings() const
-    {
-        std::string all;
-        for (const std::string &line :
-             checkQueueManager(folder_, "QM1", [](const Definition &) { return true; }).findings)
-            all += line + '\n';
-        return all;
-    }
     void tamperWith(const Tamper &tamper) const
     {
         const int tampered = runProcess([&] {

@@ -1,5 +1,7 @@
 #include "store_test.h"
 
+#include "qmgr/store/check.h"
+
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
@@ -37,6 +39,14 @@ std::unique_ptr<Attachment> StoreTest::connect(std::string_view name) const
     EXPECT_EQ(attached.outcome, success());
     if (!attached.attachment) throw std::runtime_error("no connection"); // ends the test
     return std::move(attached.attachment);
+}
+
+std::string StoreTest::findings() const
+{
+    std::string all;
+    for (const std::string &line : checkQueueManager(folder_, "QM1", [](const Definition &) { return true; }).findings)
+        all += line + '\n';
+    return all;
 }
 
 pid_t StoreTest::startProcess(const std::function<int()> &body)

@@ -45,6 +45,9 @@ protected:
     // Connects, and fails the test if that fails.
     std::unique_ptr<Attachment> connect(std::string_view name = "QM1") const;
 
+    // What a check of QM1 finds, a line each.
+    std::string findings() const;
+
     // Runs the function in a forked process, which ends with the function's answer as exit code.
     static pid_t startProcess(const std::function<int()> &body);
     // The exit code, or minus the signal.

@@ -1,0 +1,51 @@
+// Another process that does its work and then waits to be killed, as a program that a test has to kill does.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <functional>
+#include <stdexcept>
+
+namespace mqrig::test {
+
+class WaitingProgram {
+public:
+    // The work is done in the new process, which connects by itself, and answers whether it has succeeded. It is done
+    // when this is back.
+    explicit WaitingProgram(const std::function<bool()> &work)
+    {
+        int ready[2];
+        if (pipe(ready) != 0) throw std::runtime_error("pipe");
+        pid_ = fork();
+        if (pid_ == 0) {
+            const char answer = work() ? 'y' : 'n';
+            if (write(ready[1], &answer, 1) != 1) _exit(1);
+            for (;;)
+                pause();
+        }
+        char answer = 0;
+        EXPECT_EQ(read(ready[0], &answer, 1), 1);
+        EXPECT_EQ(answer, 'y');
+        ::close(ready[0]);
+        ::close(ready[1]);
+    }
+    WaitingProgram(const WaitingProgram &) = delete;
+    WaitingProgram &operator=(const WaitingProgram &) = delete;
+    ~WaitingProgram() { kill(); }
+
+    void kill()
+    {
+        if (pid_ <= 0) return;
+        ::kill(pid_, SIGKILL);
+        waitpid(pid_, nullptr, 0);
+        pid_ = 0;
+    }
+
+private:
+    pid_t pid_ = 0;
+};
+
+} // namespace mqrig::test
