@@ -15,7 +15,7 @@ namespace mqrig::qmgr::store {
 namespace {
 
 constexpr std::array<char, 8> magic{'M', 'Q', 'L', 'I', 'V', 'E', '\n', '\x1a'};
-constexpr std::uint32_t format = 10;
+constexpr std::uint32_t format = 11;
 
 class Descriptor {
 public:

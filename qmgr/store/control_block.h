@@ -67,16 +67,12 @@ struct alignas(64) WaitCell {
     std::atomic<std::uint32_t> watched; // by connections' own threads that sleep: look through the slots for them
 };
 
-// How the last connection left the files, so that what happens to them while nobody is connected is noticed. Not known
-// while somebody is connected, nor after the last one was killed; see soundness.cpp.
-struct QuietMark {
-    std::atomic<std::uint64_t> dataChanged;    // when the live state's file was changed last, nanoseconds; 0: not known
-    std::atomic<std::uint64_t> checksumOfHead; // of this block from `state` to `cells`
-};
-
 struct ControlBlock {
     LifeStamp stamp;
-    QuietMark quiet;
+    // How the last connection left the files, so that what happens to them while nobody is connected is noticed; see
+    // soundness.cpp. 0: not known.
+    std::atomic<std::uint64_t> quiet;
+    std::atomic<std::uint64_t> comings; // of connections, and openings of the live state's file: odd while one goes on
 
     alignas(64) std::atomic<State> state; // a futex word too
     std::atomic<std::uint32_t> reconnect; // set before the state says Ended: its connections may look for a new life

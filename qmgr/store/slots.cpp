@@ -95,6 +95,7 @@ Store::SlotTaken Store::takeSlot()
     ControlBlock &block = control();
     const std::uint64_t ours = pidNamespaceOfThisProcess();
     if (ours == 0) return {failure(MQRC_RESOURCE_PROBLEM)};
+    noteComing();
     if (block.pidNamespace != ours) {
         // Process ids mean nothing across the border, and the reader table of the live state goes by them.
         if (anyConnection()) return {failure(MQRC_ENVIRONMENT_ERROR)};
@@ -120,7 +121,7 @@ Store::SlotTaken Store::takeSlot()
                 for (std::atomic<std::uint64_t> &word : slot.program)
                     word.store(0, std::memory_order_relaxed);
                 slot.state = SlotState::Taken;
-                noteBusy();
+                noteComing();
                 for (std::uint32_t limit = block.slotLimit; limit <= number;) {
                     if (block.slotLimit.compare_exchange_weak(limit, number + 1)) break;
                 }

@@ -10,12 +10,13 @@
 // - A connection that was killed leaves no note. Then every page of the live state is verified (live_pages.h): what is
 //   out of order ends the life; the contents of a record that was changed within its bounds is not noticed.
 //
-// Comings and goings race with the note, so it is written between two looks for connections, and a connection that
-// comes takes its slot first and strikes the note out after. What is decided wrongly is decided for "not known".
+// Opening the file moves its time (the library sets its length anew), so whoever opens it makes a valid note anew
+// after, also if the opening fails. The start-up lock keeps openings apart.
 //
-// Opening the file moves its time (the library sets its length anew), so whoever opens it strikes the note out before
-// and writes it anew after, also if the opening fails; killed in between, it leaves none. The start-up lock keeps
-// openings apart.
+// Comings, goings and openings race with each other. So they are counted, and a note says at which count it was made:
+// at any other it says nothing. A coming counts before it changes anything, for the case that it is killed then, and
+// again once its slot is taken: whoever has not seen the slot has not seen that count either. Time, checksum and count
+// are one word, so that no two notes can be mixed. What is decided wrongly is decided for "not known".
 
 #include <algorithm>
 #include <array>
@@ -56,25 +57,50 @@ std::uint64_t checksumOfHead(ControlBlock &block)
     return checksumOf(std::as_bytes(std::span(words)), block.stamp.generation);
 }
 
+// A note is the count in its high bits and a checksum of all that it says in the low ones.
+constexpr int countShift = 40;
+
+std::uint64_t noteOf(ControlBlock &block, std::uint64_t count, std::uint64_t changed)
+{
+    const std::array<std::uint64_t, 3> said{count, changed, checksumOfHead(block)};
+    const std::uint64_t sum = checksumOf(std::as_bytes(std::span(said)), block.stamp.generation);
+    return count << countShift | sum >> (64 - countShift);
+}
+
+bool isMadeAt(std::uint64_t note, std::uint64_t count)
+{
+    return note != 0 && note >> countShift == count << countShift >> countShift;
+}
+
 } // namespace
+
+void Store::noteComing() noexcept
+{
+    control().comings += 2;
+}
 
 void Store::noteQuiet() noexcept
 try {
-    if (control().state == State::Ended || anyConnection()) return;
-    const std::filesystem::path data = folder_ / "live" / "data.mdb";
-    QuietMark &quiet = control().quiet;
-    const std::uint64_t changed = changeTime(data);
-    quiet.checksumOfHead = checksumOfHead(control());
-    quiet.dataChanged = changed;
-    if (anyConnection() || changeTime(data) != changed) noteBusy();
-} catch (const std::bad_alloc &) {
-    noteBusy();
+    ControlBlock &block = control();
+    const std::uint64_t count = block.comings;
+    const bool isOpening = count % 2 != 0;
+    if (block.state == State::Ended || isOpening || anyConnection()) return;
+    const std::uint64_t changed = changeTime(folder_ / "live" / "data.mdb");
+    if (changed != 0) block.quiet = noteOf(block, count, changed);
+} catch (const std::bad_alloc &) { // NOLINT(bugprone-empty-catch): what is noted there is of an earlier count
 }
 
-Store::Opening::Opening(Store &store) : store_(store), wasQuiet_(store.control().quiet.dataChanged.exchange(0) != 0) {}
+Store::Opening::Opening(Store &store) : store_(store)
+{
+    ControlBlock &block = store.control();
+    const std::uint64_t before = block.comings;
+    block.comings += before % 2 == 0 ? 1 : 2; // one that was killed has left it odd
+    wasQuiet_ = isMadeAt(block.quiet, before);
+}
 
 Store::Opening::~Opening()
 {
+    store_.control().comings += 1;
     if (wasQuiet_) store_.noteQuiet();
 }
 
@@ -82,15 +108,15 @@ Outcome Store::soundness()
 {
     ControlBlock &block = control();
     if (block.slotLimit > maxSlots) return failure(MQRC_UNEXPECTED_ERROR);
-    const std::uint64_t connectionsBefore = block.connections;
+    const std::uint64_t count = block.comings;
     if (anyConnection()) return success();
     const std::filesystem::path data = folder_ / "live" / "data.mdb";
     Outcome outcome;
-    if (block.quiet.dataChanged != 0) {
+    if (const std::uint64_t note = block.quiet; isMadeAt(note, count)) {
         const std::uint64_t changed = changeTime(data);
         if (changed == 0 && errno != ENOENT && errno != ENOTDIR && errno != ELOOP)
             outcome = failure(MQRC_RESOURCE_PROBLEM);
-        else if (block.quiet.dataChanged != changed || block.quiet.checksumOfHead != checksumOfHead(block))
+        else if (note != noteOf(block, count, changed))
             outcome = failure(MQRC_UNEXPECTED_ERROR);
     } else {
         const PagesVerdict::Kind verdict = verifyPages(data).kind;
@@ -99,7 +125,7 @@ Outcome Store::soundness()
         if (verdict == PagesVerdict::Kind::Damaged) outcome = failure(MQRC_UNEXPECTED_ERROR);
     }
     // A connection that came meanwhile has changed what was looked at, and believed it too.
-    return block.connections != connectionsBefore || anyConnection() ? success() : outcome;
+    return block.comings != count || anyConnection() ? success() : outcome;
 }
 
 } // namespace mqrig::qmgr::store

@@ -154,8 +154,8 @@ public:
     void completeQuiesce();
 
     // ---- The files between two connections (soundness.cpp) ----
-    // A connection comes; the last one may have gone.
-    void noteBusy() noexcept { control().quiet.dataChanged = 0; }
+    // A connection comes: before and after its slot is taken; the last one may have gone.
+    void noteComing() noexcept;
     void noteQuiet() noexcept;
 
 private:
@@ -169,8 +169,8 @@ private:
                            std::unique_ptr<ControlMapping> control, Damage damage = Damage::EndsLife);
     static Opened beginLife(const std::filesystem::path &folder, LockFile &locks, LogDatabase &log);
     Outcome fill(LogDatabase &log);
-    // Start-up lock held, the live state not yet open in this process.
-    // The note that the files are quiet while the library opens them, which moves their time.
+    // Start-up lock held, the live state not yet open in this process: keeps the note that the files are quiet while
+    // the library opens them, which moves their time.
     class Opening {
     public:
         explicit Opening(Store &store);
@@ -180,7 +180,7 @@ private:
 
     private:
         Store &store_;
-        bool wasQuiet_;
+        bool wasQuiet_ = false;
     };
     // MQRC_UNEXPECTED_ERROR: damaged; another failure: it cannot be told now.
     [[nodiscard]] Outcome soundness();

@@ -112,6 +112,7 @@ endforeach()
 # What a kill does not show, or too seldom: found by a test of the store.
 set(store_mutations
   definition_before_log=Faults.ADefinitionThatCannotBeLoggedIsAsItWas
+  quiet_note_of_any_time=LiveDamage.IsNotConcludedFromANoteOfAnEarlierTime
   requests_word_lowered_blindly=Requests.PutAfterALookStayAnnounced
   sweeping_of_dead_left=Processes.KilledWhileSweepingAQueueLeaveTheRestToTheNext)
 foreach(mutation IN LISTS store_mutations)

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "qmgr/store/check.h"
+#include "qmgr/store/control_block.h"
 #include "qmgr/store/seams.h"
 #include "store_test.h"
 
@@ -108,6 +109,28 @@ TEST_F(LiveDamage, OfTheControlBlockIsNoticedWhenTheLastConnectionHadLeft)
             EXPECT_EQ(lookOutside(true), 0) << at;
         }
     }
+}
+
+// As one has made it that was slow to leave.
+TEST_F(LiveDamage, IsNotConcludedFromANoteOfAnEarlierTime)
+{
+    std::uint64_t note = 0;
+    const auto access = [&](auto &&call) {
+        const int fd = open((live() / "control").c_str(), O_RDWR | O_CLOEXEC);
+        EXPECT_EQ(call(fd, &note, sizeof note, off_t{offsetof(ControlBlock, quiet)}), ssize_t{sizeof note});
+        close(fd);
+    };
+    leaveALife(LastOne::Leaves);
+    access(pread);
+    EXPECT_NE(note, 0U);
+    leaveALife(LastOne::Leaves);
+    access(pwrite);
+    EXPECT_EQ(lookOutside(false), 0);
+    leaveALife(LastOne::Leaves);
+    access(pread);
+    note ^= 1;
+    access(pwrite);
+    EXPECT_EQ(lookOutside(true), 0) << "one of this time is believed";
 }
 
 TEST_F(LiveDamage, OfPagesIsNoticedWhenTheLastConnectionWasKilled)

@@ -365,6 +365,33 @@ TEST_F(Processes, KilledWhileEndingLeaveAnEndThatCanBeRepeated)
     EXPECT_EQ(startQueueManager(folder_, "QM1"), success());
 }
 
+// One opens the files while another one, who was the last, leaves: nothing of that is damage.
+TEST_F(Processes, ThatComeAtOnceFindTheLifeThatThereWas)
+{
+    constexpr int rounds = 300;
+    constexpr int programs = 6;
+    for (int round = 0; round < rounds; ++round) {
+        int gate[2];
+        ASSERT_EQ(pipe(gate), 0);
+        std::vector<pid_t> children;
+        for (int child = 0; child < programs; ++child) {
+            children.push_back(startProcess([&] {
+                char byte = 0;
+                close(gate[1]);
+                static_cast<void>(!read(gate[0], &byte, 1)); // until the parent closes its end
+                const auto attached = attach(folder_, "QM1");
+                if (attached.outcome.failed()) return 1;
+                return put(*attached.attachment, q1_, "not persistent") == success() ? 0 : 2;
+            }));
+        }
+        close(gate[0]);
+        close(gate[1]);
+        for (const pid_t child : children)
+            ASSERT_EQ(endOfProcess(child), 0) << "round " << round;
+    }
+    EXPECT_EQ(browse(*connect(), q1_).size(), std::size_t{rounds * programs});
+}
+
 TEST_F(Processes, TwoFirstOnesAtOnceFindOneLife)
 {
     for (int round = 0; round < 5; ++round) {
