@@ -36,6 +36,7 @@ public:
     WaitingProgram &operator=(const WaitingProgram &) = delete;
     ~WaitingProgram() { kill(); }
 
+    pid_t pid() const { return pid_; }
     void kill()
     {
         if (pid_ <= 0) return;

@@ -1,9 +1,12 @@
 // DISPLAY QSTATUS and DISPLAY CONN.
+#include <pwd.h>
 #include <unistd.h>
 
 #include <cinttypes>
 #include <cstdio>
 
+#include "../waiting_program.h"
+#include "qmgr/command/process_facts.h"
 #include "queue_manager_fixture.h"
 
 namespace mqrig::qmgr::command {
@@ -145,6 +148,14 @@ TEST_F(MqscStatus, ConnectionThatHasEndedIsNotShown)
     other.reset();
     EXPECT_EQ(answer("DIS CONN(" + name + ')'), "AMQ8461E: There is no connection " + name + ".\n");
     EXPECT_EQ(answer("DIS CONN(*) WHERE(PID EQ 0)"), "AMQ8461E: There is no connection *.\n");
+}
+
+TEST(ProcessFacts, UserWithoutANameIsANumber)
+{
+    constexpr uid_t nobodys = 2'000'000'123;
+    if (geteuid() != 0 || getpwuid(nobodys) != nullptr) GTEST_SKIP() << "only root can become such a user";
+    const test::WaitingProgram program([] { return setresuid(nobodys, nobodys, nobodys) == 0; });
+    EXPECT_EQ(userOf(program.pid()), "2000000123");
 }
 
 } // namespace

@@ -121,6 +121,12 @@ TEST_F(MqscTopics, SubscriptionThatCannotBeIsRefused)
                                 "DEF SUB(S) TOPICSTR(t) TOPICSTR(u)", "DEF SUB(S) FROB(1)", "DELETE SUB(S) PURGE"})
         EXPECT_EQ(run(command).result, CommandResult::SyntaxError) << command;
     EXPECT_EQ(run("DIS SUB(*)").result, CommandResult::Failed);
+    const std::string longest(MQ_SUB_NAME_LENGTH, 'S');
+    EXPECT_EQ(run("DEF SUB(" + longest + ") TOPICSTR(t) DEST(Q1)").result, CommandResult::Done);
+    EXPECT_EQ(answer("DEF SUB(" + longest + "S) TOPICSTR(t) DEST(Q1)"),
+              "AMQ8405E: Syntax error at line 1, column 9: at most 10240 bytes may be given.\n"
+              "   DEF SUB(SSSSSSSSSSSSSSS...\n"
+              "           ^\n");
 }
 
 TEST_F(MqscTopics, SelectorIsJudgedWhenItIsDefined)

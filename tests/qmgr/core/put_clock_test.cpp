@@ -33,6 +33,14 @@ TEST(PutClock, LeapDaysAndYearEnds)
     EXPECT_EQ(textsOf(clock, 1798761599990000), "20261231 23595999");
 }
 
+TEST(PutClock, TimesBefore1970AreTheirs)
+{
+    PutClock clock;
+    EXPECT_EQ(textsOf(clock, -1), "19691231 23595999");
+    EXPECT_EQ(textsOf(clock, -1000000), "19691231 23595900");
+    EXPECT_EQ(textsOf(clock, -1000001), "19691231 23595899");
+}
+
 TEST(PutClock, GoingBackInTimeIsShown)
 {
     PutClock clock;
