@@ -113,7 +113,7 @@ std::size_t roomOf(const Unit &unit)
 
 } // namespace
 
-LogLock::LogLock(Store &store, Busy busy) : store_(store)
+LogLock::LogLock(Store &store, Busy busy) : store_(store), change_(store)
 {
     ControlBlock &control = store.control();
     int code = EAGAIN;

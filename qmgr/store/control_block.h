@@ -72,15 +72,16 @@ struct ControlBlock {
     // How the last connection left the files, so that what happens to them while nobody is connected is noticed; see
     // soundness.cpp. 0: not known.
     std::atomic<std::uint64_t> quiet;
-    std::atomic<std::uint64_t> comings; // of connections, and openings of the live state's file: odd while one goes on
+    std::atomic<std::uint64_t> changes; // counted with openings of the file; odd while one goes on
+    // What a connection changes before it has its slot.
+    std::atomic<std::uint64_t> pidNamespace;
+    std::atomic<std::uint64_t> connections; // numbers given to connections
+    std::atomic<std::uint32_t> slotLimit;   // slots from here on have never been taken
 
     alignas(64) std::atomic<State> state; // a futex word too
     std::atomic<std::uint32_t> reconnect; // set before the state says Ended: its connections may look for a new life
-    std::atomic<std::uint64_t> pidNamespace;
-    std::atomic<std::uint64_t> mapSize;     // bytes of the live state that are reserved and may be mapped
-    std::atomic<std::uint32_t> slotLimit;   // slots from here on have never been taken
-    std::atomic<std::uint64_t> connections; // numbers given to connections
-    std::atomic<std::int64_t> started;      // when this life began, microseconds since 1970 UTC
+    std::atomic<std::uint64_t> mapSize;   // bytes of the live state that are reserved and may be mapped
+    std::atomic<std::int64_t> started;    // when this life began, microseconds since 1970 UTC
     std::atomic<std::uint64_t> definitionVersion;
     std::atomic<std::uint64_t> subscriptionVersion;
     std::atomic<std::uint32_t> startTold;       // somebody has announced this life

@@ -95,7 +95,6 @@ Store::SlotTaken Store::takeSlot()
     ControlBlock &block = control();
     const std::uint64_t ours = pidNamespaceOfThisProcess();
     if (ours == 0) return {failure(MQRC_RESOURCE_PROBLEM)};
-    noteComing();
     if (block.pidNamespace != ours) {
         // Process ids mean nothing across the border, and the reader table of the live state goes by them.
         if (anyConnection()) return {failure(MQRC_ENVIRONMENT_ERROR)};
@@ -120,11 +119,11 @@ Store::SlotTaken Store::takeSlot()
                 slot.watched = 0;
                 for (std::atomic<std::uint64_t> &word : slot.program)
                     word.store(0, std::memory_order_relaxed);
-                slot.state = SlotState::Taken;
-                noteComing();
                 for (std::uint32_t limit = block.slotLimit; limit <= number;) {
                     if (block.slotLimit.compare_exchange_weak(limit, number + 1)) break;
                 }
+                slot.state = SlotState::Taken;
+                noteChange();
                 reached(Step::SlotTaken);
                 return {success(), number, slot.connection};
             }
@@ -189,6 +188,7 @@ bool Store::releaseDead()
 bool Store::cleanUp(std::uint32_t number) noexcept
 try {
     if (control().state == State::Ended) return true;
+    const Change change(*this);
     if (removeTemporariesOf(number).failed()) return false;
     const bool mayHold = control().slots[number].holds != 0;
     const Outcome cleaned = update(0, number, [&](WriteTransaction &transaction) {

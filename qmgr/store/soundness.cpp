@@ -13,10 +13,11 @@
 // Opening the file moves its time (the library sets its length anew), so whoever opens it makes a valid note anew
 // after, also if the opening fails. The start-up lock keeps openings apart.
 //
-// Comings, goings and openings race with each other. So they are counted, and a note says at which count it was made:
-// at any other it says nothing. A coming counts before it changes anything, for the case that it is killed then, and
-// again once its slot is taken: whoever has not seen the slot has not seen that count either. Time, checksum and count
-// are one word, so that no two notes can be mixed. What is decided wrongly is decided for "not known".
+// Comings, goings and openings race with each other. So changes are counted, and a note says at which count it was
+// made: at any other it says nothing. A connection counts once its slot can be seen and before it changes anything that
+// a note speaks of: whoever has not seen the slot has not seen that count either. What is done without a slot (an end,
+// cleaning up for the dead) counts before and after. Time, checksum and count are one word, so that no two notes can be
+// mixed. What is decided wrongly is decided for "not known".
 
 #include <algorithm>
 #include <array>
@@ -74,15 +75,16 @@ bool isMadeAt(std::uint64_t note, std::uint64_t count)
 
 } // namespace
 
-void Store::noteComing() noexcept
+void Store::noteChange() noexcept
 {
-    control().comings += 2;
+    control().changes += 2;
+    control().quiet = 0; // or it might be believed again when the count has come round
 }
 
 void Store::noteQuiet() noexcept
 try {
     ControlBlock &block = control();
-    const std::uint64_t count = block.comings;
+    const std::uint64_t count = block.changes;
     const bool isOpening = count % 2 != 0;
     if (block.state == State::Ended || isOpening || anyConnection()) return;
     const std::uint64_t changed = changeTime(folder_ / "live" / "data.mdb");
@@ -93,14 +95,14 @@ try {
 Store::Opening::Opening(Store &store) : store_(store)
 {
     ControlBlock &block = store.control();
-    const std::uint64_t before = block.comings;
-    block.comings += before % 2 == 0 ? 1 : 2; // one that was killed has left it odd
+    const std::uint64_t step = block.changes % 2 == 0 ? 1 : 2; // one that was killed has left it odd
+    const std::uint64_t before = block.changes.fetch_add(step);
     wasQuiet_ = isMadeAt(block.quiet, before);
 }
 
 Store::Opening::~Opening()
 {
-    store_.control().comings += 1;
+    store_.control().changes += 1;
     if (wasQuiet_) store_.noteQuiet();
 }
 
@@ -108,7 +110,7 @@ Outcome Store::soundness()
 {
     ControlBlock &block = control();
     if (block.slotLimit > maxSlots) return failure(MQRC_UNEXPECTED_ERROR);
-    const std::uint64_t count = block.comings;
+    const std::uint64_t count = block.changes;
     if (anyConnection()) return success();
     const std::filesystem::path data = folder_ / "live" / "data.mdb";
     Outcome outcome;
@@ -125,7 +127,7 @@ Outcome Store::soundness()
         if (verdict == PagesVerdict::Kind::Damaged) outcome = failure(MQRC_UNEXPECTED_ERROR);
     }
     // A connection that came meanwhile has changed what was looked at, and believed it too.
-    return block.comings != count || anyConnection() ? success() : outcome;
+    return block.changes != count || anyConnection() ? success() : outcome;
 }
 
 } // namespace mqrig::qmgr::store

@@ -154,9 +154,20 @@ public:
     void completeQuiesce();
 
     // ---- The files between two connections (soundness.cpp) ----
-    // A connection comes: before and after its slot is taken; the last one may have gone.
-    void noteComing() noexcept;
+    // The files change, and what was noted of them is not so any more. The last connection may have gone: how they are.
+    void noteChange() noexcept;
     void noteQuiet() noexcept;
+    // What is changed without a slot counts before and after.
+    class Change {
+    public:
+        explicit Change(Store &store) : store_(store) { store_.noteChange(); }
+        ~Change() { store_.noteChange(); }
+        Change(const Change &) = delete;
+        Change &operator=(const Change &) = delete;
+
+    private:
+        Store &store_;
+    };
 
 private:
     friend class LogLock;
@@ -258,6 +269,7 @@ public:
 
 private:
     Store &store_;
+    Store::Change change_; // who ends the queue manager has no slot
     bool held_ = false;
     bool busy_ = false;
     Outcome outcome_;

@@ -141,6 +141,19 @@ TEST_F(Faults, AnEndThatCannotBeLoggedLeavesTheQueueManagerRunning)
     EXPECT_FALSE(a->endedToReconnect()) << "as the end that failed had asked";
 }
 
+// Neither who has put the message nor who ends the queue manager is there when somebody looks next.
+TEST_F(Faults, AnEndThatCannotBeLoggedLeavesTheLifeWithNobodyConnected)
+{
+    EXPECT_EQ(runProcess([this] { return put(*connect(), q1_, "not persistent").failed() ? 1 : 0; }), 0);
+    EXPECT_EQ(runProcess([this] {
+                  fail(StorageCall::LogCommit, 0, true);
+                  return endQueueManager(folder_, "QM1", End::Immediate).Reason == MQRC_STORAGE_NOT_AVAILABLE ? 0 : 1;
+              }),
+              0);
+    EXPECT_EQ(runProcess([this] { return browse(*connect(), q1_) == Texts{"not persistent"} ? 0 : 1; }), 0);
+    EXPECT_EQ(findings(), "");
+}
+
 TEST_F(Faults, UnitsThatTheLogDoesNotTakeTogetherAreLoggedOneByOne)
 {
     const auto a = connect();
