@@ -18,6 +18,8 @@
 namespace mqrig::qmgr::command {
 namespace {
 
+constexpr int mostAttempts = 100; // of somebody who is always too slow
+
 using objects::ObjectDefinition;
 using objects::Subscription;
 using store::Attachment;
@@ -205,15 +207,15 @@ Outcome defineSubscription(Attachment &attachment, const SubscriptionDefinition 
 {
     Subscription made;
     if (const Outcome described = describe(attachment, definition, made); described.failed()) return described;
-    for (;;) {
+    for (int attempt = 0;; ++attempt) {
         auto known = objects::findSubscription(attachment, definition.name); // which removes one that has expired
         if (known && definition.replace == Replace::No) return failure(MQRC_SUB_ALREADY_EXISTS);
         if (!known)
             if (const Outcome none = whyNotFound(attachment, definition.name); none.Reason == MQRC_OBJECT_DAMAGED)
                 return none;
         const Outcome defined = known ? replace(attachment, std::move(*known), made) : create(attachment, made);
-        // Somebody was faster.
-        const bool again = definition.replace == Replace::Yes &&
+        // Somebody was faster; or one that has expired cannot be removed now.
+        const bool again = attempt < mostAttempts && definition.replace == Replace::Yes &&
                            (defined.Reason == MQRC_SUB_ALREADY_EXISTS || defined.Reason == MQRC_OBJECT_CHANGED ||
                             defined.Reason == MQRC_UNKNOWN_OBJECT_NAME);
         if (!again) return defined;

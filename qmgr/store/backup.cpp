@@ -13,6 +13,7 @@
 #include "qmgr/store/log_format.h"
 #include "qmgr/store/paths.h"
 #include "qmgr/store/store.h"
+#include "qmgr/store/system_error.h"
 
 namespace mqrig::qmgr::store {
 
@@ -195,7 +196,8 @@ BackupResult backUpQueueManager(const std::filesystem::path &storeFolder, std::s
             BackupResult result = refused(outcome);
             if ((code & 0xff) == SQLITE_BUSY) return refusedBySystem(EBUSY);
             // A log that nobody has open needs a little space to be read, too.
-            const bool full = (code & 0xff) == SQLITE_IOERR && sqlite3_system_errno(to.get()) == ENOSPC;
+            const bool full = (code & 0xff) == SQLITE_IOERR &&
+                              outcomeOfSystem(sqlite3_system_errno(to.get())).Reason == MQRC_STORAGE_NOT_AVAILABLE;
             if (full || outcome.Reason == MQRC_STORAGE_NOT_AVAILABLE) return refusedBySystem(ENOSPC);
             result.contents = checkLog(log, canDecode, findings);
             result.findings = findings.lines();
