@@ -123,8 +123,8 @@ coverage() {
   scripts/run_ctest.sh build-coverage -LE 'long|release_only' \
     -E '[Ss]weep|FullDisk|ShortWrite|random_arguments|RefusedFiles|Mutation|CrashRun|crash_run|PowerLoss|ThousandFiles'
   gcovr --root . --filter 'src/' --filter 'tables/' --filter 'qmgr/' --filter 'rigqm/' --exclude-throw-branches \
-    --gcov-ignore-parse-errors --object-directory build-coverage --txt build-coverage/coverage.txt --csv build-coverage/coverage.csv \
-    --print-summary |
+    --gcov-ignore-parse-errors --object-directory build-coverage --txt build-coverage/coverage.txt \
+    --csv build-coverage/coverage.csv --print-summary |
     grep -E '^(lines|functions)'
   echo "by file: build-coverage/coverage.txt; what is not covered, and why: docs/coverage.md"
   local file unnamed=0

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -20,17 +21,13 @@ public:
         int ready[2];
         if (pipe(ready) != 0) throw std::runtime_error("pipe");
         pid_ = fork();
-        if (pid_ == 0) {
-            const char answer = work() ? 'y' : 'n';
-            if (write(ready[1], &answer, 1) != 1) _exit(1);
-            for (;;)
-                pause();
-        }
+        if (pid_ < 0) throw std::runtime_error("fork");
+        if (pid_ == 0) run(work, ready);
+        ::close(ready[1]);
         char answer = 0;
-        EXPECT_EQ(read(ready[0], &answer, 1), 1);
+        EXPECT_EQ(read(ready[0], &answer, 1), 1) << "it has ended";
         EXPECT_EQ(answer, 'y');
         ::close(ready[0]);
-        ::close(ready[1]);
     }
     WaitingProgram(const WaitingProgram &) = delete;
     WaitingProgram &operator=(const WaitingProgram &) = delete;
@@ -46,6 +43,22 @@ public:
     }
 
 private:
+    [[noreturn]] static void run(const std::function<bool()> &work, int (&ready)[2]) noexcept
+    {
+        ::close(ready[0]);
+        char answer = 'n';
+        try {
+            if (work()) answer = 'y';
+        } catch (...) {
+            _exit(1);
+        }
+        // It goes with the test, also where that is killed; asked for last, for a change of the user takes it back.
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (write(ready[1], &answer, 1) != 1) _exit(1);
+        for (;;)
+            pause();
+    }
+
     pid_t pid_ = 0;
 };
 

@@ -129,7 +129,7 @@ TEST_F(FullDisk, TakesNoBackupAndRestoresNone)
         ASSERT_EQ(put(*attached.attachment, queue, std::string(5'000'000, 't'), {.persistence = MQPER_PERSISTENT}),
                   success());
     }
-    const auto elsewhere = std::filesystem::path(folder_.string() + "-backup");
+    const auto elsewhere = folder_ / "elsewhere";
     ASSERT_EQ(backUpQueueManager(disk_, "QM1", elsewhere, ExistingFile::Keep, anyBytes).fault,
               BackupResult::Fault::None);
     ASSERT_EQ(restoreQueueManager(store, "QM1", elsewhere, anyBytes).fault, BackupResult::Fault::None);
