@@ -208,7 +208,7 @@ std::vector<std::string> leftovers(const std::filesystem::path &folder)
     return names;
 }
 
-TEST_F(States, ACreateSweepsOutWhatKilledOnesLeftMoreThanAnHourAgo)
+TEST_F(States, ACreateRemovesWhatKilledOnesLeftMoreThanAnHourAgo)
 {
     const auto age = [](const std::filesystem::path &path, std::chrono::minutes by) {
         std::filesystem::last_write_time(path, std::filesystem::file_time_type::clock::now() - by);
@@ -226,6 +226,14 @@ TEST_F(States, ACreateSweepsOutWhatKilledOnesLeftMoreThanAnHourAgo)
     ASSERT_EQ(createQueueManager(folder_, "QM2", {}, DefaultQueueManager::No), success());
     EXPECT_EQ(leftovers(folder_), (Texts{".new-3", ".new-6", ".other-4"}));
     EXPECT_EQ(listQueueManagers(folder_).size(), 2U);
+}
+
+TEST_F(States, AStoreFolderIsMadeWithTheFoldersAboveIt)
+{
+    const auto deep = folder_ / "a" / "b" / "c";
+    ASSERT_EQ(createQueueManager(deep, "QM2", {}, DefaultQueueManager::Yes), success());
+    EXPECT_EQ(attach(deep, "").outcome, success());
+    EXPECT_EQ(std::filesystem::status(folder_ / "a").permissions(), std::filesystem::perms::owner_all);
 }
 
 TEST_F(States, ADefaultThatCannotBeSetLeavesNothing)
