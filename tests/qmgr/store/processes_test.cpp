@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <set>
+#include <stdexcept>
 #include <thread>
 
 #include "qmgr/store/seams.h"
@@ -14,7 +15,37 @@
 namespace mqrig::qmgr::store::test {
 namespace {
 
-using Processes = StoreTest;
+class Processes : public StoreTest {
+protected:
+    // A program's end: it comes, puts a message that is not persistent, and leaves.
+    [[nodiscard]] int putInPassing(QueueId queue) const
+    {
+        const auto attached = attach(folder_, "QM1");
+        if (attached.outcome.failed()) return 1;
+        return put(*attached.attachment, queue, "in passing") == success() ? 0 : 2;
+    }
+    // The ends of processes that run the body at the same moment.
+    static std::vector<int> runAtOnce(int processes, const std::function<int()> &body)
+    {
+        int gate[2];
+        if (pipe(gate) != 0) throw std::runtime_error("pipe"); // ends the test
+        std::vector<pid_t> children;
+        for (int child = 0; child < processes; ++child) {
+            children.push_back(startProcess([&] {
+                char byte = 0;
+                close(gate[1]);
+                static_cast<void>(!read(gate[0], &byte, 1)); // until the parent closes its end
+                return body();
+            }));
+        }
+        close(gate[0]);
+        close(gate[1]);
+        std::vector<int> ends;
+        for (const pid_t child : children)
+            ends.push_back(endOfProcess(child));
+        return ends;
+    }
+};
 using Texts = std::vector<std::string>;
 
 // Kills this process at the given step of the store. For use in a child.
@@ -370,25 +401,9 @@ TEST_F(Processes, ThatComeAtOnceFindTheLifeThatThereWas)
 {
     constexpr int rounds = 150;
     constexpr int programs = 6;
-    for (int round = 0; round < rounds && !HasFailure(); ++round) {
-        int gate[2];
-        ASSERT_EQ(pipe(gate), 0);
-        std::vector<pid_t> children;
-        for (int child = 0; child < programs; ++child) {
-            children.push_back(startProcess([&] {
-                char byte = 0;
-                close(gate[1]);
-                static_cast<void>(!read(gate[0], &byte, 1)); // until the parent closes its end
-                const auto attached = attach(folder_, "QM1");
-                if (attached.outcome.failed()) return 1;
-                return put(*attached.attachment, q1_, "not persistent") == success() ? 0 : 2;
-            }));
-        }
-        close(gate[0]);
-        close(gate[1]);
-        for (const pid_t child : children)
-            EXPECT_EQ(endOfProcess(child), 0) << "round " << round;
-    }
+    for (int round = 0; round < rounds && !HasFailure(); ++round)
+        for (const int end : runAtOnce(programs, [this] { return putInPassing(q1_); }))
+            EXPECT_EQ(end, 0) << "round " << round;
     EXPECT_EQ(browse(*connect(), q1_).size(), std::size_t{rounds * programs});
 }
 
@@ -397,23 +412,8 @@ TEST_F(Processes, TwoFirstOnesAtOnceFindOneLife)
     for (int round = 0; round < 5; ++round) {
         ASSERT_EQ(put(*connect(), q1_, "p", {.persistence = MQPER_PERSISTENT}), success());
         std::filesystem::remove_all(folder_ / "QM1" / "live");
-        int gate[2];
-        ASSERT_EQ(pipe(gate), 0);
-        std::vector<pid_t> children;
-        for (int child = 0; child < 4; ++child) {
-            children.push_back(startProcess([&] {
-                char byte = 0;
-                close(gate[1]);
-                static_cast<void>(!read(gate[0], &byte, 1)); // until the parent closes its end
-                const auto attached = attach(folder_, "QM1");
-                if (attached.outcome.failed()) return 1;
-                return put(*attached.attachment, q2_, "from one") == success() ? 0 : 2;
-            }));
-        }
-        close(gate[0]);
-        close(gate[1]);
-        for (const pid_t child : children)
-            EXPECT_EQ(endOfProcess(child), 0);
+        for (const int end : runAtOnce(4, [this] { return putInPassing(q2_); }))
+            EXPECT_EQ(end, 0);
         const auto a = connect();
         EXPECT_EQ(browse(*a, q2_).size(), 4U);
         EXPECT_EQ(browse(*a, q1_).size(), static_cast<std::size_t>(round + 1));
