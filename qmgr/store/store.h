@@ -154,8 +154,9 @@ public:
     void completeQuiesce();
 
     // ---- The files between two connections (soundness.cpp) ----
-    // The files change, and what was noted of them is not so any more. The last connection may have gone: how they are.
+    // The files change: what was noted of them says nothing any more.
     void noteChange() noexcept;
+    // Notes how the files are, if nobody is connected.
     void noteQuiet() noexcept;
     // What is changed without a slot counts before and after.
     class Change {

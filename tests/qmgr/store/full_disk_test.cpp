@@ -119,7 +119,7 @@ TEST_F(FullDisk, IsNoPlaceForANewQueueManager)
 
 TEST_F(FullDisk, TakesNoBackupAndRestoresNone)
 {
-    if (!mounted_) GTEST_SKIP() << "needs a disk of its own";
+    if (!mounted_) GTEST_SKIP() << "only root can mount a small disk";
     const auto anyBytes = [](const Definition &) { return true; };
     const auto store = disk_ / "store";
     const auto backup = disk_ / "backup";
@@ -153,7 +153,7 @@ TEST_F(FullDisk, TakesNoBackupAndRestoresNone)
 
 TEST_F(FullDisk, KeepsItsDefaultQueueManager)
 {
-    if (!mounted_) GTEST_SKIP() << "needs a disk of its own";
+    if (!mounted_) GTEST_SKIP() << "only root can mount a small disk";
     ASSERT_EQ(createQueueManager(disk_, "QM2", {}, DefaultQueueManager::Yes), success());
     fill();
     EXPECT_EQ(setDefaultQueueManager(disk_, "QM1"), failure(MQRC_STORAGE_NOT_AVAILABLE));
